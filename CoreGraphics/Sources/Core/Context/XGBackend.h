@@ -1,0 +1,40 @@
+// XGBackend.h: what the front end asks of the backends, and the only way in which it reaches them.
+#pragma once
+
+#include <CoreGraphics/CGColorSpace.h>
+#include <CoreGraphics/CGImage.h>
+#include <CoreGraphics/CGPath.h>
+
+#include "XGContext.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace cg {
+
+// Where a bitmap's pixels lie and how they are made up, checked by whoever fills it in: sizes are
+// not 0, and `bytesPerRow × height` does not overflow.
+struct Bitmap {
+    void* pixels = nullptr;
+    std::size_t width = 0;
+    std::size_t height = 0;
+    std::size_t bitsPerComponent = 0;
+    std::size_t bitsPerPixel = 0;
+    std::size_t bytesPerRow = 0;
+    CGColorSpaceRef space = nullptr;
+    CGBitmapInfo info = 0;
+};
+
+// Whether the raster backend can draw into bitmaps made up like this one (its pixels are not looked
+// at). Says in the log why not.
+bool rasterBackendAccepts(const Bitmap& bitmap);
+
+// A raster backend that draws into `bitmap`, to be handed to the callbacks below as their info and
+// freed by their `releaseInfo`. NULL when the format is not accepted or memory runs out.
+void* createRasterBackend(const Bitmap& bitmap);
+const XGContextCallbacks& rasterBackendCallbacks();
+
+// Empties a path but keeps the memory of its points, for the next path to use.
+void rewindPath(CGMutablePathRef path);
+
+} // namespace cg

@@ -1,0 +1,27 @@
+# A module is one row of the include table in ARCHITECTURE.md: an object library whose include path
+# holds what that row allows and no more.
+
+# nimbra_module(NAME SOURCES … INCLUDES … LINKS …)
+function(nimbra_module name)
+    cmake_parse_arguments(MODULE "" "" "SOURCES;INCLUDES;LINKS" ${ARGN})
+    add_library(${name} OBJECT ${MODULE_SOURCES})
+    target_include_directories(${name} PRIVATE ${MODULE_INCLUDES})
+    target_link_libraries(${name} PRIVATE nimbra_library_flags ${MODULE_LINKS})
+endfunction()
+
+# nimbra_test(NAME SOURCES … LINKS … [LABELS …]): a GoogleTest program that runs under ctest. Its
+# include path holds tests/, so that "Support/…" names the shared helpers.
+function(nimbra_test name)
+    cmake_parse_arguments(TEST "" "" "SOURCES;INCLUDES;LINKS;LABELS" ${ARGN})
+    add_executable(${name} ${TEST_SOURCES})
+    target_include_directories(${name} PRIVATE ${NIMBRA_TESTS_DIR} ${TEST_INCLUDES})
+    target_link_libraries(${name} PRIVATE nimbra_flags GTest::gmock GTest::gtest_main ${TEST_LINKS})
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${TEST_LABELS}")
+endfunction()
+
+set(NIMBRA_HOST_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/Host/Headers)
+set(NIMBRA_CF_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/CoreFoundation/Headers)
+set(NIMBRA_CG_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Headers)
+set(NIMBRA_CG_PRIVATE_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/PrivateHeaders)
+set(NIMBRA_CG_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Sources)
+set(NIMBRA_TESTS_DIR ${CMAKE_CURRENT_SOURCE_DIR}/tests)
