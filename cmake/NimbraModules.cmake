@@ -9,6 +9,9 @@ function(nimbra_module name)
     target_link_libraries(${name} PRIVATE nimbra_library_flags ${MODULE_LINKS})
 endfunction()
 
+# What the thread sanitizer's run needs built; tests labelled "thread" belong to it.
+add_custom_target(thread-tests)
+
 # nimbra_test(NAME SOURCES … LINKS … [LABELS …]): a GoogleTest program that runs under ctest. Its
 # include path holds tests/, so that "Support/…" names the shared helpers.
 function(nimbra_test name)
@@ -17,6 +20,9 @@ function(nimbra_test name)
     target_include_directories(${name} PRIVATE ${NIMBRA_TESTS_DIR} ${TEST_INCLUDES})
     target_link_libraries(${name} PRIVATE nimbra_flags GTest::gmock GTest::gtest_main ${TEST_LINKS})
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${TEST_LABELS}")
+    if("thread" IN_LIST TEST_LABELS)
+        add_dependencies(thread-tests ${name})
+    endif()
 endfunction()
 
 set(NIMBRA_HOST_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/Host/Headers)

@@ -2,11 +2,12 @@
 #
 # tools/build-skia finds or builds it; SKIA_DIR, as a cache or an environment variable, names one
 # that is already there.
+include_guard(GLOBAL)
 set(SKIA_DIR "$ENV{SKIA_DIR}" CACHE PATH "Folder of a finished Skia; empty: build or reuse one")
 
-find_package(Freetype REQUIRED)
-find_package(PNG REQUIRED)
-find_package(Threads REQUIRED)
+find_package(Freetype REQUIRED GLOBAL)
+find_package(PNG REQUIRED GLOBAL)
+find_package(Threads REQUIRED GLOBAL)
 
 execute_process(
     COMMAND ${CMAKE_COMMAND} -E env "SKIA_DIR=${SKIA_DIR}"
