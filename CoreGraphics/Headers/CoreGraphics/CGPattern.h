@@ -10,9 +10,11 @@ typedef struct CGPattern* CGPatternRef;
 struct CGContext;
 
 /** How the distance between cells fits the device's pixels. */
-CG_ENUM(int32_t, CGPatternTiling){kCGPatternTilingNoDistortion = 0,
-                                  kCGPatternTilingConstantSpacingMinimalDistortion = 1,
-                                  kCGPatternTilingConstantSpacing = 2};
+CG_ENUM(int32_t, CGPatternTiling){
+    kCGPatternTilingNoDistortion = 0,
+    kCGPatternTilingConstantSpacingMinimalDistortion = 1,
+    kCGPatternTilingConstantSpacing = 2,
+};
 
 /** Draws one cell into `context`, in the pattern's own space. */
 typedef void (*CGPatternDrawPatternCallback)(void* info, struct CGContext* context);
