@@ -23,7 +23,7 @@
 #endif
 
 #define HOST_EXPORT extern __attribute__((visibility("default")))
-#define HOST_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#define HOST_PRINTF(position, first) __attribute__((format(printf, position, first)))
 
 HOST_BEGIN_DECLS
 
