@@ -8,10 +8,10 @@ CG_BEGIN_DECLS
 typedef const struct CGColorConversionInfo* CGColorConversionInfoRef;
 
 /** Which way a step of a conversion goes. */
-CG_ENUM(uint32_t, CGColorConversionInfoTransformType){
+CG_ENUM(uint32_t, CGColorConversionInfoTransformType) {
     kCGColorConversionTransformFromSpace = 0,
     kCGColorConversionTransformToSpace = 1,
-    kCGColorConversionTransformApplySpace = 2,
+    kCGColorConversionTransformApplySpace = 2
 };
 
 CG_END_DECLS

@@ -19,30 +19,37 @@ typedef struct CGContext* CGContextRef;
 typedef struct CGLayer* CGLayerRef;
 
 /** What is done with glyphs: filled, stroked, added to the clip. */
-CG_ENUM(int32_t, CGTextDrawingMode){
-    kCGTextFill = 0,      kCGTextStroke = 1,     kCGTextFillStroke = 2,
+CG_ENUM(int32_t, CGTextDrawingMode) {
+    kCGTextFill = 0,
+    kCGTextStroke = 1,
+    kCGTextFillStroke = 2,
     kCGTextInvisible = 3, /**< Nothing is drawn, but the text position moves on. */
-    kCGTextFillClip = 4,  kCGTextStrokeClip = 5, kCGTextFillStrokeClip = 6,
-    kCGTextClip = 7,
+    kCGTextFillClip = 4,
+    kCGTextStrokeClip = 5,
+    kCGTextFillStrokeClip = 6,
+    kCGTextClip = 7
 };
 
 /** What the bytes of a shown text mean. */
-CG_ENUM(int32_t, CGTextEncoding){
+CG_ENUM(int32_t, CGTextEncoding) {
     kCGEncodingFontSpecific = 0,
-    kCGEncodingMacRoman = 1,
+    kCGEncodingMacRoman = 1
 };
 
 /** How carefully the pixels of a scaled image are computed. */
-CG_ENUM(int32_t, CGInterpolationQuality){
-    kCGInterpolationDefault = 0, kCGInterpolationNone = 1, /**< The nearest pixel. */
-    kCGInterpolationLow = 2,     kCGInterpolationHigh = 3, kCGInterpolationMedium = 4,
+CG_ENUM(int32_t, CGInterpolationQuality) {
+    kCGInterpolationDefault = 0,
+    kCGInterpolationNone = 1, /**< The nearest pixel. */
+    kCGInterpolationLow = 2,
+    kCGInterpolationHigh = 3,
+    kCGInterpolationMedium = 4
 };
 
 /** How new marks mix with what is there. R, S and D are result, source and destination with
  *  premultiplied alpha, Ra, Sa and Da their alphas. The first sixteen are the blend modes of
  *  ISO 32000-1, 11.3.5; the others are Porter and Duff's operators ("Compositing digital images",
  *  1984) and two sums. */
-CG_ENUM(int32_t, CGBlendMode){
+CG_ENUM(int32_t, CGBlendMode) {
     kCGBlendModeNormal = 0,
     kCGBlendModeMultiply = 1,
     kCGBlendModeScreen = 2,
@@ -69,8 +76,8 @@ CG_ENUM(int32_t, CGBlendMode){
     kCGBlendModeDestinationOut = 23,  /**< R = D·(1 - Sa) */
     kCGBlendModeDestinationAtop = 24, /**< R = S·(1 - Da) + D·Sa */
     kCGBlendModeXOR = 25,             /**< R = S·(1 - Da) + D·(1 - Sa) */
-    kCGBlendModePlusDarker = 26,      /**< R = max(0, (1 - D) + (1 - S)), inverted */
-    kCGBlendModePlusLighter = 27,     /**< R = min(1, S + D) */
+    kCGBlendModePlusDarker = 26,      /**< R = max(0, 1 - (1 - D) - (1 - S)) */
+    kCGBlendModePlusLighter = 27      /**< R = min(1, S + D) */
 };
 
 CG_END_DECLS

@@ -20,10 +20,10 @@ enum {
 };
 
 /** The PostScript font types that a font can be written as. */
-CG_ENUM(int32_t, CGFontPostScriptFormat){
+CG_ENUM(int32_t, CGFontPostScriptFormat) {
     kCGFontPostScriptFormatType1 = 1,
     kCGFontPostScriptFormatType3 = 3,
-    kCGFontPostScriptFormatType42 = 42,
+    kCGFontPostScriptFormatType42 = 42
 };
 
 CG_END_DECLS

@@ -37,11 +37,11 @@ typedef struct CGRect {
 } CGRect;
 
 /** The sides of a rectangle, as CGRectDivide takes them. */
-CG_ENUM(uint32_t, CGRectEdge){
+CG_ENUM(uint32_t, CGRectEdge) {
     CGRectMinXEdge = 0,
     CGRectMinYEdge = 1,
     CGRectMaxXEdge = 2,
-    CGRectMaxYEdge = 3,
+    CGRectMaxYEdge = 3
 };
 
 CG_EXPORT const CGPoint CGPointZero;

@@ -9,9 +9,9 @@ CG_BEGIN_DECLS
 typedef struct CGGradient* CGGradientRef;
 
 /** Whether the end colours go on beyond the ends; may be or-ed. */
-CG_OPTIONS(uint32_t, CGGradientDrawingOptions){
+CG_OPTIONS(uint32_t, CGGradientDrawingOptions) {
     kCGGradientDrawsBeforeStartLocation = 1 << 0,
-    kCGGradientDrawsAfterEndLocation = 1 << 1,
+    kCGGradientDrawsAfterEndLocation = 1 << 1
 };
 
 CG_END_DECLS

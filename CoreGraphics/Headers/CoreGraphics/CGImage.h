@@ -13,7 +13,7 @@ CG_BEGIN_DECLS
 typedef struct CGImage* CGImageRef;
 
 /** Where a pixel's opacity stands, and whether the other components are multiplied by it. */
-CG_ENUM(uint32_t, CGImageAlphaInfo){
+CG_ENUM(uint32_t, CGImageAlphaInfo) {
     kCGImageAlphaNone = 0,
     kCGImageAlphaPremultipliedLast = 1,
     kCGImageAlphaPremultipliedFirst = 2,
@@ -21,14 +21,17 @@ CG_ENUM(uint32_t, CGImageAlphaInfo){
     kCGImageAlphaFirst = 4,
     kCGImageAlphaNoneSkipLast = 5, /**< As many bits as an opacity would take, without meaning. */
     kCGImageAlphaNoneSkipFirst = 6,
-    kCGImageAlphaOnly = 7, /**< Opacity, and no colour. */
+    kCGImageAlphaOnly = 7          /**< Opacity, and no colour. */
 };
 
 /** In which order the bytes of a 16-bit or 32-bit unit lie in memory. */
-CG_ENUM(uint32_t, CGImageByteOrderInfo){
-    kCGImageByteOrderMask = 0x7000,     kCGImageByteOrderDefault = 0x0000,
-    kCGImageByteOrder16Little = 0x1000, kCGImageByteOrder32Little = 0x2000,
-    kCGImageByteOrder16Big = 0x3000,    kCGImageByteOrder32Big = 0x4000,
+CG_ENUM(uint32_t, CGImageByteOrderInfo) {
+    kCGImageByteOrderMask = 0x7000,
+    kCGImageByteOrderDefault = 0x0000,
+    kCGImageByteOrder16Little = 0x1000,
+    kCGImageByteOrder32Little = 0x2000,
+    kCGImageByteOrder16Big = 0x3000,
+    kCGImageByteOrder32Big = 0x4000
 };
 
 typedef uint32_t CGBitmapInfo;
@@ -47,7 +50,7 @@ enum {
     kCGBitmapByteOrder16Little = 0x1000,
     kCGBitmapByteOrder32Little = 0x2000,
     kCGBitmapByteOrder16Big = 0x3000,
-    kCGBitmapByteOrder32Big = 0x4000,
+    kCGBitmapByteOrder32Big = 0x4000
 };
 
 /* The byte orders of the machine that the program runs on. */

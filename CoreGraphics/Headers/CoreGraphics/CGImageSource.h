@@ -4,8 +4,11 @@
 #include <CoreGraphics/CGBase.h>
 
 /** The state of an image, or of a file of images, while its bytes arrive. */
-CG_ENUM(int32_t, CGImageSourceStatus){
-    kCGImageStatusUnexpectedEOF = -5, kCGImageStatusInvalidData = -4,
-    kCGImageStatusUnknownType = -3,   kCGImageStatusReadingHeader = -2,
-    kCGImageStatusIncomplete = -1,    kCGImageStatusComplete = 0,
+CG_ENUM(int32_t, CGImageSourceStatus) {
+    kCGImageStatusUnexpectedEOF = -5,
+    kCGImageStatusInvalidData = -4,
+    kCGImageStatusUnknownType = -3,
+    kCGImageStatusReadingHeader = -2,
+    kCGImageStatusIncomplete = -1,
+    kCGImageStatusComplete = 0
 };

@@ -10,10 +10,10 @@ typedef struct CGPattern* CGPatternRef;
 struct CGContext;
 
 /** How the distance between cells fits the device's pixels. */
-CG_ENUM(int32_t, CGPatternTiling){
+CG_ENUM(int32_t, CGPatternTiling) {
     kCGPatternTilingNoDistortion = 0,
     kCGPatternTilingConstantSpacingMinimalDistortion = 1,
-    kCGPatternTilingConstantSpacing = 2,
+    kCGPatternTilingConstantSpacing = 2
 };
 
 /** Draws one cell into `context`, in the pattern's own space. */
