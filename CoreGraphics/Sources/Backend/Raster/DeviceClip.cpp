@@ -1,0 +1,80 @@
+// DeviceClip.cpp: a clipping's rectangle and paths as a surface's clip.
+
+#include "Backend/Raster/DeviceClip.h"
+
+#include <CoreFoundation/CFArray.h>
+
+#include "XGPath.h"
+
+#include "Backend/Raster/SkiaConversions.h"
+
+#include <limits>
+
+namespace cg {
+
+namespace {
+
+CFIndex countOf(CFArrayRef paths) { return paths ? CFArrayGetCount(paths) : 0; }
+
+CGPathRef pathAt(CFArrayRef paths, CFIndex index) {
+    return static_cast<CGPathRef>(CFArrayGetValueAtIndex(paths, index));
+}
+
+// How many paths the two share from the first on: a copied state shares its paths.
+CFIndex commonPaths(CFArrayRef paths, CFArrayRef outerPaths) {
+    const CFIndex most = std::min(countOf(paths), countOf(outerPaths));
+    CFIndex common = 0;
+    while (common < most && pathAt(paths, common) == pathAt(outerPaths, common))
+        ++common;
+    return common;
+}
+
+constexpr float kUnbounded = std::numeric_limits<float>::infinity();
+
+// A clipping's rectangle is shrunk to the bounds of each path that it is intersected with. An edge
+// that the paths impose would be antialiased once by the path and once more by the rectangle: it
+// counts as unbounded here, and so does one that the outer clip imposes.
+SkRect ownEdges(CGRect rect, CFArrayRef paths, XGClippingRef outer) {
+    SkRect edges = toSkia(rect);
+    SkRect imposed = {-kUnbounded, -kUnbounded, kUnbounded, kUnbounded};
+    const auto impose = [&imposed](const SkRect& by) {
+        imposed.setLTRB(std::max(imposed.left(), by.left()), std::max(imposed.top(), by.top()),
+                        std::min(imposed.right(), by.right()),
+                        std::min(imposed.bottom(), by.bottom()));
+    };
+    for (CFIndex index = 0; index < countOf(paths); ++index)
+        impose(toSkia(CGPathGetBoundingBox(pathAt(paths, index))));
+    if (outer)
+        impose(toSkia(XGClippingGetBoundingBox(outer)));
+
+    constexpr float far = 1 << 24; // Beyond every surface.
+    if (edges.left() <= imposed.left())
+        edges.fLeft = -far;
+    if (edges.top() <= imposed.top())
+        edges.fTop = -far;
+    if (edges.right() >= imposed.right())
+        edges.fRight = far;
+    if (edges.bottom() >= imposed.bottom())
+        edges.fBottom = far;
+    return edges;
+}
+
+} // namespace
+
+void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer, bool antialias) {
+    surface.resetClip();
+    if (!clipping)
+        return;
+    if (XGClippingIsEmpty(clipping)) {
+        surface.clipOut();
+        return;
+    }
+    const CFArrayRef paths = XGClippingGetPaths(clipping);
+    surface.clipRect(ownEdges(XGClippingGetBoundingBox(clipping), paths, outer), antialias);
+    const CFIndex first = outer ? commonPaths(paths, XGClippingGetPaths(outer)) : 0;
+    for (CFIndex index = first; index < countOf(paths); ++index)
+        surface.clipPath(*static_cast<const SkPath*>(_CGPathGetNativeObject(pathAt(paths, index))),
+                         antialias);
+}
+
+} // namespace cg

@@ -1,0 +1,47 @@
+// PaintSetup.h: the graphics state as Skia paints.
+#pragma once
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CGColor.h>
+
+#include "XGGState.h"
+
+#include "include/core/SkPaint.h"
+
+#include <cstdint>
+
+namespace cg {
+
+// A colour and what it is as 32-bit ARGB, so that a run of draws in one colour converts it once.
+class CachedColor {
+public:
+    // No colour is opaque black.
+    SkColor convert(CGColorRef color);
+
+private:
+    cf::Ref<CGColorRef> color_;
+    SkColor argb_ = SK_ColorBLACK;
+};
+
+// One paint for a backend's whole life, set up anew for each operation.
+class PaintSetup {
+public:
+    // Fill style, in the fill colour under the state's alpha and blend mode.
+    const SkPaint& fill(XGGStateRef state, uint32_t flags);
+    // Stroke style, in the stroke colour with the line attributes.
+    const SkPaint& stroke(XGGStateRef state, uint32_t flags);
+    // The shadow of a mark that `paint` makes: its colour and blur instead of the mark's own.
+    SkPaint shadowOf(const SkPaint& paint, XGGStateRef state);
+    // How a finished group is put down: alpha and blend mode alone.
+    static SkPaint group(XGGStateRef state);
+
+private:
+    void setUp(XGGStateRef state, uint32_t flags, SkColor color);
+
+    SkPaint paint_;
+    CachedColor fillColor_;
+    CachedColor strokeColor_;
+    CachedColor shadowColor_;
+};
+
+} // namespace cg

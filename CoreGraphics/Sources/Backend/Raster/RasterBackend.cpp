@@ -1,0 +1,180 @@
+// RasterBackend.cpp: paths, rectangles and transparency layers drawn into a bitmap's pixels.
+
+#include "Backend/Raster/RasterBackend.h"
+
+#include "XGPath.h"
+
+#include "Backend/Raster/DeviceClip.h"
+#include "Backend/Raster/PixelFormat.h"
+#include "Backend/Raster/SkiaConversions.h"
+#include "Core/Object/Diagnostics.h"
+
+#include "include/core/SkGraphics.h"
+
+#include <new>
+
+namespace cg {
+
+namespace {
+
+const SkPath& nativePath(CGPathRef path) {
+    return *static_cast<const SkPath*>(_CGPathGetNativeObject(path));
+}
+
+SkPathFillType fillType(bool evenOdd) {
+    return evenOdd ? SkPathFillType::kEvenOdd : SkPathFillType::kWinding;
+}
+
+// Shadow offsets are in device space, y up; pixels count rows downwards.
+SkVector shadowOffset(XGGStateRef state) {
+    const CGSize offset = XGGStateGetShadowOffset(state);
+    return {offset.width, -offset.height};
+}
+
+} // namespace
+
+RasterBackend::RasterBackend(const SkPixmap& pixels) : base_(pixels, pixels.height(), {0, 0}) {
+    scratchPath_.setIsVolatile(true);
+}
+
+// The surface that marks go to, clipped as the state says. The state tells when its clip changed.
+Surface& RasterBackend::surfaceUnderClip(XGGStateRef state, uint32_t flags) {
+    Surface& target = surface();
+    if (clipIsStale_ || XGGStateShouldRasterizeClipRegion(state)) {
+        const bool antialias =
+            (flags & kXGContextAllowsAntialiasing) && XGGStateShouldAntialias(state);
+        applyClipping(target, XGGStateGetClipping(state),
+                      layer_ ? layer_->outerClipping() : nullptr, antialias);
+        XGGStateSetShouldRasterizeClipRegion(state, false);
+        clipIsStale_ = false;
+    }
+    return target;
+}
+
+void RasterBackend::drawMark(XGGStateRef state, uint32_t flags, const SkPath& path,
+                             const SkPaint& paint) {
+    Surface& target = surfaceUnderClip(state, flags);
+    const SkPath* devicePath = &path;
+    if (!(flags & kXGContextGeometryInDeviceSpace)) {
+        path.transform(toSkia(*XGGStateGetCombinedCTM(state)), &scratchPath_);
+        devicePath = &scratchPath_;
+    }
+    if (flags & kXGContextShadowPass)
+        target.drawPath(*devicePath, paints_.shadowOf(paint, state), shadowOffset(state));
+    else
+        target.drawPath(*devicePath, paint);
+}
+
+void RasterBackend::drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
+                             bool evenOdd) {
+    if (fill) {
+        const SkPath& path = nativePath(fill);
+        const SkPaint& paint = paints_.fill(state, flags);
+        if (path.getFillType() == fillType(evenOdd)) {
+            drawMark(state, flags, path, paint);
+        } else {
+            SkPath ruled = path; // Shares the points.
+            ruled.setFillType(fillType(evenOdd));
+            drawMark(state, flags, ruled, paint);
+        }
+    }
+    if (stroke)
+        drawMark(state, flags, nativePath(stroke), paints_.stroke(state, flags));
+}
+
+void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects,
+                              size_t count) {
+    const SkPaint& paint = paints_.fill(state, flags);
+    const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
+    const SkMatrix matrix =
+        inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
+    const bool staysRect = matrix.rectStaysRect() && !(flags & kXGContextShadowPass);
+    for (size_t index = 0; index < count; ++index) {
+        SkRect rect = toSkia(rects[index]);
+        if (staysRect) {
+            matrix.mapRect(&rect);
+            surfaceUnderClip(state, flags).drawRect(rect, paint);
+        } else {
+            drawMark(state, flags, SkPath::Rect(rect), paint);
+        }
+    }
+}
+
+// ---- Transparency layers
+
+void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
+    const Surface& parent = surfaceUnderClip(state, flags);
+    auto layer = unmadeLayers_ > 0
+                     ? nullptr
+                     : TransparencyLayer::create(parent, base_.pixels().height(),
+                                                 XGGStateGetClipping(state),
+                                                 PaintSetup::group(state));
+    if (!layer) {
+        CG_LOG_ERROR("Failed to allocate a transparency layer, drawing without it");
+        ++unmadeLayers_;
+        return;
+    }
+    layer->below = std::move(layer_);
+    layer_ = std::move(layer);
+    clipIsStale_ = true;
+}
+
+void RasterBackend::endTransparencyLayer(XGGStateRef state, uint32_t flags) {
+    if (unmadeLayers_ > 0) {
+        --unmadeLayers_;
+        return;
+    }
+    if (!layer_)
+        return;
+    const std::unique_ptr<TransparencyLayer> ended = std::move(layer_);
+    layer_ = std::move(ended->below);
+    clipIsStale_ = true;
+    ended->drawOnto(surfaceUnderClip(state, flags));
+}
+
+// ---- The seam
+
+namespace {
+
+RasterBackend& backend(void* info) { return *static_cast<RasterBackend*>(info); }
+
+constexpr XGContextCallbacks kCallbacks = {
+    .version = 0,
+    .releaseInfo = [](void* info) { delete static_cast<RasterBackend*>(info); },
+    .drawPath =
+        [](XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke, bool evenOdd,
+           void* info) { backend(info).drawPath(state, flags, fill, stroke, evenOdd); },
+    .fillRects =
+        [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count, void* info) {
+            backend(info).fillRects(state, flags, rects, count);
+        },
+    .beginTransparencyLayer =
+        [](XGGStateRef state, uint32_t flags, void* info) {
+            backend(info).beginTransparencyLayer(state, flags);
+        },
+    .endTransparencyLayer =
+        [](XGGStateRef state, uint32_t flags, void* info) {
+            backend(info).endTransparencyLayer(state, flags);
+        },
+};
+
+// Chooses the instructions of this processor; drawing before it takes Skia's slowest code.
+void initializeSkia() {
+    [[maybe_unused]] static const bool once = (SkGraphics::Init(), true);
+}
+
+} // namespace
+
+bool rasterBackendAccepts(const Bitmap& bitmap) { return skiaImageInfo(bitmap).has_value(); }
+
+void* createRasterBackend(const Bitmap& bitmap) {
+    const auto info = skiaImageInfo(bitmap);
+    if (!info)
+        return nullptr;
+    initializeSkia();
+    return new (std::nothrow) RasterBackend(SkPixmap(*info, bitmap.pixels, bitmap.bytesPerRow));
+}
+
+const XGContextCallbacks& rasterBackendCallbacks() { return kCallbacks; }
+
+} // namespace cg

@@ -1,0 +1,61 @@
+// Surface.h: pixels, and the clip and transform through which marks reach them.
+#pragma once
+
+#include "include/core/SkMatrix.h"
+#include "include/core/SkPaint.h"
+#include "include/core/SkPath.h"
+#include "include/core/SkPixmap.h"
+#include "src/core/SkRasterClip.h"
+
+namespace cg {
+
+// Draws with Skia's rasteriser directly. A canvas in front of it would cost more than the pixels of
+// a small shape, and five kilobytes; what it adds, a stack of transforms and clips, the graphics
+// state has already. The pixels that result are a canvas's, to the bit.
+//
+// Guarantees: nothing outside the pixmap is written, whatever the geometry; geometry that is not
+// finite draws nothing.
+class Surface {
+public:
+    // Over `pixels`, which outlive it, unclipped. Device space is y up from the lower left corner of
+    // an area `deviceHeight` high, of which the pixels show the part from `origin` (in rows and
+    // columns from its upper left corner) on.
+    Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin);
+
+    Surface(const Surface&) = delete;
+    Surface& operator=(const Surface&) = delete;
+
+    const SkPixmap& pixels() const { return pixels_; }
+    SkIPoint origin() const { return origin_; }
+    // Device space to the pixels' rows and columns.
+    const SkMatrix& deviceToPixels() const { return deviceToPixels_; }
+    const SkRasterClip& clip() const { return clip_; }
+    SkIRect bounds() const { return SkIRect::MakeSize(pixels_.dimensions()); }
+
+    void resetClip();
+    void clipOut();
+    void clipRect(const SkRect& deviceRect, bool antialias);
+    void clipPath(const SkPath& devicePath, bool antialias);
+
+    // `devicePath` under the paint's style; `offset` moves its marks, in pixels.
+    void drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset = {0, 0});
+    void drawRect(const SkRect& deviceRect, const SkPaint& paint);
+    // Puts other pixels' upper left corner at a column and row of these.
+    void drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint);
+
+private:
+    template <typename Draw>
+    void draw(const SkMatrix& matrix, Draw&& draw);
+    template <typename Draw>
+    void drawInTiles(const SkMatrix& matrix, Draw&& draw);
+    bool fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint);
+    bool clipsWithAntialiasing(bool wanted) const;
+
+    SkPixmap pixels_;
+    SkIPoint origin_;
+    SkMatrix deviceToPixels_;
+    SkRasterClip clip_;
+    SkPath pixelPath_; // Scratch: keeps its memory from one path to the next.
+};
+
+} // namespace cg

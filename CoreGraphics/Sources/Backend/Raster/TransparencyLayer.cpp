@@ -1,0 +1,33 @@
+// TransparencyLayer.cpp: the pixels of a group, and how they reach its parent.
+
+#include "Backend/Raster/TransparencyLayer.h"
+
+#include <new>
+
+namespace cg {
+
+std::unique_ptr<TransparencyLayer> TransparencyLayer::create(const Surface& parent,
+                                                             int deviceHeight,
+                                                             XGClippingRef outer,
+                                                             const SkPaint& paint) {
+    std::unique_ptr<TransparencyLayer> layer(new (std::nothrow) TransparencyLayer);
+    if (!layer)
+        return nullptr;
+    const SkIRect area = parent.clip().getBounds();
+    const SkImageInfo info = SkImageInfo::MakeN32Premul(area.width(), area.height());
+    if (!area.isEmpty()) {
+        if (!layer->bitmap_.tryAllocPixels(info))
+            return nullptr;
+        layer->bitmap_.eraseColor(SK_ColorTRANSPARENT);
+    }
+    layer->surface_.emplace(layer->bitmap_.pixmap(), deviceHeight, parent.origin() + area.topLeft());
+    layer->outer_ = cf::retain(outer);
+    layer->paint_ = paint;
+    return layer;
+}
+
+void TransparencyLayer::drawOnto(Surface& parent) const {
+    parent.drawPixels(surface_->pixels(), surface_->origin() - parent.origin(), paint_);
+}
+
+} // namespace cg
