@@ -9,4 +9,42 @@ CG_BEGIN_DECLS
 /** The context no longer needs the pixels that its caller gave. */
 typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data);
 
+/** A context that draws into `width` × `height` pixels of `bitsPerComponent` bits each component.
+ *
+ *  `data` holds the pixels, the picture's top row first, and must outlive the context; what it holds
+ *  stays until it is drawn over. With NULL the context allocates pixels of its own, all zero.
+ *  `bytesPerRow` is the distance between rows; 0 means packed rows. `space` gives the number and
+ *  meaning of the components and may be NULL for alpha-only pixels; the context keeps it.
+ *  `bitmapInfo` says where the alpha is and in which order bytes lie. User space has its origin at
+ *  the lower left corner, y up, one unit per pixel, and the whole bitmap is the clip.
+ *
+ *  NULL, without a message, when width, height or bitsPerComponent is 0; NULL, with an error in the
+ *  log, for alpha that is not premultiplied, rows too short for the width, and formats that cannot
+ *  be drawn into. */
+CG_EXPORT CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height,
+                                             size_t bitsPerComponent, size_t bytesPerRow,
+                                             CGColorSpaceRef space, CGBitmapInfo bitmapInfo);
+/** CGBitmapContextCreate that calls `release(releaseInfo, data)` once the context is gone and needs
+ *  `data` no longer. When NULL is returned `release` has not been called. */
+CG_EXPORT CGContextRef CGBitmapContextCreateWithData(
+    void* data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
+    CGColorSpaceRef space, CGBitmapInfo bitmapInfo, CGBitmapContextReleaseDataCallback release,
+    void* releaseInfo);
+
+/* Of contexts that are not bitmap contexts the following answer 0 or NULL. */
+
+/** The pixels, as drawn so far; they live as long as the context. */
+CG_EXPORT void* CGBitmapContextGetData(CGContextRef context);
+/** The width in pixels. */
+CG_EXPORT size_t CGBitmapContextGetWidth(CGContextRef context);
+/** The height in pixels. */
+CG_EXPORT size_t CGBitmapContextGetHeight(CGContextRef context);
+CG_EXPORT size_t CGBitmapContextGetBitsPerComponent(CGContextRef context);
+CG_EXPORT size_t CGBitmapContextGetBitsPerPixel(CGContextRef context);
+CG_EXPORT size_t CGBitmapContextGetBytesPerRow(CGContextRef context);
+/** The colour space, lent. */
+CG_EXPORT CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context);
+CG_EXPORT CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context);
+CG_EXPORT CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context);
+
 CG_END_DECLS

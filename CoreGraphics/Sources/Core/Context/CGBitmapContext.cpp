@@ -1,0 +1,281 @@
+// CGBitmapContext.cpp: contexts over pixels in memory.
+
+#include <CoreGraphics/CGBitmapContext.h>
+
+#include <CoreFoundation/CFData.h>
+
+#include "XGBitmapContext.h"
+#include "XGGState.h"
+
+#include "Core/Context/CGContextRecord.h"
+#include "Core/Context/XGBackend.h"
+#include "Core/Object/CheckedSize.h"
+#include "Core/Object/Diagnostics.h"
+
+#include <new>
+
+namespace {
+
+struct BitmapFields {
+    std::size_t width = 0;
+    std::size_t height = 0;
+    std::size_t bitsPerComponent = 0;
+    std::size_t bytesPerRow = 0;
+    std::size_t bitsPerPixel = 0;
+    void* pixels = nullptr;
+    cf::Ref<CGColorSpaceRef> space;
+    cf::Ref<CFDataRef> data; // Owns the pixels, or wraps the caller's.
+    CGBitmapInfo info = 0;
+    CGBitmapContextReleaseDataCallback release = nullptr;
+    void* releaseInfo = nullptr;
+};
+
+struct BitmapContext {
+    CGContext common;
+    BitmapFields bitmap;
+};
+
+// The bitmap's fields, or NULL of a context of another kind.
+BitmapFields* fieldsOf(CGContextRef context) {
+    const bool isBitmap = context && context->kind == kXGContextKindBitmap;
+    return isBitmap ? &reinterpret_cast<BitmapContext*>(context)->bitmap : nullptr;
+}
+
+// Set by the library alone, when a context records commands instead of holding pixels.
+constexpr CGBitmapInfo kRecordsCommands = 0x40000000;
+
+CGImageAlphaInfo alphaInfo(CGBitmapInfo info) {
+    return static_cast<CGImageAlphaInfo>(info & kCGBitmapAlphaInfoMask);
+}
+
+// ---- Creation
+
+struct PixelSource {
+    void* data = nullptr;
+    XGBitmapContextAllocateCallback allocate = nullptr;
+    CGBitmapContextReleaseDataCallback release = nullptr;
+    void* info = nullptr;
+};
+
+std::size_t componentsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha) {
+    if (alpha == kCGImageAlphaOnly)
+        return 1;
+    return CGColorSpaceGetNumberOfComponents(space) + (alpha == kCGImageAlphaNone ? 0 : 1);
+}
+
+// 0 when the numbers overflow.
+std::size_t bitsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha,
+                         std::size_t bitsPerComponent) {
+    constexpr std::size_t kBitsOf555 = 16;
+    if (bitsPerComponent == 5)
+        return kBitsOf555;
+    return cg::multiplied(componentsPerPixel(space, alpha), bitsPerComponent).value_or(0);
+}
+
+std::optional<std::size_t> packedBytesPerRow(std::size_t bitsPerPixel, std::size_t width) {
+    const auto bits = cg::multiplied(bitsPerPixel, width);
+    const auto rounded = bits ? cg::added(*bits, 7) : std::nullopt;
+    return rounded ? std::optional(*rounded / 8) : std::nullopt;
+}
+
+// The pixels' owner: memory of our own is zeroed, the caller's is wrapped.
+cf::Ref<CFDataRef> obtainPixels(const PixelSource& source, void* given, std::size_t size) {
+    if (given)
+        return cf::adopt(CFDataCreateWithBytesNoCopy(nullptr, static_cast<const UInt8*>(given),
+                                                     static_cast<CFIndex>(size),
+                                                     kCFAllocatorNull));
+    if (source.data || source.allocate)
+        return nullptr;
+    const auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
+    if (!data)
+        return nullptr;
+    CFDataSetLength(data.get(), static_cast<CFIndex>(size));
+    const bool isWhole = CFDataGetLength(data.get()) == static_cast<CFIndex>(size);
+    return isWhole ? cf::retain(static_cast<CFDataRef>(data.get())) : nullptr;
+}
+
+// A context with the bitmap's backend, which the context frees from then on.
+BitmapContext* makeContext(const cg::Bitmap& bitmap) {
+    void* const backend = cg::createRasterBackend(bitmap);
+    if (!backend)
+        return nullptr;
+    const XGContextCallbacks& callbacks = cg::rasterBackendCallbacks();
+    const CGContextRef context =
+        XGContextCreate(kXGContextKindBitmap, &callbacks, backend, sizeof(BitmapContext));
+    if (!context) {
+        callbacks.releaseInfo(backend);
+        return nullptr;
+    }
+    auto* const made = reinterpret_cast<BitmapContext*>(context);
+    new (&made->bitmap) BitmapFields{};
+    return made;
+}
+
+CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
+    const auto size = cg::multiplied(bitmap.bytesPerRow, bitmap.height);
+    if (!size || *size > static_cast<std::size_t>(LONG_MAX))
+        return nullptr;
+    void* const allocated =
+        !source.data && source.allocate ? source.allocate(source.info, *size) : nullptr;
+    void* const given = source.data ? source.data : allocated;
+
+    const auto data = obtainPixels(source, given, *size);
+    bitmap.pixels = given || !data ? given : CFDataGetMutableBytePtr(
+                                                 const_cast<CFMutableDataRef>(data.get()));
+    BitmapContext* const context = data ? makeContext(bitmap) : nullptr;
+    if (!context) {
+        if (allocated && source.release)
+            source.release(source.info, allocated);
+        return nullptr;
+    }
+
+    context->bitmap = {.width = bitmap.width,
+                       .height = bitmap.height,
+                       .bitsPerComponent = bitmap.bitsPerComponent,
+                       .bytesPerRow = bitmap.bytesPerRow,
+                       .bitsPerPixel = bitmap.bitsPerPixel,
+                       .pixels = bitmap.pixels,
+                       .space = cf::retain(bitmap.space),
+                       .data = data,
+                       .info = bitmap.info,
+                       .release = given ? source.release : nullptr,
+                       .releaseInfo = source.info};
+    const CGContextRef made = &context->common;
+    CGContextSetFillColorSpace(made, bitmap.space);
+    CGContextSetStrokeColorSpace(made, bitmap.space);
+    CGContextClipToRect(made, CGRectMake(0, 0, static_cast<CGFloat>(bitmap.width),
+                                         static_cast<CGFloat>(bitmap.height)));
+    return made;
+}
+
+bool isAlphaSupported(CGBitmapInfo info) {
+    const CGImageAlphaInfo alpha = alphaInfo(info);
+    return alpha <= kCGImageAlphaOnly && alpha != kCGImageAlphaLast && alpha != kCGImageAlphaFirst;
+}
+
+// Every message of creation carries this function's name.
+CGContextRef _CGBitmapContextCreateInternal(cg::Bitmap bitmap, const PixelSource& source) {
+    if (bitmap.width == 0 || bitmap.height == 0 || bitmap.bitsPerComponent == 0)
+        return nullptr;
+    bitmap.info &= ~kRecordsCommands;
+    const CGImageAlphaInfo alpha = alphaInfo(bitmap.info);
+    if (!isAlphaSupported(bitmap.info)) {
+        if (alpha <= kCGImageAlphaOnly)
+            CG_LOG_ERROR("Unsupported alpha format: %s",
+                         alpha == kCGImageAlphaLast ? "kCGImageAlphaLast" : "kCGImageAlphaFirst");
+        return nullptr;
+    }
+
+    bitmap.bitsPerPixel = bitsPerPixel(bitmap.space, alpha, bitmap.bitsPerComponent);
+    const auto packed = packedBytesPerRow(bitmap.bitsPerPixel, bitmap.width);
+    if (!packed || (bitmap.bytesPerRow != 0 && bitmap.bytesPerRow < *packed)) {
+        CG_LOG_ERROR("Unable to create context: invalid arguments (bytesPerRow=%zu, "
+                     "bitsPerPixel=%zu, width=%zu)",
+                     bitmap.bytesPerRow, bitmap.bitsPerPixel, bitmap.width);
+        return nullptr;
+    }
+    if (bitmap.bytesPerRow == 0)
+        bitmap.bytesPerRow = *packed;
+    if (!cg::rasterBackendAccepts(bitmap)) {
+        CG_LOG_ERROR("Unable to validate context with arguments (colorpace=%@ bitmapInfo=%x "
+                     "bitsPerPixel=%zu bitsPerComponent=%zu)",
+                     static_cast<const void*>(bitmap.space), static_cast<unsigned>(bitmap.info),
+                     bitmap.bitsPerPixel, bitmap.bitsPerComponent);
+        return nullptr;
+    }
+    return createOver(bitmap, source);
+}
+
+} // namespace
+
+CGContextRef _CGBitmapContextCreateWithDataAllocator(
+    void* data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
+    CGColorSpaceRef space, CGBitmapInfo bitmapInfo, XGBitmapContextAllocateCallback allocate,
+    CGBitmapContextReleaseDataCallback release, void* info) {
+    return _CGBitmapContextCreateInternal({.width = width,
+                                           .height = height,
+                                           .bitsPerComponent = bitsPerComponent,
+                                           .bytesPerRow = bytesPerRow,
+                                           .space = space,
+                                           .info = bitmapInfo},
+                                          {data, allocate, release, info});
+}
+
+CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t height,
+                                           size_t bitsPerComponent, size_t bytesPerRow,
+                                           CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
+                                           CGBitmapContextReleaseDataCallback release,
+                                           void* releaseInfo) {
+    return _CGBitmapContextCreateWithDataAllocator(data, width, height, bitsPerComponent,
+                                                   bytesPerRow, space, bitmapInfo, nullptr,
+                                                   release, releaseInfo);
+}
+
+CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height,
+                                   size_t bitsPerComponent, size_t bytesPerRow,
+                                   CGColorSpaceRef space, CGBitmapInfo bitmapInfo) {
+    return CGBitmapContextCreateWithData(data, width, height, bitsPerComponent, bytesPerRow, space,
+                                         bitmapInfo, nullptr, nullptr);
+}
+
+// The finaliser of contexts calls this once, for bitmap contexts only.
+void XGBitmapContextDispose(CGContextRef context) {
+    BitmapFields* const bitmap = fieldsOf(context);
+    if (!bitmap)
+        return;
+    if (bitmap->release)
+        bitmap->release(bitmap->releaseInfo, bitmap->pixels);
+    bitmap->~BitmapFields();
+    new (bitmap) BitmapFields{};
+}
+
+// ---- Accessors
+
+void* CGBitmapContextGetData(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->pixels : nullptr;
+}
+
+size_t CGBitmapContextGetWidth(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->width : 0;
+}
+
+size_t CGBitmapContextGetHeight(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->height : 0;
+}
+
+size_t CGBitmapContextGetBitsPerComponent(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->bitsPerComponent : 0;
+}
+
+size_t CGBitmapContextGetBitsPerPixel(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->bitsPerPixel : 0;
+}
+
+size_t CGBitmapContextGetBytesPerRow(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->bytesPerRow : 0;
+}
+
+CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->space.get() : nullptr;
+}
+
+CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) {
+    const BitmapFields* const bitmap = fieldsOf(context);
+    return bitmap ? bitmap->info : 0;
+}
+
+CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context) {
+    return alphaInfo(CGBitmapContextGetBitmapInfo(context));
+}
+
+void XGBitmapContextAddFlags(CGContextRef context, CGBitmapInfo flags) {
+    if (BitmapFields* const bitmap = fieldsOf(context))
+        bitmap->info |= flags;
+}
