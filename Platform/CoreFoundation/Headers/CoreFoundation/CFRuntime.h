@@ -36,7 +36,14 @@ typedef struct CFRuntimeClass {
     CFStringRef (*copyDebugDescription)(CFTypeRef object);
 } CFRuntimeClass;
 
-enum { _kCFRuntimeNotATypeID = 0 };
+enum {
+    _kCFRuntimeNotATypeID = 0,
+    /** Reserved: string instances are also laid out by the compiler, before any class registers. */
+    _kCFRuntimeStringTypeID = 7
+};
+
+/** Reference counts from here on stand for "for ever". */
+#define _kCFRuntimeImmortalCount 0x80000000U
 
 /** Registers `record` and returns its new type identifier; 0 when the table of types is full or
  *  `record` is NULL. Call it once for a class, under a once-only guard. */
