@@ -1,21 +1,18 @@
 /* XGContext: contexts whose marks go to a table of callbacks.
  *
  * Whoever brings a new kind of drawing destination makes its contexts here. The front end keeps the
- * state, the state stack and the current path; the table receives the operations that make marks. */
+ * state, the state stack and the current path; the table receives the operations that make marks.
+ */
 #pragma once
 
+#include "XGGState.h"
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGPath.h>
 
-#include "XGGState.h"
-
 CG_BEGIN_DECLS
 
-enum {
-    kXGContextKindBitmap = 1,
-    kXGContextKindPDF = 3
-};
+enum { kXGContextKindBitmap = 1, kXGContextKindPDF = 3 };
 
 /** Bits of the flags word that every callback receives. */
 enum {
@@ -43,17 +40,16 @@ typedef struct XGContextCallbacks {
     void (*releaseInfo)(void* info);
     void (*flush)(XGGStateRef state, uint32_t flags, void* info);
     void (*synchronize)(XGGStateRef state, uint32_t flags, void* info);
-    /** Fills `fill` by the even-odd or the winding rule, then strokes `stroke`; either may be NULL. */
+    /** Fills `fill` by the even-odd or the winding rule, then strokes `stroke`; either may be NULL.
+     */
     void (*drawPath)(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                      bool evenOdd, void* info);
     /** Fills rectangles, in user space unless the flags say device space. */
     void (*fillRects)(XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
                       void* info);
     void (*drawShading)(XGGStateRef state, uint32_t flags, CGShadingRef shading, void* info);
-    void (*drawImage)(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image,
-                      void* info);
-    void (*drawLayer)(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer,
-                      void* info);
+    void (*drawImage)(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image, void* info);
+    void (*drawLayer)(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer, void* info);
     void (*drawSprites)(XGGStateRef state, uint32_t flags, CGFontRef font, const void* glyphs,
                         const CGPoint* positions, size_t count, void* info);
     void (*beginTransparencyLayer)(XGGStateRef state, uint32_t flags, void* info);
@@ -63,9 +59,9 @@ typedef struct XGContextCallbacks {
     void (*prepare)(CGContextRef context);
 } XGContextCallbacks;
 
-/** A context of `kind` (kXGContextKind…, or a number of the caller's own) over `callbacks`, which are
- *  copied, and `info`, which is handed to each of them. `size` is the whole record's size for kinds
- *  that keep fields behind the common ones; smaller values are raised. NULL when the table is
+/** A context of `kind` (kXGContextKind…, or a number of the caller's own) over `callbacks`, which
+ * are copied, and `info`, which is handed to each of them. `size` is the whole record's size for
+ * kinds that keep fields behind the common ones; smaller values are raised. NULL when the table is
  *  missing or its version is not 0, or when memory runs out; `info` stays the caller's then. */
 CG_EXPORT CGContextRef XGContextCreate(uint32_t kind, const XGContextCallbacks* callbacks,
                                        void* info, size_t size);
