@@ -144,3 +144,5 @@ CF_EXPORT CFAllocatorRef CFGetAllocator(CFTypeRef object);
 
 CF_EXTERN_C_END
 
+#include <CoreFoundation/CFAllocator.h>
+#include <CoreFoundation/CFNull.h>

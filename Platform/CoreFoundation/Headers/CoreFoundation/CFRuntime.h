@@ -13,8 +13,8 @@ CF_EXTERN_C_BEGIN
 typedef struct CFRuntimeBase {
     uintptr_t classWord;   /**< The class record's address | 2. */
     uint16_t typeID;       /**< 0 for classes that are not registered. */
-    uint16_t flags;        /**< Immortality, a stored allocator, and the class's own low byte. */
-    uint32_t retainCount;  /**< Atomic. */
+    uint16_t flags;        /**< Low byte: the class's own. High byte: the runtime's. */
+    uint32_t retainCount;  /**< Atomic; with the top bit set the object is immortal. */
 } CFRuntimeBase;
 
 #define kCFRuntimeClassTagMask ((uintptr_t)3)
