@@ -35,8 +35,8 @@ CG_EXPORT CGRect XGRectMakeWithAspectRatioOutsideRect(CGSize aspect, CGRect boun
  */
 CG_EXPORT CGRect XGRectBoundsOfRectMinusRect(CGRect rect, CGRect minus);
 
-/** Whether the rectangles, of sizes that are not negative, overlap; `intersection`, when given,
- *  then receives the common area. A NULL rectangle overlaps nothing. */
-CG_EXPORT bool _CGRectFastIntersection(const CGRect* a, const CGRect* b, CGRect* intersection);
+/** Whether the rectangles overlap or touch at a minimum edge; `common`, unless NULL, then receives
+ *  the area that they share. Null and infinite rectangles are not special. */
+CG_EXPORT bool _CGRectFastIntersection(const CGRect* a, const CGRect* b, CGRect* common);
 
 CG_END_DECLS

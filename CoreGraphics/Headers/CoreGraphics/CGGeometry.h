@@ -8,6 +8,7 @@
  * null when its origin is not finite, whatever its size. */
 #pragma once
 
+#include <CoreFoundation/CFDictionary.h>
 #include <CoreGraphics/CGBase.h>
 
 CG_BEGIN_DECLS
@@ -144,5 +145,19 @@ CG_EXPORT CGRect CGRectIntegral(CGRect rect);
  *  both CGRectNull; an unknown edge leaves both untouched. */
 CG_EXPORT void CGRectDivide(CGRect rect, CGRect* slice, CGRect* remainder, CGFloat amount,
                             CGRectEdge edge);
+
+/* ---- Dictionary forms ---------------------------------------------------------------------- */
+
+/** A dictionary of numbers of type kCFNumberCGFloatType under the keys "X", "Y", "Width" and
+ *  "Height", as far as the value has them. The caller owns it; NULL when memory runs out. */
+CG_EXPORT CFDictionaryRef CGPointCreateDictionaryRepresentation(CGPoint point);
+CG_EXPORT CFDictionaryRef CGSizeCreateDictionaryRepresentation(CGSize size);
+CG_EXPORT CFDictionaryRef CGRectCreateDictionaryRepresentation(CGRect rect);
+/** Reads such a dictionary. False when it is NULL, lacks a key, or holds a value that is not a number
+ *  or not exactly a float; fields read up to there are written (of a rectangle the size comes
+ *  first). */
+CG_EXPORT bool CGPointMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGPoint* point);
+CG_EXPORT bool CGSizeMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGSize* size);
+CG_EXPORT bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* rect);
 
 CG_END_DECLS

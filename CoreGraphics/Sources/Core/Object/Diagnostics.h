@@ -10,7 +10,7 @@ namespace cg {
 void logMessage(HostLogLevel level, const char* function, const char* format, ...);
 
 // Logs a fault, which aborts with a backtrace.
-[[noreturn]] void bug(const char* file, int line);
+[[noreturn]] void bug(const char* function, const char* file, int line);
 [[noreturn]] void notYetImplemented(const char* function, const char* file, int line);
 
 } // namespace cg
@@ -30,7 +30,7 @@ void logMessage(HostLogLevel level, const char* function, const char* format, ..
 #define CG_BUG_UNLESS(condition)                                                                   \
     do {                                                                                           \
         if (!(condition)) [[unlikely]]                                                             \
-            cg::bug(__FILE__, __LINE__);                                                           \
+            cg::bug(__func__, __FILE__, __LINE__);                                                 \
     } while (false)
 
 // For entry points that are declared but not implemented.
