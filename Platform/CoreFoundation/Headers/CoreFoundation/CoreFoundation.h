@@ -4,9 +4,15 @@
 #include <CoreFoundation/CFAllocator.h>
 #include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFBundle.h>
 #include <CoreFoundation/CFData.h>
 #include <CoreFoundation/CFDate.h>
 #include <CoreFoundation/CFDictionary.h>
+#include <CoreFoundation/CFError.h>
 #include <CoreFoundation/CFNull.h>
 #include <CoreFoundation/CFNumber.h>
+#include <CoreFoundation/CFPreferences.h>
+#include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CFSet.h>
+#include <CoreFoundation/CFStream.h>
+#include <CoreFoundation/CFURL.h>
