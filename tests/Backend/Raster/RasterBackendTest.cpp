@@ -1,0 +1,530 @@
+// RasterBackendTest.cpp: marks in bitmap contexts, beside bare Skia and worked out by hand.
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#include "Support/Bitmaps.h"
+#include "Support/Picture.h"
+#include "Support/SkiaPeer.h"
+
+#include "include/core/SkPath.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+
+using test::makeContext;
+using test::Picture;
+using test::samePixels;
+using test::SkiaPeer;
+
+namespace {
+
+constexpr int kSize = 96;
+
+// A shape with lines, curves of both kinds, an overlap with itself and a second contour.
+const float kShape[][2] = {{8.3f, 10.7f}, {80.2f, 20.1f}, {20.6f, 75.5f}, {90.4f, 88.8f},
+                           {40.5f, 5.25f}, {12.f, 60.f},  {70.f, 70.f}};
+
+void addShape(CGContextRef context) {
+    const auto& p = kShape;
+    CGContextMoveToPoint(context, p[0][0], p[0][1]);
+    CGContextAddLineToPoint(context, p[1][0], p[1][1]);
+    CGContextAddCurveToPoint(context, p[2][0], p[2][1], p[3][0], p[3][1], p[4][0], p[4][1]);
+    CGContextAddQuadCurveToPoint(context, p[5][0], p[5][1], p[6][0], p[6][1]);
+    CGContextClosePath(context);
+    CGContextAddRect(context, CGRectMake(30, 30, 25.5f, 20.25f));
+}
+
+SkPath shape() {
+    const auto& p = kShape;
+    SkPath path;
+    path.moveTo(p[0][0], p[0][1]);
+    path.lineTo(p[1][0], p[1][1]);
+    path.cubicTo(p[2][0], p[2][1], p[3][0], p[3][1], p[4][0], p[4][1]);
+    path.quadTo(p[5][0], p[5][1], p[6][0], p[6][1]);
+    path.close();
+    path.addRect(SkRect::MakeXYWH(30, 30, 25.5f, 20.25f));
+    return path;
+}
+
+SkPaint paintOf(SkColor color) {
+    SkPaint paint;
+    paint.setAntiAlias(true);
+    paint.setColor(color);
+    return paint;
+}
+
+SkPaint strokeOf(SkColor color, float width) {
+    SkPaint paint = paintOf(color);
+    paint.setStyle(SkPaint::kStroke_Style);
+    paint.setStrokeWidth(width);
+    paint.setStrokeMiter(4); // The graphics state's initial limit.
+    return paint;
+}
+
+struct Comparison {
+    const char* what;
+    std::function<void(CGContextRef)> ours;
+    std::function<void(SkCanvas&)> bare;
+};
+
+void expectSame(const Comparison& comparison) {
+    const auto context = makeContext(kSize, kSize);
+    ASSERT_TRUE(context);
+    SkiaPeer peer(kSize, kSize);
+    comparison.ours(context.get());
+    comparison.bare(peer.canvas());
+    EXPECT_TRUE(samePixels(context.get(), peer)) << comparison.what;
+}
+
+constexpr SkColor kHalfBlue = SkColorSetARGB(128, 51, 102, 204);
+
+void setHalfBlue(CGContextRef context) {
+    CGContextSetRGBFillColor(context, 0.2f, 0.4f, 0.8f, 128 / 255.f);
+    CGContextSetRGBStrokeColor(context, 0.2f, 0.4f, 0.8f, 128 / 255.f);
+}
+
+} // namespace
+
+TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
+    const Comparison comparisons[] = {
+        {"winding fill",
+         [](CGContextRef c) {
+             setHalfBlue(c);
+             addShape(c);
+             CGContextFillPath(c);
+         },
+         [](SkCanvas& canvas) { canvas.drawPath(shape(), paintOf(kHalfBlue)); }},
+        {"even-odd fill",
+         [](CGContextRef c) {
+             setHalfBlue(c);
+             addShape(c);
+             CGContextEOFillPath(c);
+         },
+         [](SkCanvas& canvas) {
+             SkPath path = shape();
+             path.setFillType(SkPathFillType::kEvenOdd);
+             canvas.drawPath(path, paintOf(kHalfBlue));
+         }},
+        {"no antialiasing",
+         [](CGContextRef c) {
+             CGContextSetShouldAntialias(c, false);
+             addShape(c);
+             CGContextFillPath(c);
+         },
+         [](SkCanvas& canvas) {
+             SkPaint paint = paintOf(SK_ColorBLACK);
+             paint.setAntiAlias(false);
+             canvas.drawPath(shape(), paint);
+         }},
+        {"stroke",
+         [](CGContextRef c) {
+             setHalfBlue(c);
+             CGContextSetLineWidth(c, 5.5f);
+             addShape(c);
+             CGContextStrokePath(c);
+         },
+         [](SkCanvas& canvas) { canvas.drawPath(shape(), strokeOf(kHalfBlue, 5.5f)); }},
+        {"round stroke under a uniform scale",
+         [](CGContextRef c) {
+             CGContextScaleCTM(c, 0.5f, 0.5f);
+             CGContextSetLineWidth(c, 6);
+             CGContextSetLineCap(c, kCGLineCapRound);
+             CGContextSetLineJoin(c, kCGLineJoinRound);
+             addShape(c);
+             CGContextStrokePath(c);
+         },
+         [](SkCanvas& canvas) {
+             SkPaint paint = strokeOf(SK_ColorBLACK, 3);
+             paint.setStrokeCap(SkPaint::kRound_Cap);
+             paint.setStrokeJoin(SkPaint::kRound_Join);
+             canvas.drawPath(shape().makeTransform(SkMatrix::Scale(0.5f, 0.5f)), paint);
+         }},
+        {"fractional rectangles",
+         [](CGContextRef c) {
+             setHalfBlue(c);
+             CGContextFillRect(c, CGRectMake(10.25f, 20.5f, 40.125f, 30));
+             CGContextFillRect(c, CGRectMake(60, 60, -20, -33));
+         },
+         [](SkCanvas& canvas) {
+             canvas.drawRect(SkRect::MakeXYWH(10.25f, 20.5f, 40.125f, 30), paintOf(kHalfBlue));
+             canvas.drawRect(SkRect::MakeLTRB(40, 27, 60, 60), paintOf(kHalfBlue));
+         }},
+        {"opaque rectangles, partly outside",
+         [](CGContextRef c) {
+             CGContextSetRGBFillColor(c, 1, 0, 0, 1);
+             CGContextFillRect(c, CGRectMake(-10, 90, 40, 30));
+             CGContextFillRect(c, CGRectMake(-1e9f, 10, 2e9f, 3));
+         },
+         [](SkCanvas& canvas) {
+             canvas.drawRect(SkRect::MakeXYWH(-10, 90, 40, 30), paintOf(SK_ColorRED));
+             canvas.drawRect(SkRect::MakeXYWH(0, 10, kSize, 3), paintOf(SK_ColorRED));
+         }},
+        {"rotated rectangle",
+         [](CGContextRef c) {
+             CGContextTranslateCTM(c, 48, 48);
+             CGContextRotateCTM(c, 0.5f);
+             CGContextFillRect(c, CGRectMake(-20, -30, 40, 60));
+         },
+         [](SkCanvas& canvas) {
+             const float s = std::sin(0.5f), k = std::cos(0.5f);
+             const SkMatrix turn = SkMatrix::MakeAll(k, -s, 48, s, k, 48, 0, 0, 1);
+             canvas.drawPath(SkPath::Rect(SkRect::MakeXYWH(-20, -30, 40, 60)).makeTransform(turn),
+                             paintOf(SK_ColorBLACK));
+         }},
+        {"alpha of the state times the colour's",
+         [](CGContextRef c) {
+             CGContextSetAlpha(c, 0.5f);
+             setHalfBlue(c);
+             addShape(c);
+             CGContextFillPath(c);
+         },
+         [](SkCanvas& canvas) {
+             canvas.drawPath(shape(), paintOf(SkColorSetA(kHalfBlue, 64)));
+         }},
+    };
+    for (const Comparison& comparison : comparisons)
+        expectSame(comparison);
+}
+
+TEST(RasterBackend, BlendModesFollowTheirTable) {
+    constexpr SkBlendMode modes[] = {
+        SkBlendMode::kSrcOver,    SkBlendMode::kMultiply,  SkBlendMode::kScreen,
+        SkBlendMode::kOverlay,    SkBlendMode::kDarken,    SkBlendMode::kLighten,
+        SkBlendMode::kColorDodge, SkBlendMode::kColorBurn, SkBlendMode::kSoftLight,
+        SkBlendMode::kHardLight,  SkBlendMode::kDifference, SkBlendMode::kExclusion,
+        SkBlendMode::kHue,        SkBlendMode::kSaturation, SkBlendMode::kColor,
+        SkBlendMode::kLuminosity, SkBlendMode::kClear,     SkBlendMode::kSrc,
+        SkBlendMode::kSrcIn,      SkBlendMode::kSrcOut,    SkBlendMode::kSrcATop,
+        SkBlendMode::kDstOver,    SkBlendMode::kDstIn,     SkBlendMode::kDstOut,
+        SkBlendMode::kDstATop,    SkBlendMode::kXor,       SkBlendMode::kDarken,
+        SkBlendMode::kLighten,    SkBlendMode::kSrcOver,
+    };
+    for (std::size_t mode = 0; mode < std::size(modes); ++mode) {
+        SCOPED_TRACE(mode);
+        expectSame({"blend mode",
+                    [mode](CGContextRef c) {
+                        CGContextSetRGBFillColor(c, 1, 0.6f, 0, 0.8f);
+                        CGContextFillRect(c, CGRectMake(0, 0, 60, kSize));
+                        CGContextSetBlendMode(c, static_cast<CGBlendMode>(mode));
+                        setHalfBlue(c);
+                        addShape(c);
+                        CGContextFillPath(c);
+                        CGContextFillRect(c, CGRectMake(10.5f, 80, 70, 10));
+                    },
+                    [&modes, mode](SkCanvas& canvas) {
+                        canvas.drawRect(SkRect::MakeWH(60, kSize),
+                                        paintOf(SkColorSetARGB(204, 255, 153, 0)));
+                        SkPaint paint = paintOf(kHalfBlue);
+                        paint.setBlendMode(modes[mode]);
+                        canvas.drawPath(shape(), paint);
+                        canvas.drawRect(SkRect::MakeXYWH(10.5f, 80, 70, 10), paint);
+                    }});
+    }
+}
+
+TEST(RasterBackend, ClipsAsBareSkiaDoes) {
+    const auto circle = cf::adopt(CGPathCreateWithEllipseInRect(CGRectMake(5, 5, 80, 80), nullptr));
+    // Bare Skia gets the same cubics: its own circle would be made of conics.
+    const auto bareCircle = [] {
+        constexpr float k = 0.44808495f * 40;
+        SkPath path;
+        path.moveTo(85, 45);
+        path.cubicTo(85, 85 - k, 85 - k, 85, 45, 85);
+        path.cubicTo(5 + k, 85, 5, 85 - k, 5, 45);
+        path.cubicTo(5, 5 + k, 5 + k, 5, 45, 5);
+        path.cubicTo(85 - k, 5, 85, 5 + k, 85, 45);
+        path.close();
+        return path;
+    };
+    const Comparison comparisons[] = {
+        {"rectangle with soft edges",
+         [](CGContextRef c) {
+             CGContextClipToRect(c, CGRectMake(20.5f, 10.25f, 40, 60.5f));
+             CGContextFillRect(c, CGRectMake(0, 0, kSize, kSize));
+         },
+         [](SkCanvas& canvas) {
+             canvas.clipRect(SkRect::MakeXYWH(20.5f, 10.25f, 40, 60.5f), true);
+             canvas.drawPaint(paintOf(SK_ColorBLACK));
+         }},
+        {"a path that is such a rectangle: its edges count once",
+         [](CGContextRef c) {
+             CGContextAddRect(c, CGRectMake(20.5f, 10.25f, 40, 60.5f));
+             CGContextClip(c);
+             CGContextFillRect(c, CGRectMake(0, 0, kSize, kSize));
+         },
+         [](SkCanvas& canvas) {
+             canvas.clipRect(SkRect::MakeXYWH(20.5f, 10.25f, 40, 60.5f), true);
+             canvas.drawPaint(paintOf(SK_ColorBLACK));
+         }},
+        {"circle and shape, restored in between",
+         [&circle](CGContextRef c) {
+             CGContextSaveGState(c);
+             CGContextAddPath(c, circle.get());
+             CGContextClip(c);
+             setHalfBlue(c);
+             addShape(c);
+             CGContextFillPath(c);
+             CGContextRestoreGState(c);
+             CGContextFillRect(c, CGRectMake(0, 0, 10, 10));
+             addShape(c);
+             CGContextEOClip(c);
+             CGContextFillRect(c, CGRectMake(0, 40, kSize, 50));
+         },
+         [&bareCircle](SkCanvas& canvas) {
+             canvas.save();
+             canvas.clipPath(bareCircle(), true);
+             canvas.drawPath(shape(), paintOf(kHalfBlue));
+             canvas.restore();
+             canvas.drawRect(SkRect::MakeWH(10, 10), paintOf(SK_ColorBLACK));
+             SkPath path = shape();
+             path.setFillType(SkPathFillType::kEvenOdd);
+             canvas.clipPath(path, true);
+             canvas.drawRect(SkRect::MakeXYWH(0, 40, kSize, 50), paintOf(SK_ColorBLACK));
+         }},
+        {"two circles",
+         [&circle](CGContextRef c) {
+             CGContextAddPath(c, circle.get());
+             CGContextClip(c);
+             CGContextTranslateCTM(c, 20, 8);
+             CGContextAddPath(c, circle.get());
+             CGContextClip(c);
+             CGContextFillRect(c, CGRectMake(-100, -100, 300, 300));
+         },
+         [&bareCircle](SkCanvas& canvas) {
+             canvas.clipPath(bareCircle(), true);
+             canvas.clipPath(bareCircle().makeTransform(SkMatrix::Translate(20, 8)), true);
+             canvas.drawRect(SkRect::MakeLTRB(-80, -92, 220, 208), paintOf(SK_ColorBLACK));
+         }},
+    };
+    for (const Comparison& comparison : comparisons)
+        expectSame(comparison);
+}
+
+TEST(RasterBackend, TransparencyLayersAreBareSkiasLayers) {
+    const auto drawTwice = [](SkCanvas& canvas) {
+        canvas.drawPath(shape(), paintOf(SK_ColorRED));
+        canvas.drawRect(SkRect::MakeXYWH(20, 20, 50, 50), paintOf(kHalfBlue));
+    };
+    for (const auto& [mode, bareMode] :
+         {std::pair{kCGBlendModeNormal, SkBlendMode::kSrcOver},
+          std::pair{kCGBlendModeMultiply, SkBlendMode::kMultiply},
+          std::pair{kCGBlendModeDestinationOut, SkBlendMode::kDstOut}}) {
+        expectSame({"group under alpha and blend mode, begun in a group, clipped",
+                    [mode = mode](CGContextRef c) {
+                        CGContextSetRGBFillColor(c, 1, 0.6f, 0, 0.8f);
+                        CGContextFillRect(c, CGRectMake(0, 0, 60, kSize));
+                        CGContextClipToRect(c, CGRectMake(10, 10, 70, 60));
+                        CGContextSetAlpha(c, 0.4f);
+                        CGContextSetBlendMode(c, mode);
+                        CGContextBeginTransparencyLayer(c, nullptr);
+                        CGContextBeginTransparencyLayerWithRect(c, CGRectZero, nullptr);
+                        CGContextSetRGBFillColor(c, 1, 0, 0, 1);
+                        addShape(c);
+                        CGContextFillPath(c);
+                        setHalfBlue(c);
+                        CGContextFillRect(c, CGRectMake(20, 20, 50, 50));
+                        CGContextEndTransparencyLayer(c);
+                        CGContextEndTransparencyLayer(c);
+                    },
+                    [&drawTwice, bareMode = bareMode](SkCanvas& canvas) {
+                        canvas.drawRect(SkRect::MakeWH(60, kSize),
+                                        paintOf(SkColorSetARGB(204, 255, 153, 0)));
+                        canvas.clipRect(SkRect::MakeXYWH(10, 10, 70, 60));
+                        SkPaint group;
+                        group.setAlpha(102);
+                        group.setBlendMode(bareMode);
+                        canvas.saveLayer(nullptr, &group);
+                        canvas.saveLayer(nullptr, nullptr);
+                        drawTwice(canvas);
+                        canvas.restore();
+                        canvas.restore();
+                    }});
+    }
+}
+
+// Two shapes that meet the same soft clip edge inside a group: the edge is the clip's alone, not
+// thickened by covering it twice.
+TEST(RasterBackend, AGroupMeetsItsClipOnce) {
+    const auto context = makeContext(4, 1);
+    CGContextClipToRect(context.get(), CGRectMake(0, 0, 2.5f, 1));
+    CGContextBeginTransparencyLayer(context.get(), nullptr);
+    CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
+    CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
+    CGContextEndTransparencyLayer(context.get());
+    const auto* const pixels = static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+    EXPECT_EQ(pixels[4 * 1 + 3], 255);
+    EXPECT_NEAR(pixels[4 * 2 + 3], 128, 1);
+    EXPECT_EQ(pixels[4 * 3 + 3], 0);
+}
+
+TEST(RasterBackend, UserSpaceStartsAtTheLowerLeft) {
+    const auto context = makeContext(5, 4);
+    CGContextFillRect(context.get(), CGRectMake(0, 0, 2, 1));
+    CGContextFillRect(context.get(), CGRectMake(4, 2, 1, 2));
+    EXPECT_EQ(Picture(context.get()), (Picture{"....#", //
+                                               "....#", //
+                                               ".....", //
+                                               "##..."}));
+    CGContextClearRect(context.get(), CGRectMake(1, 0, 4, 3));
+    EXPECT_EQ(Picture(context.get()), (Picture{"....#", //
+                                               ".....", //
+                                               ".....", //
+                                               "#...."}));
+}
+
+TEST(RasterBackend, LinesAtPixelCentresAreCrisp) {
+    const auto context = makeContext(5, 5);
+    CGContextStrokeRect(context.get(), CGRectMake(0.5f, 0.5f, 4, 4));
+    EXPECT_EQ(Picture(context.get()), (Picture{"#####", //
+                                               "#...#", //
+                                               "#...#", //
+                                               "#...#", //
+                                               "#####"}));
+}
+
+TEST(RasterBackend, ZeroLengthDashesAndSubpathsDrawDots) {
+    const auto context = makeContext(9, 3);
+    CGContextSetLineWidth(context.get(), 1);
+    CGContextSetLineCap(context.get(), kCGLineCapSquare);
+    const CGFloat lengths[] = {0, 3};
+    CGContextSetLineDash(context.get(), 0, lengths, 2);
+    CGContextMoveToPoint(context.get(), 1.5f, 1.5f);
+    CGContextAddLineToPoint(context.get(), 8, 1.5f);
+    CGContextStrokePath(context.get());
+    EXPECT_EQ(Picture(context.get()), (Picture{".........", //
+                                               ".#..#..#.", //
+                                               "........."}));
+}
+
+// Skia's scan converter ends at 8191 pixels; both sides of that line, and a clip across it.
+TEST(RasterBackend, DrawsBeyondTheScanConvertersReach) {
+    constexpr int width = 8400;
+    const auto context = makeContext(width, 6);
+    SkiaPeer peer(width, 6);
+    CGContextClipToRect(context.get(), CGRectMake(1, 0, width - 2, 5));
+    peer.canvas().clipRect(SkRect::MakeLTRB(1, 0, width - 1, 5));
+    SkPath wedge;
+    wedge.moveTo(0, 0);
+    wedge.lineTo(width, 2.5f);
+    wedge.lineTo(0, 6);
+    wedge.close();
+    peer.canvas().drawPath(wedge, paintOf(kHalfBlue));
+    peer.canvas().drawRect(SkRect::MakeLTRB(8000.5f, 0, 8399, 1.5f), paintOf(kHalfBlue));
+    setHalfBlue(context.get());
+    CGContextMoveToPoint(context.get(), 0, 0);
+    CGContextAddLineToPoint(context.get(), width, 2.5f);
+    CGContextAddLineToPoint(context.get(), 0, 6);
+    CGContextFillPath(context.get());
+    CGContextFillRect(context.get(), CGRectMake(8000.5f, 0, 398.5f, 1.5f));
+    EXPECT_TRUE(samePixels(context.get(), peer));
+}
+
+TEST(RasterBackend, AShadowIsTheMarkBlurredAndMoved) {
+    const auto context = makeContext(40, 40);
+    const CGFloat half[] = {0, 0.5f};
+    const auto gray = cf::adopt(CGColorSpaceCreateDeviceGray());
+    const auto color = cf::adopt(CGColorCreate(gray.get(), half));
+    CGContextSetShadowWithColor(context.get(), CGSizeMake(10, -5), 0, color.get());
+    CGContextFillRect(context.get(), CGRectMake(5, 25, 10, 10));
+    const auto alphaAt = [&](int x, int yUp) {
+        const auto* const bytes =
+            static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+        return int{bytes[((39 - yUp) * 40 + x) * 4 + 3]};
+    };
+    EXPECT_EQ(alphaAt(6, 26), 255);       // The mark itself,
+    EXPECT_NEAR(alphaAt(20, 22), 128, 1); // its shadow beside it,
+    EXPECT_EQ(alphaAt(27, 22), 0);        // and nothing farther out.
+    EXPECT_EQ(alphaAt(12, 28), 255);
+}
+
+TEST(RasterBackend, GeometryThatIsNotFiniteDrawsNothing) {
+    constexpr float inf = std::numeric_limits<float>::infinity();
+    constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+    const auto context = makeContext(4, 4);
+    for (const float bad : {inf, -inf, nan, 3.4e38f, -3.4e38f}) {
+        CGContextFillRect(context.get(), CGRectMake(bad, bad, bad, bad));
+        CGContextFillRect(context.get(), CGRectMake(0, nan, 4, 4));
+        CGContextMoveToPoint(context.get(), nan, 0);
+        CGContextAddLineToPoint(context.get(), bad, 1);
+        CGContextAddCurveToPoint(context.get(), 0, bad, bad, nan, 2, 2);
+        CGContextDrawPath(context.get(), kCGPathFillStroke);
+        CGContextStrokeRect(context.get(), CGRectMake(nan, 0, bad, 1));
+    }
+    EXPECT_EQ(Picture(context.get()), (Picture{"....", "....", "....", "...."}));
+}
+
+// Random programs of drawing calls with hostile numbers among them: whatever they draw, they neither
+// fault nor write outside the rows.
+TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
+    constexpr std::size_t kGuard = 64, kRow = 32 * 4 + 16, kRows = 32;
+    std::vector<std::uint8_t> memory(2 * kGuard + kRow * kRows, 0xA5);
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    const auto context = cf::adopt(CGBitmapContextCreate(memory.data() + kGuard, 32, kRows, 8, kRow,
+                                                         space.get(), test::kBGRA));
+    ASSERT_TRUE(context);
+    const CGContextRef c = context.get();
+    std::mt19937 random(20260101);
+    const auto number = [&random]() -> CGFloat {
+        switch (random() % 12) {
+        case 0:
+            return std::numeric_limits<float>::quiet_NaN();
+        case 1:
+            return std::numeric_limits<float>::infinity();
+        case 2:
+            return -1e30f;
+        case 3:
+            return 0;
+        default:
+            return static_cast<CGFloat>(random() % 1000) / 20 - 10;
+        }
+    };
+    const std::function<void()> calls[] = {
+        [&] { CGContextMoveToPoint(c, number(), number()); },
+        [&] { CGContextAddLineToPoint(c, number(), number()); },
+        [&] { CGContextAddCurveToPoint(c, number(), number(), number(), number(), number(), number()); },
+        [&] { CGContextAddArc(c, number(), number(), number(), number(), number(), random() & 1); },
+        [&] { CGContextAddArcToPoint(c, number(), number(), number(), number(), number()); },
+        [&] { CGContextAddEllipseInRect(c, CGRectMake(number(), number(), number(), number())); },
+        [&] { CGContextClosePath(c); },
+        [&] { CGContextDrawPath(c, static_cast<CGPathDrawingMode>(random() % 5)); },
+        [&] { CGContextFillRect(c, CGRectMake(number(), number(), number(), number())); },
+        [&] { CGContextStrokeRect(c, CGRectMake(number(), number(), number(), number())); },
+        [&] { CGContextSetLineWidth(c, number()); },
+        [&] { CGContextSetMiterLimit(c, number()); },
+        [&] { CGContextSetLineCap(c, static_cast<CGLineCap>(random() % 3)); },
+        [&] {
+            const CGFloat lengths[] = {number(), number(), number()};
+            CGContextSetLineDash(c, number(), lengths, random() % 4);
+        },
+        [&] { CGContextSetAlpha(c, number()); },
+        [&] { CGContextSetBlendMode(c, static_cast<CGBlendMode>(random() % 30)); },
+        [&] { CGContextSetRGBFillColor(c, number(), number(), number(), number()); },
+        [&] { CGContextSetGrayStrokeColor(c, number(), number()); },
+        [&] { CGContextSaveGState(c); },
+        [&] { CGContextRestoreGState(c); },
+        [&] { CGContextRestoreGState(c); },
+        [&] { CGContextScaleCTM(c, number(), number()); },
+        [&] { CGContextRotateCTM(c, number()); },
+        [&] { CGContextClipToRect(c, CGRectMake(number(), number(), number(), number())); },
+        [&] { CGContextClip(c); },
+        [&] { CGContextBeginTransparencyLayer(c, nullptr); },
+        [&] { CGContextEndTransparencyLayer(c); },
+    };
+    for (int step = 0; step < 20000; ++step)
+        calls[random() % std::size(calls)]();
+
+    const auto untouched = [&](std::size_t from, std::size_t to) {
+        return std::all_of(memory.begin() + static_cast<std::ptrdiff_t>(from),
+                           memory.begin() + static_cast<std::ptrdiff_t>(to),
+                           [](std::uint8_t byte) { return byte == 0xA5; });
+    };
+    EXPECT_TRUE(untouched(0, kGuard));
+    EXPECT_TRUE(untouched(memory.size() - kGuard, memory.size()));
+    for (std::size_t row = 0; row < kRows; ++row)
+        EXPECT_TRUE(untouched(kGuard + row * kRow + 32 * 4, kGuard + (row + 1) * kRow)) << row;
+}

@@ -1,0 +1,285 @@
+// CGBitmapContextTest.cpp: which bitmaps are accepted, whose memory they use, and what that costs.
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CoreGraphics.h>
+#include <Host/Host.h>
+
+#include "XGBitmapContext.h"
+#include "XGContext.h"
+
+#include "Support/Bitmaps.h"
+#include "Support/FailingAllocator.h"
+#include "Support/Picture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <thread>
+#include <vector>
+
+using test::kBGRA;
+using test::makeContext;
+using test::Picture;
+
+namespace {
+
+enum class Space { None, Gray, RGB, CMYK, Lab };
+
+cf::Ref<CGColorSpaceRef> makeSpace(Space space) {
+    const CGFloat white[] = {1, 1, 1};
+    switch (space) {
+    case Space::None:
+        return nullptr;
+    case Space::Gray:
+        return cf::adopt(CGColorSpaceCreateDeviceGray());
+    case Space::RGB:
+        return cf::adopt(CGColorSpaceCreateDeviceRGB());
+    case Space::CMYK:
+        return cf::adopt(CGColorSpaceCreateDeviceCMYK());
+    case Space::Lab:
+        return cf::adopt(CGColorSpaceCreateLab(white, nullptr, nullptr));
+    }
+    return nullptr;
+}
+
+// Collects what is logged while it lives.
+class LogCapture {
+public:
+    LogCapture() { HostLogSetSink(collect, this); }
+    ~LogCapture() { HostLogSetSink(nullptr, nullptr); }
+    const std::string& text() const { return text_; }
+
+private:
+    static void collect(HostLogLevel, const char*, const char* function, const char* text,
+                        void* context) {
+        static_cast<LogCapture*>(context)->text_ += std::string(function) + ": " + text + '\n';
+    }
+
+    std::string text_;
+};
+
+constexpr std::size_t kHuge = std::numeric_limits<std::size_t>::max();
+
+} // namespace
+
+TEST(BitmapContext, RefusesWhatItCannotDrawIntoAndSaysWhy) {
+    const struct {
+        const char* what;
+        std::size_t width, height, bitsPerComponent, bytesPerRow;
+        Space space;
+        CGBitmapInfo info;
+        const char* logged; // NULL: nothing is.
+    } cases[] = {
+        {"no width", 0, 4, 8, 0, Space::RGB, kBGRA, nullptr},
+        {"no height", 4, 0, 8, 0, Space::RGB, kBGRA, nullptr},
+        {"no bits", 4, 4, 0, 0, Space::RGB, kBGRA, nullptr},
+        {"alpha last", 4, 4, 8, 0, Space::RGB, kCGImageAlphaLast,
+         "_CGBitmapContextCreateInternal: Unsupported alpha format: kCGImageAlphaLast"},
+        {"alpha first", 4, 4, 8, 0, Space::RGB, kCGImageAlphaFirst,
+         "_CGBitmapContextCreateInternal: Unsupported alpha format: kCGImageAlphaFirst"},
+        {"alpha unknown", 4, 4, 8, 0, Space::RGB, 8, nullptr},
+        {"row a byte short", 4, 4, 8, 15, Space::RGB, kBGRA,
+         "invalid arguments (bytesPerRow=15, bitsPerPixel=32, width=4)"},
+        {"row overflows", kHuge / 8, 4, 8, 0, Space::RGB, kBGRA, "invalid arguments"},
+        {"size overflows", 4, kHuge / 8, 8, 0, Space::RGB, kBGRA, "Unable to validate"},
+        {"too wide to address", std::size_t{1} << 31, 1, 8, 0, Space::RGB, kBGRA,
+         "Unable to validate"},
+        {"unknown byte order", 4, 4, 8, 0, Space::RGB, kCGImageAlphaPremultipliedFirst | 0x5000u,
+         "Cannot get configuration for bitmap info with endianness flag 5000"},
+        {"40 bits", 4, 4, 10, 0, Space::RGB, kCGImageAlphaPremultipliedLast,
+         "Unable to support 40 bits per pixels for RGB formats"},
+        {"no space and no alpha", 4, 4, 8, 0, Space::None, kCGImageAlphaNone,
+         "Cannot get configuration with bpp: 0, bpc: 8"},
+        {"Lab", 4, 4, 8, 0, Space::Lab, kCGImageAlphaNone, "Colorspace 3 not supported."},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        const LogCapture log;
+        const auto context = cf::adopt(CGBitmapContextCreate(
+            nullptr, row.width, row.height, row.bitsPerComponent, row.bytesPerRow,
+            makeSpace(row.space).get(), row.info));
+        EXPECT_FALSE(context);
+        if (row.logged)
+            EXPECT_NE(log.text().find(row.logged), std::string::npos) << log.text();
+        else
+            EXPECT_EQ(log.text(), "");
+    }
+}
+
+TEST(BitmapContext, DescribesTheFormatThatWasAskedFor) {
+    const struct {
+        const char* what;
+        Space space;
+        CGBitmapInfo info;
+        std::size_t bitsPerPixel;
+    } cases[] = {
+        {"BGRA", Space::RGB, kBGRA, 32},
+        {"BGRX", Space::RGB, kCGImageAlphaNoneSkipFirst | kCGBitmapByteOrder32Little, 32},
+        {"RGBA", Space::RGB, kCGImageAlphaPremultipliedLast, 32},
+        {"RGBX, order named", Space::RGB, kCGImageAlphaNoneSkipLast | kCGBitmapByteOrder32Big, 32},
+        {"gray", Space::Gray, kCGImageAlphaNone, 8},
+        {"alpha of a gray space", Space::Gray, kCGImageAlphaOnly, 8},
+        {"alpha", Space::None, kCGImageAlphaOnly, 8},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        const auto space = makeSpace(row.space);
+        // The private bit for recorded commands is not the caller's to set.
+        const auto context = cf::adopt(
+            CGBitmapContextCreate(nullptr, 5, 3, 8, 0, space.get(), row.info | 0x40000000));
+        ASSERT_TRUE(context);
+        const CGContextRef c = context.get();
+        EXPECT_EQ(CGContextGetType(c), unsigned{kXGContextKindBitmap});
+        EXPECT_EQ(CGBitmapContextGetWidth(c), 5u);
+        EXPECT_EQ(CGBitmapContextGetHeight(c), 3u);
+        EXPECT_EQ(CGBitmapContextGetBitsPerComponent(c), 8u);
+        EXPECT_EQ(CGBitmapContextGetBitsPerPixel(c), row.bitsPerPixel);
+        EXPECT_EQ(CGBitmapContextGetBytesPerRow(c), 5 * row.bitsPerPixel / 8);
+        EXPECT_EQ(CGBitmapContextGetColorSpace(c), space.get());
+        EXPECT_EQ(CGBitmapContextGetBitmapInfo(c), row.info);
+        EXPECT_EQ(CGBitmapContextGetAlphaInfo(c), row.info & kCGBitmapAlphaInfoMask);
+        EXPECT_TRUE(CGRectEqualToRect(CGContextGetClipBoundingBox(c), CGRectMake(0, 0, 5, 3)));
+        const auto* const pixels = static_cast<const std::uint8_t*>(CGBitmapContextGetData(c));
+        EXPECT_TRUE(std::all_of(pixels, pixels + 15 * row.bitsPerPixel / 8,
+                                [](std::uint8_t byte) { return byte == 0; }));
+    }
+}
+
+TEST(BitmapContext, PutsEachComponentInItsByte) {
+    const struct {
+        const char* what;
+        Space space;
+        CGBitmapInfo info;
+        std::vector<std::uint8_t> pixel; // Of opaque (1, 0.6, 0.2).
+    } cases[] = {
+        {"BGRA", Space::RGB, kBGRA, {51, 153, 255, 255}},
+        {"BGRX", Space::RGB, kCGImageAlphaNoneSkipFirst | kCGBitmapByteOrder32Little,
+         {51, 153, 255, 255}},
+        {"RGBA", Space::RGB, kCGImageAlphaPremultipliedLast, {255, 153, 51, 255}},
+        {"RGBX", Space::RGB, kCGImageAlphaNoneSkipLast, {255, 153, 51, 255}},
+        {"alpha", Space::None, kCGImageAlphaOnly, {255}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        const auto context = cf::adopt(
+            CGBitmapContextCreate(nullptr, 1, 1, 8, 0, makeSpace(row.space).get(), row.info));
+        CGContextSetRGBFillColor(context.get(), 1, 0.6f, 0.2f, 1);
+        CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));
+        const auto* const bytes =
+            static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+        EXPECT_EQ(std::vector(bytes, bytes + row.pixel.size()), row.pixel);
+    }
+    const auto gray = cf::adopt(
+        CGBitmapContextCreate(nullptr, 1, 1, 8, 0, makeSpace(Space::Gray).get(), kCGImageAlphaNone));
+    CGContextSetGrayFillColor(gray.get(), 0.4f, 1);
+    CGContextFillRect(gray.get(), CGRectMake(0, 0, 1, 1));
+    EXPECT_EQ(*static_cast<const std::uint8_t*>(CGBitmapContextGetData(gray.get())), 102);
+}
+
+TEST(BitmapContext, CallerMemoryKeepsItsContentsAndIsGivenBackOnce) {
+    struct Release {
+        int count = 0;
+        void* data = nullptr;
+    } released;
+    const auto release = [](void* info, void* data) {
+        ++static_cast<Release*>(info)->count;
+        static_cast<Release*>(info)->data = data;
+    };
+    std::uint32_t pixels[2][4] = {{0xFF112233, 1, 2, 3}, {4, 5, 6, 7}};
+    auto context = cf::adopt(CGBitmapContextCreateWithData(pixels, 3, 2, 8, sizeof pixels[0],
+                                                           makeSpace(Space::RGB).get(), kBGRA,
+                                                           release, &released));
+    ASSERT_TRUE(context);
+    EXPECT_EQ(CGBitmapContextGetData(context.get()), pixels);
+    CGContextFillRect(context.get(), CGRectMake(2, 0, 1, 1));
+    EXPECT_EQ(pixels[0][0], 0xFF112233u);
+    EXPECT_EQ(pixels[1][2], 0xFF000000u);
+    EXPECT_EQ(pixels[1][3], 7u); // Behind the row.
+    EXPECT_EQ(released.count, 0);
+    context = nullptr;
+    EXPECT_EQ(released.count, 1);
+    EXPECT_EQ(released.data, pixels);
+
+    EXPECT_FALSE(cf::adopt(CGBitmapContextCreateWithData(pixels, 3, 2, 8, 1,
+                                                         makeSpace(Space::RGB).get(), kBGRA,
+                                                         release, &released)));
+    EXPECT_EQ(released.count, 1);
+}
+
+TEST(BitmapContext, TakesPixelsFromTheCallersAllocator) {
+    struct Memory {
+        std::uint8_t bytes[64] = {};
+        std::size_t asked = 0;
+        int released = 0;
+        bool refuses = false;
+    } memory;
+    const auto allocate = [](void* info, std::size_t size) -> void* {
+        auto& memory = *static_cast<Memory*>(info);
+        memory.asked = size;
+        return memory.refuses ? nullptr : memory.bytes;
+    };
+    const auto release = [](void* info, void*) { ++static_cast<Memory*>(info)->released; };
+    const auto create = [&] {
+        return cf::adopt(_CGBitmapContextCreateWithDataAllocator(
+            nullptr, 4, 4, 8, 0, makeSpace(Space::RGB).get(), kBGRA, allocate, release, &memory));
+    };
+    {
+        const auto context = create();
+        ASSERT_TRUE(context);
+        EXPECT_EQ(memory.asked, 64u);
+        EXPECT_EQ(CGBitmapContextGetData(context.get()), memory.bytes);
+    }
+    EXPECT_EQ(memory.released, 1);
+    memory.refuses = true;
+    EXPECT_FALSE(create());
+    EXPECT_EQ(memory.released, 1);
+}
+
+TEST(BitmapContext, GettersAnswerNothingForOtherContexts) {
+    const XGContextCallbacks none = {};
+    const auto other = cf::adopt(XGContextCreate(77, &none, nullptr, 0));
+    ASSERT_TRUE(other);
+    for (const CGContextRef context : {CGContextRef{nullptr}, other.get()}) {
+        EXPECT_EQ(CGBitmapContextGetData(context), nullptr);
+        EXPECT_EQ(CGBitmapContextGetWidth(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetHeight(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetBitsPerComponent(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetBitsPerPixel(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetBytesPerRow(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetColorSpace(context), nullptr);
+        EXPECT_EQ(CGBitmapContextGetBitmapInfo(context), 0u);
+        EXPECT_EQ(CGBitmapContextGetAlphaInfo(context), kCGImageAlphaNone);
+        XGBitmapContextAddFlags(context, 1);
+    }
+    const auto bitmap = makeContext(1, 1);
+    XGBitmapContextAddFlags(bitmap.get(), 0x10000000);
+    EXPECT_EQ(CGBitmapContextGetBitmapInfo(bitmap.get()), kBGRA | 0x10000000);
+}
+
+TEST(BitmapContext, ThreadsDrawInContextsOfTheirOwn) {
+    const auto draw = [](CGContextRef context) {
+        for (int round = 0; round < 200; ++round) {
+            CGContextSaveGState(context);
+            CGContextSetRGBFillColor(context, 0, 0, static_cast<CGFloat>(round % 2), 1);
+            CGContextRotateCTM(context, 0.1f);
+            CGContextAddEllipseInRect(context, CGRectMake(4, 4, 50, 40));
+            CGContextClip(context);
+            CGContextBeginTransparencyLayer(context, nullptr);
+            CGContextFillRect(context, CGRectMake(0, 0, 60, 60));
+            CGContextEndTransparencyLayer(context);
+            CGContextRestoreGState(context);
+            CGContextStrokeRect(context, CGRectMake(3.5f, 3.5f, 40, 40));
+        }
+    };
+    const auto first = makeContext(64, 64);
+    const auto second = makeContext(64, 64);
+    std::thread other([&] { draw(second.get()); });
+    draw(first.get());
+    other.join();
+    EXPECT_EQ(Picture(first.get()), Picture(second.get()));
+    EXPECT_EQ(std::memcmp(CGBitmapContextGetData(first.get()), CGBitmapContextGetData(second.get()),
+                          64 * 64 * 4),
+              0);
+}

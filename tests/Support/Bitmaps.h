@@ -1,0 +1,22 @@
+// Bitmaps.h: the bitmap contexts that most tests draw into.
+#pragma once
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CGBitmapContext.h>
+#include <CoreGraphics/CGColorSpace.h>
+
+namespace test {
+
+using Context = cf::Ref<CGContextRef>;
+
+inline constexpr CGBitmapInfo kBGRA =
+    CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
+inline constexpr CGBitmapInfo kRGBA = kCGImageAlphaPremultipliedLast;
+
+// 32 bits per pixel in memory of the context's own, transparent.
+inline Context makeContext(std::size_t width, std::size_t height, CGBitmapInfo info = kBGRA) {
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    return cf::adopt(CGBitmapContextCreate(nullptr, width, height, 8, 0, space.get(), info));
+}
+
+} // namespace test
