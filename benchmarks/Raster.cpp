@@ -1,7 +1,7 @@
 // Raster.cpp: drawing into a bitmap context beside the same calls on bare Skia.
 //
-// Pairs of benchmarks of one name: what comes first is ours, "bare" is the peer. Both keep their path
-// objects' memory and draw in a y-up space over the same kind of pixels.
+// Pairs of benchmarks of one name: what comes first is ours, "bare" is the peer. Both keep their
+// path objects' memory and draw in a y-up space over the same kind of pixels.
 
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
@@ -27,8 +27,8 @@ public:
         const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
         const CGBitmapInfo info = CGBitmapInfo{kCGImageAlphaPremultipliedFirst} |
                                   CGBitmapInfo{kCGBitmapByteOrder32Little};
-        context_ = cf::adopt(
-            CGBitmapContextCreate(pixels_.data(), kSize, kSize, 8, 0, space.get(), info));
+        context_ =
+            cf::adopt(CGBitmapContextCreate(pixels_.data(), kSize, kSize, 8, 0, space.get(), info));
         CGContextSetRGBFillColor(context_.get(), 0.2f, 0.4f, 0.8f, 0.5f);
         CGContextSetRGBStrokeColor(context_.get(), 0.2f, 0.4f, 0.8f, 0.5f);
     }

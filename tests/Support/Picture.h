@@ -12,7 +12,8 @@
 
 namespace test {
 
-// Rows from the top, a character a pixel: '#' where the alpha is full, '.' where it is 0, '+' between.
+// Rows from the top, a character a pixel: '#' where the alpha is full, '.' where it is 0, '+'
+// between.
 struct Picture {
     std::vector<std::string> rows;
 
@@ -20,8 +21,7 @@ struct Picture {
 
     // Of a 32-bit BGRA bitmap context.
     explicit Picture(CGContextRef context) {
-        const auto* const bytes =
-            static_cast<const std::uint8_t*>(CGBitmapContextGetData(context));
+        const auto* const bytes = static_cast<const std::uint8_t*>(CGBitmapContextGetData(context));
         for (std::size_t y = 0; y < CGBitmapContextGetHeight(context); ++y) {
             std::string row;
             for (std::size_t x = 0; x < CGBitmapContextGetWidth(context); ++x) {

@@ -13,7 +13,8 @@
 
 namespace test {
 
-// A canvas over pixels of its own, in a user space like a bitmap context's: y up from the lower left.
+// A canvas over pixels of its own, in a user space like a bitmap context's: y up from the lower
+// left.
 class SkiaPeer {
 public:
     SkiaPeer(int width, int height, SkColorType type = kBGRA_8888_SkColorType,
@@ -46,17 +47,17 @@ inline testing::AssertionResult samePixels(CGContextRef context, const SkiaPeer&
     const auto bytesPerPixel = static_cast<std::size_t>(bare.info().bytesPerPixel());
     for (int y = 0; y < bare.height(); ++y) {
         for (int x = 0; x < bare.width(); ++x) {
-            const auto* const mine = ours + static_cast<std::size_t>(y) *
-                                                CGBitmapContextGetBytesPerRow(context) +
-                                     static_cast<std::size_t>(x) * bytesPerPixel;
+            const auto* const mine =
+                ours + static_cast<std::size_t>(y) * CGBitmapContextGetBytesPerRow(context) +
+                static_cast<std::size_t>(x) * bytesPerPixel;
             const void* const its = bare.addr(x, y);
             if (std::memcmp(mine, its, bytesPerPixel) == 0)
                 continue;
             std::uint32_t a = 0, b = 0;
             std::memcpy(&a, mine, bytesPerPixel);
             std::memcpy(&b, its, bytesPerPixel);
-            return testing::AssertionFailure()
-                   << "pixel (" << x << ", " << y << ") is " << std::hex << a << ", bare Skia's " << b;
+            return testing::AssertionFailure() << "pixel (" << x << ", " << y << ") is " << std::hex
+                                               << a << ", bare Skia's " << b;
         }
     }
     return testing::AssertionSuccess();

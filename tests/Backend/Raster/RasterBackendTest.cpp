@@ -6,7 +6,6 @@
 #include "Support/Bitmaps.h"
 #include "Support/Picture.h"
 #include "Support/SkiaPeer.h"
-
 #include "include/core/SkPath.h"
 
 #include <gtest/gtest.h>
@@ -26,8 +25,8 @@ namespace {
 constexpr int kSize = 96;
 
 // A shape with lines, curves of both kinds, an overlap with itself and a second contour.
-const float kShape[][2] = {{8.3f, 10.7f}, {80.2f, 20.1f}, {20.6f, 75.5f}, {90.4f, 88.8f},
-                           {40.5f, 5.25f}, {12.f, 60.f},  {70.f, 70.f}};
+const float kShape[][2] = {{8.3f, 10.7f},  {80.2f, 20.1f}, {20.6f, 75.5f}, {90.4f, 88.8f},
+                           {40.5f, 5.25f}, {12.f, 60.f},   {70.f, 70.f}};
 
 void addShape(CGContextRef context) {
     const auto& p = kShape;
@@ -183,9 +182,7 @@ TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
              addShape(c);
              CGContextFillPath(c);
          },
-         [](SkCanvas& canvas) {
-             canvas.drawPath(shape(), paintOf(SkColorSetA(kHalfBlue, 64)));
-         }},
+         [](SkCanvas& canvas) { canvas.drawPath(shape(), paintOf(SkColorSetA(kHalfBlue, 64))); }},
     };
     for (const Comparison& comparison : comparisons)
         expectSame(comparison);
@@ -193,15 +190,15 @@ TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
 
 TEST(RasterBackend, BlendModesFollowTheirTable) {
     constexpr SkBlendMode modes[] = {
-        SkBlendMode::kSrcOver,    SkBlendMode::kMultiply,  SkBlendMode::kScreen,
-        SkBlendMode::kOverlay,    SkBlendMode::kDarken,    SkBlendMode::kLighten,
-        SkBlendMode::kColorDodge, SkBlendMode::kColorBurn, SkBlendMode::kSoftLight,
+        SkBlendMode::kSrcOver,    SkBlendMode::kMultiply,   SkBlendMode::kScreen,
+        SkBlendMode::kOverlay,    SkBlendMode::kDarken,     SkBlendMode::kLighten,
+        SkBlendMode::kColorDodge, SkBlendMode::kColorBurn,  SkBlendMode::kSoftLight,
         SkBlendMode::kHardLight,  SkBlendMode::kDifference, SkBlendMode::kExclusion,
         SkBlendMode::kHue,        SkBlendMode::kSaturation, SkBlendMode::kColor,
-        SkBlendMode::kLuminosity, SkBlendMode::kClear,     SkBlendMode::kSrc,
-        SkBlendMode::kSrcIn,      SkBlendMode::kSrcOut,    SkBlendMode::kSrcATop,
-        SkBlendMode::kDstOver,    SkBlendMode::kDstIn,     SkBlendMode::kDstOut,
-        SkBlendMode::kDstATop,    SkBlendMode::kXor,       SkBlendMode::kDarken,
+        SkBlendMode::kLuminosity, SkBlendMode::kClear,      SkBlendMode::kSrc,
+        SkBlendMode::kSrcIn,      SkBlendMode::kSrcOut,     SkBlendMode::kSrcATop,
+        SkBlendMode::kDstOver,    SkBlendMode::kDstIn,      SkBlendMode::kDstOut,
+        SkBlendMode::kDstATop,    SkBlendMode::kXor,        SkBlendMode::kDarken,
         SkBlendMode::kLighten,    SkBlendMode::kSrcOver,
     };
     for (std::size_t mode = 0; mode < std::size(modes); ++mode) {
@@ -356,7 +353,8 @@ TEST(RasterBackend, AGroupMeetsItsClipOnce) {
     CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
     CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
     CGContextEndTransparencyLayer(context.get());
-    const auto* const pixels = static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+    const auto* const pixels =
+        static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
     EXPECT_EQ(pixels[4 * 1 + 3], 255);
     EXPECT_NEAR(pixels[4 * 2 + 3], 128, 1);
     EXPECT_EQ(pixels[4 * 3 + 3], 0);
@@ -458,8 +456,8 @@ TEST(RasterBackend, GeometryThatIsNotFiniteDrawsNothing) {
     EXPECT_EQ(Picture(context.get()), (Picture{"....", "....", "....", "...."}));
 }
 
-// Random programs of drawing calls with hostile numbers among them: whatever they draw, they neither
-// fault nor write outside the rows.
+// Random programs of drawing calls with hostile numbers among them: whatever they draw, they
+// neither fault nor write outside the rows.
 TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
     constexpr std::size_t kGuard = 64, kRow = 32 * 4 + 16, kRows = 32;
     std::vector<std::uint8_t> memory(2 * kGuard + kRow * kRows, 0xA5);
@@ -486,7 +484,9 @@ TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
     const std::function<void()> calls[] = {
         [&] { CGContextMoveToPoint(c, number(), number()); },
         [&] { CGContextAddLineToPoint(c, number(), number()); },
-        [&] { CGContextAddCurveToPoint(c, number(), number(), number(), number(), number(), number()); },
+        [&] {
+            CGContextAddCurveToPoint(c, number(), number(), number(), number(), number(), number());
+        },
         [&] { CGContextAddArc(c, number(), number(), number(), number(), number(), random() & 1); },
         [&] { CGContextAddArcToPoint(c, number(), number(), number(), number(), number()); },
         [&] { CGContextAddEllipseInRect(c, CGRectMake(number(), number(), number(), number())); },

@@ -1,11 +1,10 @@
 // CGBitmapContextTest.cpp: which bitmaps are accepted, whose memory they use, and what that costs.
 
+#include "XGBitmapContext.h"
+#include "XGContext.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
 #include <Host/Host.h>
-
-#include "XGBitmapContext.h"
-#include "XGContext.h"
 
 #include "Support/Bitmaps.h"
 #include "Support/FailingAllocator.h"
@@ -97,9 +96,9 @@ TEST(BitmapContext, RefusesWhatItCannotDrawIntoAndSaysWhy) {
     for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
         const LogCapture log;
-        const auto context = cf::adopt(CGBitmapContextCreate(
-            nullptr, row.width, row.height, row.bitsPerComponent, row.bytesPerRow,
-            makeSpace(row.space).get(), row.info));
+        const auto context =
+            cf::adopt(CGBitmapContextCreate(nullptr, row.width, row.height, row.bitsPerComponent,
+                                            row.bytesPerRow, makeSpace(row.space).get(), row.info));
         EXPECT_FALSE(context);
         if (row.logged)
             EXPECT_NE(log.text().find(row.logged), std::string::npos) << log.text();
@@ -155,7 +154,9 @@ TEST(BitmapContext, PutsEachComponentInItsByte) {
         std::vector<std::uint8_t> pixel; // Of opaque (1, 0.6, 0.2).
     } cases[] = {
         {"BGRA", Space::RGB, kBGRA, {51, 153, 255, 255}},
-        {"BGRX", Space::RGB, kCGImageAlphaNoneSkipFirst | kCGBitmapByteOrder32Little,
+        {"BGRX",
+         Space::RGB,
+         kCGImageAlphaNoneSkipFirst | kCGBitmapByteOrder32Little,
          {51, 153, 255, 255}},
         {"RGBA", Space::RGB, kCGImageAlphaPremultipliedLast, {255, 153, 51, 255}},
         {"RGBX", Space::RGB, kCGImageAlphaNoneSkipLast, {255, 153, 51, 255}},
@@ -171,8 +172,8 @@ TEST(BitmapContext, PutsEachComponentInItsByte) {
             static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
         EXPECT_EQ(std::vector(bytes, bytes + row.pixel.size()), row.pixel);
     }
-    const auto gray = cf::adopt(
-        CGBitmapContextCreate(nullptr, 1, 1, 8, 0, makeSpace(Space::Gray).get(), kCGImageAlphaNone));
+    const auto gray = cf::adopt(CGBitmapContextCreate(
+        nullptr, 1, 1, 8, 0, makeSpace(Space::Gray).get(), kCGImageAlphaNone));
     CGContextSetGrayFillColor(gray.get(), 0.4f, 1);
     CGContextFillRect(gray.get(), CGRectMake(0, 0, 1, 1));
     EXPECT_EQ(*static_cast<const std::uint8_t*>(CGBitmapContextGetData(gray.get())), 102);
@@ -188,9 +189,8 @@ TEST(BitmapContext, CallerMemoryKeepsItsContentsAndIsGivenBackOnce) {
         static_cast<Release*>(info)->data = data;
     };
     std::uint32_t pixels[2][4] = {{0xFF112233, 1, 2, 3}, {4, 5, 6, 7}};
-    auto context = cf::adopt(CGBitmapContextCreateWithData(pixels, 3, 2, 8, sizeof pixels[0],
-                                                           makeSpace(Space::RGB).get(), kBGRA,
-                                                           release, &released));
+    auto context = cf::adopt(CGBitmapContextCreateWithData(
+        pixels, 3, 2, 8, sizeof pixels[0], makeSpace(Space::RGB).get(), kBGRA, release, &released));
     ASSERT_TRUE(context);
     EXPECT_EQ(CGBitmapContextGetData(context.get()), pixels);
     CGContextFillRect(context.get(), CGRectMake(2, 0, 1, 1));
@@ -202,9 +202,8 @@ TEST(BitmapContext, CallerMemoryKeepsItsContentsAndIsGivenBackOnce) {
     EXPECT_EQ(released.count, 1);
     EXPECT_EQ(released.data, pixels);
 
-    EXPECT_FALSE(cf::adopt(CGBitmapContextCreateWithData(pixels, 3, 2, 8, 1,
-                                                         makeSpace(Space::RGB).get(), kBGRA,
-                                                         release, &released)));
+    EXPECT_FALSE(cf::adopt(CGBitmapContextCreateWithData(
+        pixels, 3, 2, 8, 1, makeSpace(Space::RGB).get(), kBGRA, release, &released)));
     EXPECT_EQ(released.count, 1);
 }
 

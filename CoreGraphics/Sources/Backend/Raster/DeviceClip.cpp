@@ -2,9 +2,8 @@
 
 #include "Backend/Raster/DeviceClip.h"
 
-#include <CoreFoundation/CFArray.h>
-
 #include "XGPath.h"
+#include <CoreFoundation/CFArray.h>
 
 #include "Backend/Raster/SkiaConversions.h"
 
@@ -14,7 +13,9 @@ namespace cg {
 
 namespace {
 
-CFIndex countOf(CFArrayRef paths) { return paths ? CFArrayGetCount(paths) : 0; }
+CFIndex countOf(CFArrayRef paths) {
+    return paths ? CFArrayGetCount(paths) : 0;
+}
 
 CGPathRef pathAt(CFArrayRef paths, CFIndex index) {
     return static_cast<CGPathRef>(CFArrayGetValueAtIndex(paths, index));

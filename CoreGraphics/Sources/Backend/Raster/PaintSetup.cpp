@@ -6,7 +6,7 @@
 #include "XGContext.h"
 
 #include "Backend/Raster/SkiaConversions.h"
-
+#include "include/core/SkBlurTypes.h"
 #include "include/core/SkMaskFilter.h"
 
 #include <cmath>

@@ -1,10 +1,9 @@
 // PaintSetup.h: the graphics state as Skia paints.
 #pragma once
 
+#include "XGGState.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CGColor.h>
-
-#include "XGGState.h"
 
 #include "include/core/SkPaint.h"
 

@@ -19,7 +19,9 @@ CGImageAlphaInfo alphaInfo(const Bitmap& bitmap) {
     return static_cast<CGImageAlphaInfo>(bitmap.info & kCGBitmapAlphaInfoMask);
 }
 
-CGBitmapInfo byteOrder(const Bitmap& bitmap) { return bitmap.info & kCGBitmapByteOrderMask; }
+CGBitmapInfo byteOrder(const Bitmap& bitmap) {
+    return bitmap.info & kCGBitmapByteOrderMask;
+}
 
 bool isByteOrderKnown(CGBitmapInfo order) {
     constexpr std::array known = {CGBitmapInfo{kCGBitmapByteOrderDefault},
@@ -37,9 +39,11 @@ struct NativeFormat {
 };
 
 constexpr std::array kNativeRGB = {
-    NativeFormat{kCGImageAlphaPremultipliedFirst, true, kBGRA_8888_SkColorType, kPremul_SkAlphaType},
+    NativeFormat{kCGImageAlphaPremultipliedFirst, true, kBGRA_8888_SkColorType,
+                 kPremul_SkAlphaType},
     NativeFormat{kCGImageAlphaNoneSkipFirst, true, kBGRA_8888_SkColorType, kOpaque_SkAlphaType},
-    NativeFormat{kCGImageAlphaPremultipliedLast, false, kRGBA_8888_SkColorType, kPremul_SkAlphaType},
+    NativeFormat{kCGImageAlphaPremultipliedLast, false, kRGBA_8888_SkColorType,
+                 kPremul_SkAlphaType},
     NativeFormat{kCGImageAlphaNoneSkipLast, false, kRGBA_8888_SkColorType, kOpaque_SkAlphaType},
 };
 
@@ -55,8 +59,8 @@ Layout rgbLayout(const Bitmap& bitmap) {
         return {};
     }
     const CGBitmapInfo order = byteOrder(bitmap);
-    const bool is32BitOrder = order == kCGBitmapByteOrderDefault || order == kLittle32 ||
-                              order == kBig32;
+    const bool is32BitOrder =
+        order == kCGBitmapByteOrderDefault || order == kLittle32 || order == kBig32;
     if (bits != 32 || bitmap.bitsPerComponent != 8 || !is32BitOrder)
         return {};
     const auto found = std::ranges::find_if(kNativeRGB, [&](const NativeFormat& native) {

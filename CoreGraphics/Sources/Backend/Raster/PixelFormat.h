@@ -2,7 +2,6 @@
 #pragma once
 
 #include "Core/Context/XGBackend.h"
-
 #include "include/core/SkImageInfo.h"
 
 #include <optional>

@@ -8,7 +8,6 @@
 #include "Backend/Raster/PixelFormat.h"
 #include "Backend/Raster/SkiaConversions.h"
 #include "Core/Object/Diagnostics.h"
-
 #include "include/core/SkGraphics.h"
 
 #include <new>
@@ -86,8 +85,7 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
                               size_t count) {
     const SkPaint& paint = paints_.fill(state, flags);
     const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
-    const SkMatrix matrix =
-        inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
+    const SkMatrix matrix = inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
     const bool staysRect = matrix.rectStaysRect() && !(flags & kXGContextShadowPass);
     for (size_t index = 0; index < count; ++index) {
         SkRect rect = toSkia(rects[index]);
@@ -104,11 +102,10 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
 
 void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
     const Surface& parent = surfaceUnderClip(state, flags);
-    auto layer = unmadeLayers_ > 0
-                     ? nullptr
-                     : TransparencyLayer::create(parent, base_.pixels().height(),
-                                                 XGGStateGetClipping(state),
-                                                 PaintSetup::group(state));
+    auto layer = unmadeLayers_ > 0 ? nullptr
+                                   : TransparencyLayer::create(parent, base_.pixels().height(),
+                                                               XGGStateGetClipping(state),
+                                                               PaintSetup::group(state));
     if (!layer) {
         CG_LOG_ERROR("Failed to allocate a transparency layer, drawing without it");
         ++unmadeLayers_;
@@ -136,26 +133,24 @@ void RasterBackend::endTransparencyLayer(XGGStateRef state, uint32_t flags) {
 
 namespace {
 
-RasterBackend& backend(void* info) { return *static_cast<RasterBackend*>(info); }
+RasterBackend& backend(void* info) {
+    return *static_cast<RasterBackend*>(info);
+}
 
 constexpr XGContextCallbacks kCallbacks = {
     .version = 0,
     .releaseInfo = [](void* info) { delete static_cast<RasterBackend*>(info); },
-    .drawPath =
-        [](XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke, bool evenOdd,
-           void* info) { backend(info).drawPath(state, flags, fill, stroke, evenOdd); },
-    .fillRects =
-        [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count, void* info) {
-            backend(info).fillRects(state, flags, rects, count);
-        },
+    .drawPath = [](XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
+                   bool evenOdd,
+                   void* info) { backend(info).drawPath(state, flags, fill, stroke, evenOdd); },
+    .fillRects = [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
+                    void* info) { backend(info).fillRects(state, flags, rects, count); },
     .beginTransparencyLayer =
         [](XGGStateRef state, uint32_t flags, void* info) {
             backend(info).beginTransparencyLayer(state, flags);
         },
-    .endTransparencyLayer =
-        [](XGGStateRef state, uint32_t flags, void* info) {
-            backend(info).endTransparencyLayer(state, flags);
-        },
+    .endTransparencyLayer = [](XGGStateRef state, uint32_t flags,
+                               void* info) { backend(info).endTransparencyLayer(state, flags); },
 };
 
 // Chooses the instructions of this processor; drawing before it takes Skia's slowest code.
@@ -165,7 +160,9 @@ void initializeSkia() {
 
 } // namespace
 
-bool rasterBackendAccepts(const Bitmap& bitmap) { return skiaImageInfo(bitmap).has_value(); }
+bool rasterBackendAccepts(const Bitmap& bitmap) {
+    return skiaImageInfo(bitmap).has_value();
+}
 
 void* createRasterBackend(const Bitmap& bitmap) {
     const auto info = skiaImageInfo(bitmap);
@@ -175,6 +172,8 @@ void* createRasterBackend(const Bitmap& bitmap) {
     return new (std::nothrow) RasterBackend(SkPixmap(*info, bitmap.pixels, bitmap.bytesPerRow));
 }
 
-const XGContextCallbacks& rasterBackendCallbacks() { return kCallbacks; }
+const XGContextCallbacks& rasterBackendCallbacks() {
+    return kCallbacks;
+}
 
 } // namespace cg

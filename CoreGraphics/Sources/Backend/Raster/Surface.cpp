@@ -17,7 +17,8 @@ namespace {
 // 16.16 fixed point, so that it reaches 2¹³ − 1 pixels.
 constexpr int kLargestTile = 8191;
 
-// The matrix that turns y around and moves the part that the pixels show to their upper left corner.
+// The matrix that turns y around and moves the part that the pixels show to their upper left
+// corner.
 SkMatrix deviceToPixels(int deviceHeight, SkIPoint origin) {
     return SkMatrix::MakeAll(1, 0, static_cast<float>(-origin.x()), 0, -1,
                              static_cast<float>(deviceHeight - origin.y()), 0, 0, 1);
@@ -46,8 +47,12 @@ Surface::Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin)
 
 // ---- Clip
 
-void Surface::resetClip() { clip_.setRect(bounds()); }
-void Surface::clipOut() { clip_.setEmpty(); }
+void Surface::resetClip() {
+    clip_.setRect(bounds());
+}
+void Surface::clipOut() {
+    clip_.setEmpty();
+}
 
 // Antialiased clips are kept as runs whose coordinates have the scan converter's range.
 bool Surface::clipsWithAntialiasing(bool wanted) const {
@@ -112,15 +117,13 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
     const bool isFill = paint.getStyle() == SkPaint::kFill_Style;
     if (!isFill) {
         // A stroke is outlined before it is turned around, so that caps and joins start as given.
-        draw(matrix, [&](const SkDraw& target) {
-            target.drawPath(devicePath, paint, nullptr, false);
-        });
+        draw(matrix,
+             [&](const SkDraw& target) { target.drawPath(devicePath, paint, nullptr, false); });
         return;
     }
     devicePath.transform(matrix, &pixelPath_);
-    draw(SkMatrix::I(), [&](const SkDraw& target) {
-        target.drawPath(pixelPath_, paint, nullptr, false);
-    });
+    draw(SkMatrix::I(),
+         [&](const SkDraw& target) { target.drawPath(pixelPath_, paint, nullptr, false); });
 }
 
 // Whole pixels of one opaque colour under a rectangular clip need no blitter.

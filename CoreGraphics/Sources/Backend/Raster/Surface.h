@@ -17,8 +17,8 @@ namespace cg {
 // finite draws nothing.
 class Surface {
 public:
-    // Over `pixels`, which outlive it, unclipped. Device space is y up from the lower left corner of
-    // an area `deviceHeight` high, of which the pixels show the part from `origin` (in rows and
+    // Over `pixels`, which outlive it, unclipped. Device space is y up from the lower left corner
+    // of an area `deviceHeight` high, of which the pixels show the part from `origin` (in rows and
     // columns from its upper left corner) on.
     Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin);
 

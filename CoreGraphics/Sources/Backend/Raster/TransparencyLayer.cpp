@@ -7,8 +7,7 @@
 namespace cg {
 
 std::unique_ptr<TransparencyLayer> TransparencyLayer::create(const Surface& parent,
-                                                             int deviceHeight,
-                                                             XGClippingRef outer,
+                                                             int deviceHeight, XGClippingRef outer,
                                                              const SkPaint& paint) {
     std::unique_ptr<TransparencyLayer> layer(new (std::nothrow) TransparencyLayer);
     if (!layer)
@@ -20,7 +19,8 @@ std::unique_ptr<TransparencyLayer> TransparencyLayer::create(const Surface& pare
             return nullptr;
         layer->bitmap_.eraseColor(SK_ColorTRANSPARENT);
     }
-    layer->surface_.emplace(layer->bitmap_.pixmap(), deviceHeight, parent.origin() + area.topLeft());
+    layer->surface_.emplace(layer->bitmap_.pixmap(), deviceHeight,
+                            parent.origin() + area.topLeft());
     layer->outer_ = cf::retain(outer);
     layer->paint_ = paint;
     return layer;

@@ -1,12 +1,10 @@
 // TransparencyLayer.h: a group that is drawn aside and put down at once.
 #pragma once
 
+#include "XGClipping.h"
 #include <CoreFoundation/CFRef.h>
 
-#include "XGClipping.h"
-
 #include "Backend/Raster/Surface.h"
-
 #include "include/core/SkBitmap.h"
 
 #include <memory>

@@ -1,11 +1,9 @@
 // CGBitmapContext.cpp: contexts over pixels in memory.
 
-#include <CoreGraphics/CGBitmapContext.h>
-
-#include <CoreFoundation/CFData.h>
-
 #include "XGBitmapContext.h"
 #include "XGGState.h"
+#include <CoreFoundation/CFData.h>
+#include <CoreGraphics/CGBitmapContext.h>
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Context/XGBackend.h"
@@ -69,21 +67,21 @@ std::size_t bitsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha,
     constexpr std::size_t kBitsOf555 = 16;
     if (bitsPerComponent == 5)
         return kBitsOf555;
-    return cg::multiplied(componentsPerPixel(space, alpha), bitsPerComponent).value_or(0);
+    return (cg::CheckedSize(componentsPerPixel(space, alpha)) * bitsPerComponent)
+        .value()
+        .value_or(0);
 }
 
 std::optional<std::size_t> packedBytesPerRow(std::size_t bitsPerPixel, std::size_t width) {
-    const auto bits = cg::multiplied(bitsPerPixel, width);
-    const auto rounded = bits ? cg::added(*bits, 7) : std::nullopt;
-    return rounded ? std::optional(*rounded / 8) : std::nullopt;
+    const auto bits = (cg::CheckedSize(bitsPerPixel) * width + 7).value();
+    return bits ? std::optional(*bits / 8) : std::nullopt;
 }
 
 // The pixels' owner: memory of our own is zeroed, the caller's is wrapped.
 cf::Ref<CFDataRef> obtainPixels(const PixelSource& source, void* given, std::size_t size) {
     if (given)
         return cf::adopt(CFDataCreateWithBytesNoCopy(nullptr, static_cast<const UInt8*>(given),
-                                                     static_cast<CFIndex>(size),
-                                                     kCFAllocatorNull));
+                                                     static_cast<CFIndex>(size), kCFAllocatorNull));
     if (source.data || source.allocate)
         return nullptr;
     const auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
@@ -112,7 +110,7 @@ BitmapContext* makeContext(const cg::Bitmap& bitmap) {
 }
 
 CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
-    const auto size = cg::multiplied(bitmap.bytesPerRow, bitmap.height);
+    const auto size = (cg::CheckedSize(bitmap.bytesPerRow) * bitmap.height).value();
     if (!size || *size > static_cast<std::size_t>(LONG_MAX))
         return nullptr;
     void* const allocated =
@@ -120,8 +118,8 @@ CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
     void* const given = source.data ? source.data : allocated;
 
     const auto data = obtainPixels(source, given, *size);
-    bitmap.pixels = given || !data ? given : CFDataGetMutableBytePtr(
-                                                 const_cast<CFMutableDataRef>(data.get()));
+    bitmap.pixels =
+        given || !data ? given : CFDataGetMutableBytePtr(const_cast<CFMutableDataRef>(data.get()));
     BitmapContext* const context = data ? makeContext(bitmap) : nullptr;
     if (!context) {
         if (allocated && source.release)
@@ -188,10 +186,12 @@ CGContextRef _CGBitmapContextCreateInternal(cg::Bitmap bitmap, const PixelSource
 
 } // namespace
 
-CGContextRef _CGBitmapContextCreateWithDataAllocator(
-    void* data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
-    CGColorSpaceRef space, CGBitmapInfo bitmapInfo, XGBitmapContextAllocateCallback allocate,
-    CGBitmapContextReleaseDataCallback release, void* info) {
+CGContextRef _CGBitmapContextCreateWithDataAllocator(void* data, size_t width, size_t height,
+                                                     size_t bitsPerComponent, size_t bytesPerRow,
+                                                     CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
+                                                     XGBitmapContextAllocateCallback allocate,
+                                                     CGBitmapContextReleaseDataCallback release,
+                                                     void* info) {
     return _CGBitmapContextCreateInternal({.width = width,
                                            .height = height,
                                            .bitsPerComponent = bitsPerComponent,
@@ -207,13 +207,13 @@ CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t heig
                                            CGBitmapContextReleaseDataCallback release,
                                            void* releaseInfo) {
     return _CGBitmapContextCreateWithDataAllocator(data, width, height, bitsPerComponent,
-                                                   bytesPerRow, space, bitmapInfo, nullptr,
-                                                   release, releaseInfo);
+                                                   bytesPerRow, space, bitmapInfo, nullptr, release,
+                                                   releaseInfo);
 }
 
-CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height,
-                                   size_t bitsPerComponent, size_t bytesPerRow,
-                                   CGColorSpaceRef space, CGBitmapInfo bitmapInfo) {
+CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
+                                   size_t bytesPerRow, CGColorSpaceRef space,
+                                   CGBitmapInfo bitmapInfo) {
     return CGBitmapContextCreateWithData(data, width, height, bitsPerComponent, bytesPerRow, space,
                                          bitmapInfo, nullptr, nullptr);
 }

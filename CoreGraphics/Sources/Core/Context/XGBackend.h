@@ -1,11 +1,10 @@
 // XGBackend.h: what the front end asks of the backends, and the only way in which it reaches them.
 #pragma once
 
+#include "XGContext.h"
 #include <CoreGraphics/CGColorSpace.h>
 #include <CoreGraphics/CGImage.h>
 #include <CoreGraphics/CGPath.h>
-
-#include "XGContext.h"
 
 #include <cstddef>
 #include <cstdint>
