@@ -2,9 +2,10 @@
 
 #include "Core/State/BlendMode.h"
 
-#include <Host/Host.h>
+#include "Core/Object/RuntimeOptions.h"
 
 #include <array>
+#include <cstdint>
 
 namespace cg {
 
@@ -50,19 +51,17 @@ static_assert(kOperators.size() == kCGBlendModePlusLighter + 1, "a row for every
 
 bool usesGPUBlendModes = true;
 
-constexpr HostOption kOption = {
+constexpr OptionTexts kOption = {
     .name = "NIMBRA_GPU_BLEND_MODES",
     .title = "Try to render blend modes via the GPU",
     .category = "Graphics Rendering",
     .description = "Render custom CGBlendModes using the GPU",
-    .kind = kHostOptionBoolean,
-    .bound = &usesGPUBlendModes,
 };
 
 } // namespace
 
 void registerBlendModeOption() {
-    [[maybe_unused]] static const bool once = HostOptionRegister(&kOption);
+    [[maybe_unused]] static const bool once = registerOption(kOption, usesGPUBlendModes);
 }
 
 bool isPorterDuff(CGBlendMode mode) {

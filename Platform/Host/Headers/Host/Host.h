@@ -98,6 +98,11 @@ HOST_EXPORT void HostLog(HostLogLevel level, const char* category, const char* f
 /** Prints the calling thread's backtrace on stderr and aborts the process. */
 HOST_NORETURN HOST_EXPORT void HostAbortWithBacktrace(void);
 
+/* ---- Symbols ----------------------------------------------------------------------------- */
+
+/** The function or variable of that name in the program or a library it has loaded, else NULL. */
+HOST_EXPORT void* HostSymbolFind(const char* name);
+
 /* ---- Runtime options --------------------------------------------------------------------- */
 
 typedef enum HostOptionKind {

@@ -1,0 +1,69 @@
+// CGColorSpaceRecord.h: what a colour space is made of.
+#pragma once
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreFoundation/CFRuntime.h>
+#include <CoreGraphics/CGColorSpace.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <variant>
+
+namespace cg {
+
+using Triple = std::array<CGFloat, 3>;
+
+constexpr std::array<CGFloat, 9> kIdentityMatrix = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+
+// White and black points are CIE XYZ.
+struct GrayCalibration {
+    Triple whitePoint = {1, 1, 1};
+    Triple blackPoint = {0, 0, 0};
+    CGFloat gamma = 1;
+};
+
+struct RGBCalibration {
+    Triple whitePoint = {1, 1, 1};
+    Triple blackPoint = {0, 0, 0};
+    Triple gamma = {1, 1, 1};
+    std::array<CGFloat, 9> matrix = kIdentityMatrix;
+};
+
+struct LabCalibration {
+    Triple whitePoint = {1, 1, 1};
+    Triple blackPoint = {0, 0, 0};
+    std::array<CGFloat, 4> range = {-100, 100, -100, 100}; // Of a*, then of b*.
+};
+
+// Colours of an indexed space, right behind the record: a byte for each component of the base.
+struct ColorTable {
+    std::size_t count = 0;
+    std::span<const std::uint8_t> bytes;
+};
+
+} // namespace cg
+
+struct CGColorSpace {
+    CFRuntimeBase base;
+    // One of the constant names, or NULL. The device's spaces get theirs when they are asked for by
+    // name, on whichever thread does.
+    std::atomic<CFStringRef> name = nullptr;
+    cf::Ref<CGColorSpaceRef> baseSpace; // Of indexed and pattern spaces.
+    CGColorSpaceModel model = kCGColorSpaceModelUnknown;
+    std::size_t componentCount = 0;
+    std::variant<std::monostate, cg::GrayCalibration, cg::RGBCalibration, cg::LabCalibration,
+                 cg::ColorTable>
+        calibration;
+};
+
+namespace cg {
+
+// A new space without base and calibration, and `trailingBytes` behind the record; NULL when memory
+// runs out.
+CGColorSpace* createColorSpace(CGColorSpaceModel model, std::size_t componentCount,
+                               std::size_t trailingBytes = 0);
+
+} // namespace cg
