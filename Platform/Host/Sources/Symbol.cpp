@@ -4,4 +4,6 @@
 
 #include <dlfcn.h>
 
-void* HostSymbolFind(const char* name) { return name ? dlsym(RTLD_DEFAULT, name) : nullptr; }
+void* HostSymbolFind(const char* name) {
+    return name ? dlsym(RTLD_DEFAULT, name) : nullptr;
+}

@@ -1,12 +1,10 @@
 // CGColor.cpp: the colour object: creation, queries, comparison.
 
-#include <CoreGraphics/CGColor.h>
-
-#include <CoreFoundation/CFConstantString.h>
-#include <CoreFoundation/CFString.h>
-
 #include "XGColor.h"
 #include "XGColorSpace.h"
+#include <CoreFoundation/CFConstantString.h>
+#include <CoreFoundation/CFString.h>
+#include <CoreGraphics/CGColor.h>
 
 #include "Core/Color/CGColorRecord.h"
 #include "Core/Color/StaticInstance.h"
@@ -113,7 +111,9 @@ CGColorRef CGColorCreateGenericCMYK(CGFloat cyan, CGFloat magenta, CGFloat yello
                               std::array{cyan, magenta, yellow, black, alpha});
 }
 
-CGColorRef CGColorCreateCopy(CGColorRef color) { return cg::retain(cg::nativeColor(color)); }
+CGColorRef CGColorCreateCopy(CGColorRef color) {
+    return cg::retain(cg::nativeColor(color));
+}
 
 CGColorRef CGColorCreateCopyWithAlpha(CGColorRef color, CGFloat alpha) {
     const CGColorRef native = cg::nativeColor(color);
@@ -164,15 +164,18 @@ constexpr std::array kConstantColors = {
 CGColorRef CGColorGetConstantColor(CFStringRef name) {
     if (!name)
         return nullptr;
-    const auto found =
-        std::ranges::find_if(kConstantColors, [name](const ConstantColor& constant) {
-            return CFEqual(*constant.name, name);
-        });
+    const auto found = std::ranges::find_if(kConstantColors, [name](const ConstantColor& constant) {
+        return CFEqual(*constant.name, name);
+    });
     return found == kConstantColors.end() ? nullptr : found->get();
 }
 
-CGColorRef CGColorRetain(CGColorRef color) { return cg::retain(color); }
-void CGColorRelease(CGColorRef color) { cg::release(color); }
+CGColorRef CGColorRetain(CGColorRef color) {
+    return cg::retain(color);
+}
+void CGColorRelease(CGColorRef color) {
+    cg::release(color);
+}
 
 // ---- Accessors
 

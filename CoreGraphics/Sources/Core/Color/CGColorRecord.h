@@ -15,7 +15,7 @@ struct CGColor {
     CFRuntimeBase base;
     cf::Ref<CGColorSpaceRef> space;
     cf::Ref<CGPatternRef> pattern; // Of pattern colours.
-    std::size_t count = 0;         // Of components, the opacity included; they lie behind the record.
+    std::size_t count = 0; // Of components, the opacity included; they lie behind the record.
 
     std::span<CGFloat> components() { return {cg::trailing<CGFloat>(this), count}; }
     CGFloat alpha() { return components().back(); }

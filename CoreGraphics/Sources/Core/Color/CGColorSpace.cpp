@@ -1,10 +1,8 @@
 // CGColorSpace.cpp: the colour space object and its queries.
 
-#include <CoreGraphics/CGColorSpace.h>
-
-#include <CoreFoundation/CFString.h>
-
 #include "XGColorSpace.h"
+#include <CoreFoundation/CFString.h>
+#include <CoreGraphics/CGColorSpace.h>
 
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Object/Diagnostics.h"
@@ -47,8 +45,12 @@ CGColorSpace* cg::createColorSpace(CGColorSpaceModel model, std::size_t componen
     return space;
 }
 
-CGColorSpaceRef CGColorSpaceRetain(CGColorSpaceRef space) { return cg::retain(space); }
-void CGColorSpaceRelease(CGColorSpaceRef space) { cg::release(space); }
+CGColorSpaceRef CGColorSpaceRetain(CGColorSpaceRef space) {
+    return cg::retain(space);
+}
+void CGColorSpaceRelease(CGColorSpaceRef space) {
+    cg::release(space);
+}
 
 CGColorSpaceModel CGColorSpaceGetModel(CGColorSpaceRef space) {
     return space ? space->model : kCGColorSpaceModelUnknown;
@@ -77,10 +79,16 @@ CFStringRef CGColorSpaceCopyName(CGColorSpaceRef space) {
     return space ? cg::retain(space->name.load()) : nullptr;
 }
 
-bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef) { return false; }
-bool CGColorSpaceSupportsOutput(CGColorSpaceRef) { return true; }
+bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef) {
+    return false;
+}
+bool CGColorSpaceSupportsOutput(CGColorSpaceRef) {
+    return true;
+}
 
-CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void*) { CG_NOT_YET_IMPLEMENTED(); }
+CGColorSpaceRef CGColorSpaceCreateWithPlatformColorSpace(const void*) {
+    CG_NOT_YET_IMPLEMENTED();
+}
 
 bool XGColorSpaceIsSRGB(CGColorSpaceRef space) {
     const CFStringRef name = space ? space->name.load() : nullptr;

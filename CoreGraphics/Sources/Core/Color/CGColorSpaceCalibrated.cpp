@@ -34,8 +34,8 @@ CGColorSpaceRef CGColorSpaceCreateCalibratedGray(const CGFloat whitePoint[3],
 }
 
 CGColorSpaceRef CGColorSpaceCreateCalibratedRGB(const CGFloat whitePoint[3],
-                                                const CGFloat blackPoint[3],
-                                                const CGFloat gamma[3], const CGFloat matrix[9]) {
+                                                const CGFloat blackPoint[3], const CGFloat gamma[3],
+                                                const CGFloat matrix[9]) {
     if (!whitePoint)
         return nullptr;
     const auto space = cg::createColorSpace(kCGColorSpaceModelRGB, 3);

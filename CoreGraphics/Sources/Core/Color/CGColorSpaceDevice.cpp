@@ -1,8 +1,7 @@
 // CGColorSpaceDevice.cpp: the spaces of the device itself, one of each for the process.
 
-#include <CoreGraphics/CGColorSpace.h>
-
 #include "XGColorSpace.h"
+#include <CoreGraphics/CGColorSpace.h>
 
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/StaticInstance.h"
@@ -54,7 +53,9 @@ CGColorSpaceRef CGColorSpaceCreateDeviceGray(void) {
     return cg::retain(XGColorSpaceGetDeviceGray());
 }
 
-CGColorSpaceRef CGColorSpaceCreateDeviceRGB(void) { return cg::retain(XGColorSpaceGetDeviceRGB()); }
+CGColorSpaceRef CGColorSpaceCreateDeviceRGB(void) {
+    return cg::retain(XGColorSpaceGetDeviceRGB());
+}
 
 CGColorSpaceRef CGColorSpaceCreateDeviceCMYK(void) {
     return cg::retain(XGColorSpaceGetDeviceCMYK());

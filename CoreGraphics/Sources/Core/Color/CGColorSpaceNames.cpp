@@ -1,8 +1,7 @@
 // CGColorSpaceNames.cpp: spaces by name.
 
-#include <CoreGraphics/CGColorSpace.h>
-
 #include <CoreFoundation/CFConstantString.h>
+#include <CoreGraphics/CGColorSpace.h>
 
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Object/Diagnostics.h"
@@ -38,7 +37,8 @@ namespace {
 // The profile's resource is not part of the library.
 CGColorSpaceRef createSRGB() {
     if (HostLogIsEnabled(kHostLogError))
-        cg::logMessage(kHostLogError, "__CGColorSpaceCreateSRGB", "Failed to create sRGB colorspace");
+        cg::logMessage(kHostLogError, "__CGColorSpaceCreateSRGB",
+                       "Failed to create sRGB colorspace");
     return nullptr;
 }
 

@@ -1,10 +1,8 @@
 // ColorConversion.cpp: colours in other spaces, and mixed with each other.
 
 #include "XGColor.h"
-
-#include <CoreFoundation/CFString.h>
-
 #include "XGColorSpace.h"
+#include <CoreFoundation/CFString.h>
 
 #include "Core/Color/CGColorRecord.h"
 #include "Core/Color/CGColorSpaceRecord.h"
@@ -46,8 +44,8 @@ Color lookUp(CGColor& color, const cg::ColorTable& table) {
     const CGColorSpaceRef base = color.space.get()->baseSpace.get();
     const CGFloat last = static_cast<CGFloat>(table.count - 1);
     const CGFloat index = color.components()[0];
-    const auto row = static_cast<std::size_t>(
-        index > 0 ? std::lround(std::min(index, last)) : 0); // A NaN means the first.
+    const auto row = static_cast<std::size_t>(index > 0 ? std::lround(std::min(index, last))
+                                                        : 0); // A NaN means the first.
 
     std::array<CGFloat, 5> components = {}; // Up to four and the opacity.
     const auto bytes = table.bytes.subspan(row * base->componentCount, base->componentCount);
@@ -105,9 +103,9 @@ RGBA firstFour(CGColor& color) {
 // The model that decides: an uncoloured pattern over RGB is read as its RGB components.
 CGColorSpaceModel readingModel(CGColorSpaceRef space) {
     const CGColorSpaceModel model = CGColorSpaceGetModel(space);
-    const bool isOverRGB = model == kCGColorSpaceModelPattern &&
-                           CGColorSpaceGetModel(CGColorSpaceGetBaseColorSpace(space)) ==
-                               kCGColorSpaceModelRGB;
+    const bool isOverRGB =
+        model == kCGColorSpaceModelPattern &&
+        CGColorSpaceGetModel(CGColorSpaceGetBaseColorSpace(space)) == kCGColorSpaceModelRGB;
     return isOverRGB ? kCGColorSpaceModelRGB : model;
 }
 
@@ -160,14 +158,17 @@ namespace {
 
 constexpr CGFloat kFaintestMixed = 0.01f;
 
-bool isTooFaint(CGColorRef color) { return !color || CGColorGetAlpha(color) < kFaintestMixed; }
+bool isTooFaint(CGColorRef color) {
+    return !color || CGColorGetAlpha(color) < kFaintestMixed;
+}
 
 Color withWeightedAlpha(CGColorRef color, CGFloat weight) {
     return color ? cf::adopt(CGColorCreateCopyWithAlpha(color, CGColorGetAlpha(color) * weight))
                  : nullptr;
 }
 
-// The one of two visible colours that stands for the mixture as it is; empty when they must be mixed.
+// The one of two visible colours that stands for the mixture as it is; empty when they must be
+// mixed.
 CGColorRef unmixed(CGColor& a, CGColor& b, CGFloat weightA, CGFloat weightB) {
     if (weightA == 1 && weightB == 0)
         return &a;
@@ -204,8 +205,7 @@ Color mix(CGColor& a, CGColor& b, CGFloat weightA, CGFloat weightB) {
 
 } // namespace
 
-CGColorRef XGColorCreateBlendedColor(CGColorRef a, CGColorRef b, CGFloat weightA,
-                                     CGFloat weightB) {
+CGColorRef XGColorCreateBlendedColor(CGColorRef a, CGColorRef b, CGFloat weightA, CGFloat weightB) {
     const CGColorRef first = cg::nativeColor(a);
     const CGColorRef second = cg::nativeColor(b);
     if (isTooFaint(first))

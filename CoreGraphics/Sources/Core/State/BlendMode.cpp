@@ -1,8 +1,7 @@
 // BlendMode.cpp: the table of blend modes.
 
-#include "Core/State/BlendMode.h"
-
 #include "Core/Object/RuntimeOptions.h"
+#include "Core/State/BlendMode.h"
 
 #include <array>
 #include <cstdint>

@@ -9,7 +9,8 @@ namespace cg {
 // The first call does; every state is made after one.
 void registerBlendModeOption();
 
-// Whether a mode counts as one of Porter and Duff's operators now, while the option stands as it is.
+// Whether a mode counts as one of Porter and Duff's operators now, while the option stands as it
+// is.
 bool isPorterDuff(CGBlendMode mode);
 
 } // namespace cg

@@ -1,10 +1,8 @@
 // XGClipping.cpp: the clip region that a graphics state holds.
 
 #include "XGClipping.h"
-
-#include <CoreFoundation/CFRef.h>
-
 #include "XGPath.h"
+#include <CoreFoundation/CFRef.h>
 
 #include "Core/Object/RuntimeObject.h"
 
@@ -71,9 +69,13 @@ bool XGClipping::add(CGPathRef path, bool evenOdd) {
     return CFArrayGetCount(array.get()) == count + 1;
 }
 
-XGClippingRef XGClippingCreateEmpty(void) { return makeClipping(CGRectNull).release(); }
+XGClippingRef XGClippingCreateEmpty(void) {
+    return makeClipping(CGRectNull).release();
+}
 
-XGClippingRef XGClippingCreateWithRect(CGRect rect) { return makeClipping(rect).release(); }
+XGClippingRef XGClippingCreateWithRect(CGRect rect) {
+    return makeClipping(rect).release();
+}
 
 XGClippingRef XGClippingCreateWithPath(CGPathRef path, bool evenOdd) {
     if (!path)
@@ -95,8 +97,12 @@ XGClippingRef XGClippingCreateCopy(XGClippingRef clipping) {
     return copy.release();
 }
 
-XGClippingRef XGClippingRetain(XGClippingRef clipping) { return cg::retain(clipping); }
-void XGClippingRelease(XGClippingRef clipping) { cg::release(clipping); }
+XGClippingRef XGClippingRetain(XGClippingRef clipping) {
+    return cg::retain(clipping);
+}
+void XGClippingRelease(XGClippingRef clipping) {
+    cg::release(clipping);
+}
 
 void XGClippingIntersectWithRect(XGClippingRef clipping, CGRect rect) {
     if (!clipping)

@@ -1,7 +1,6 @@
 // XGGState.cpp: making, copying and comparing graphics states.
 
 #include "XGGState.h"
-
 #include <Host/Host.h>
 
 #include "Core/Geometry/NearlyEqual.h"
@@ -39,8 +38,12 @@ XGGStateRef XGGStateCreateCopy(XGGStateRef state) {
     return state->clipping && !made.clipping ? nullptr : copy.release();
 }
 
-XGGStateRef XGGStateRetain(XGGStateRef state) { return cg::retain(state); }
-void XGGStateRelease(XGGStateRef state) { cg::release(state); }
+XGGStateRef XGGStateRetain(XGGStateRef state) {
+    return cg::retain(state);
+}
+void XGGStateRelease(XGGStateRef state) {
+    cg::release(state);
+}
 
 namespace {
 

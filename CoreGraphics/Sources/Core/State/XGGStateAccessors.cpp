@@ -12,7 +12,9 @@
 
 // ---- Compositing
 
-CGFloat XGGStateGetAlpha(XGGStateRef state) { return state ? state->values.alpha : 0; }
+CGFloat XGGStateGetAlpha(XGGStateRef state) {
+    return state ? state->values.alpha : 0;
+}
 
 void XGGStateSetAlpha(XGGStateRef state, CGFloat alpha) {
     if (state)
@@ -217,7 +219,9 @@ void XGGStateSetFont(XGGStateRef state, CGFontRef font) {
         state->values.font = cf::retain(font);
 }
 
-CGFloat XGGStateGetFontSize(XGGStateRef state) { return state ? state->values.fontSize : 0; }
+CGFloat XGGStateGetFontSize(XGGStateRef state) {
+    return state ? state->values.fontSize : 0;
+}
 
 void XGGStateSetFontSize(XGGStateRef state, CGFloat size) {
     if (state && !(size < 0))
@@ -268,37 +272,49 @@ void setFlag(XGGStateRef state, cg::StateFlag flag, bool value) {
 
 } // namespace
 
-bool XGGStateShouldAntialias(XGGStateRef state) { return hasFlag(state, cg::kShouldAntialias); }
+bool XGGStateShouldAntialias(XGGStateRef state) {
+    return hasFlag(state, cg::kShouldAntialias);
+}
 
 void XGGStateSetShouldAntialias(XGGStateRef state, bool should) {
     setFlag(state, cg::kShouldAntialias, should);
 }
 
-bool XGGStateShouldSmoothFonts(XGGStateRef state) { return hasFlag(state, cg::kShouldSmoothFonts); }
+bool XGGStateShouldSmoothFonts(XGGStateRef state) {
+    return hasFlag(state, cg::kShouldSmoothFonts);
+}
 
 void XGGStateSetShouldSmoothFonts(XGGStateRef state, bool should) {
     setFlag(state, cg::kShouldSmoothFonts, should);
 }
 
-bool XGGStateShouldSubpixelPositionFonts(XGGStateRef state) { return hasFlag(state, cg::kShouldSubpixelPositionFonts); }
+bool XGGStateShouldSubpixelPositionFonts(XGGStateRef state) {
+    return hasFlag(state, cg::kShouldSubpixelPositionFonts);
+}
 
 void XGGStateSetShouldSubpixelPositionFonts(XGGStateRef state, bool should) {
     setFlag(state, cg::kShouldSubpixelPositionFonts, should);
 }
 
-bool XGGStateShouldSubpixelQuantizeFonts(XGGStateRef state) { return hasFlag(state, cg::kShouldSubpixelQuantizeFonts); }
+bool XGGStateShouldSubpixelQuantizeFonts(XGGStateRef state) {
+    return hasFlag(state, cg::kShouldSubpixelQuantizeFonts);
+}
 
 void XGGStateSetShouldSubpixelQuantizeFonts(XGGStateRef state, bool should) {
     setFlag(state, cg::kShouldSubpixelQuantizeFonts, should);
 }
 
-bool XGGStateDidModifyClipRegion(XGGStateRef state) { return hasFlag(state, cg::kDidModifyClipRegion); }
+bool XGGStateDidModifyClipRegion(XGGStateRef state) {
+    return hasFlag(state, cg::kDidModifyClipRegion);
+}
 
 void XGGStateSetDidModifyClipRegion(XGGStateRef state, bool did) {
     setFlag(state, cg::kDidModifyClipRegion, did);
 }
 
-bool XGGStateShouldRasterizeClipRegion(XGGStateRef state) { return hasFlag(state, cg::kShouldRasterizeClipRegion); }
+bool XGGStateShouldRasterizeClipRegion(XGGStateRef state) {
+    return hasFlag(state, cg::kShouldRasterizeClipRegion);
+}
 
 void XGGStateSetShouldRasterizeClipRegion(XGGStateRef state, bool should) {
     setFlag(state, cg::kShouldRasterizeClipRegion, should);

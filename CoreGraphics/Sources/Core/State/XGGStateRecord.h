@@ -1,11 +1,10 @@
 // XGGStateRecord.h: what a graphics state is made of.
 #pragma once
 
+#include "XGGState.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 #include <CoreGraphics/CGFont.h>
-
-#include "XGGState.h"
 
 namespace cg {
 

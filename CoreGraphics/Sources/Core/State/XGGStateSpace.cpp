@@ -1,7 +1,6 @@
 // XGGStateSpace.cpp: a graphics state's transforms and its clip.
 
 #include "XGGState.h"
-
 #include "XGGeometry.h"
 
 #include "Core/State/XGGStateRecord.h"
@@ -12,9 +11,8 @@ namespace {
 
 // Brings what follows from the CTM and the scales up to date.
 void updateTransforms(cg::StateValues& values) {
-    const CGAffineTransform scale =
-        CGAffineTransformMakeScale(values.xScale / values.deviceScale,
-                                   std::fabs(values.yScale) / values.deviceScale);
+    const CGAffineTransform scale = CGAffineTransformMakeScale(
+        values.xScale / values.deviceScale, std::fabs(values.yScale) / values.deviceScale);
     values.combinedCTM = CGAffineTransformConcat(values.ctm, scale);
     if (!(values.flags & cg::kHasTextCTM))
         return;

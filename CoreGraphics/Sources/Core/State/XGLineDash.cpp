@@ -47,12 +47,22 @@ XGLineDashRef XGLineDashCreateCopy(XGLineDashRef dash) {
     return dash ? XGLineDashCreate(dash->lengths, dash->count, dash->phase) : nullptr;
 }
 
-XGLineDashRef XGLineDashRetain(XGLineDashRef dash) { return cg::retain(dash); }
-void XGLineDashRelease(XGLineDashRef dash) { cg::release(dash); }
+XGLineDashRef XGLineDashRetain(XGLineDashRef dash) {
+    return cg::retain(dash);
+}
+void XGLineDashRelease(XGLineDashRef dash) {
+    cg::release(dash);
+}
 
-CGFloat XGLineDashGetPhase(XGLineDashRef dash) { return dash ? dash->phase : 0; }
-uint32_t XGLineDashGetCount(XGLineDashRef dash) { return dash ? dash->count : 0; }
-const CGFloat* XGLineDashGetLengths(XGLineDashRef dash) { return dash ? dash->lengths : nullptr; }
+CGFloat XGLineDashGetPhase(XGLineDashRef dash) {
+    return dash ? dash->phase : 0;
+}
+uint32_t XGLineDashGetCount(XGLineDashRef dash) {
+    return dash ? dash->count : 0;
+}
+const CGFloat* XGLineDashGetLengths(XGLineDashRef dash) {
+    return dash ? dash->lengths : nullptr;
+}
 
 void XGLineDashSetPhase(XGLineDashRef dash, CGFloat phase) {
     if (dash)
