@@ -152,6 +152,7 @@ struct ConstantColor {
 constexpr std::array<CGFloat, 2> kWhite = {1, 1};
 constexpr std::array<CGFloat, 2> kBlack = {0, 1};
 constexpr std::array<CGFloat, 2> kClear = {0, 0};
+constexpr std::array<CGFloat, 2> kShadow = {0, 0.33333334f};
 
 constexpr std::array kConstantColors = {
     ConstantColor{&kCGColorWhite, constantGray<kWhite>},
@@ -168,6 +169,10 @@ CGColorRef CGColorGetConstantColor(CFStringRef name) {
         return CFEqual(*constant.name, name);
     });
     return found == kConstantColors.end() ? nullptr : found->get();
+}
+
+CGColorRef cg::defaultShadowColor() {
+    return constantGray<kShadow>();
 }
 
 CGColorRef CGColorRetain(CGColorRef color) {

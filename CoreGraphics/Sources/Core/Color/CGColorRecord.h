@@ -29,6 +29,9 @@ cf::Ref<CGColorRef> makeColor(CGColorSpaceRef space, const CGFloat* components,
                               CGPatternRef pattern = nullptr,
                               std::optional<CGFloat> alpha = std::nullopt);
 
+// Black at a third of full opacity, the shadow of those who ask for no colour; lent.
+CGColorRef defaultShadowColor();
+
 // The native colour that a foreign runtime's object stands for, lent by it, or NULL.
 CGColorRef colorOfForeignObject(CGColorRef object);
 

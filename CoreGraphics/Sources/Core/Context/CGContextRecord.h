@@ -1,13 +1,13 @@
-// CGContextRecord.h: the fields that contexts of all kinds share.
+// CGContextRecord.h: the fields that contexts of all kinds share, and what the front end does to
+// them.
 #pragma once
 
+#include "XGContext.h"
 #include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 #include <CoreGraphics/CGAffineTransform.h>
 #include <CoreGraphics/CGPath.h>
-
-#include "XGContext.h"
 
 struct CGContext {
     CFRuntimeBase base;
@@ -16,8 +16,8 @@ struct CGContext {
     uint32_t allowsFlags = kXGContextAllowsAntialiasing | kXGContextAllowsFontSubpixelPositioning |
                            kXGContextAllowsFontSubpixelQuantization;
     cf::Ref<XGGStateRef> state;
-    cf::Ref<CGMutablePathRef> path;           // In device space; absent without a current path.
-    cf::Ref<CFMutableArrayRef> savedStates;   // Absent until the first save.
+    cf::Ref<CGMutablePathRef> path;         // In device space; absent without a current path.
+    cf::Ref<CFMutableArrayRef> savedStates; // Absent until the first save.
     CGAffineTransform textMatrix = {1, 0, 0, 1, 0, 0};
     void* info = nullptr;
     CGFloat sizeInPoints[3] = {};
@@ -25,3 +25,30 @@ struct CGContext {
     // A consumed path that nobody else holds, emptied: the next one starts in its storage.
     cf::Ref<CGMutablePathRef> sparePath;
 };
+
+namespace cg {
+
+// The functions of XGGState accept NULL, and so do those of CGPath: what a NULL context does not
+// have is passed on to them as it is.
+inline XGGStateRef stateOf(CGContextRef context) {
+    return context ? context->state.get() : nullptr;
+}
+inline const CGAffineTransform* combinedCTM(CGContextRef context) {
+    return XGGStateGetCombinedCTM(stateOf(context));
+}
+
+// Lets the destination get ready for marks.
+inline void prepare(CGContext& context) {
+    if (context.callbacks.prepare)
+        context.callbacks.prepare(&context);
+}
+
+// The current path, begun if there is none; NULL when memory runs out.
+CGMutablePathRef currentPath(CGContextRef context);
+// Takes the current path out of the context: marking and clipping consume it.
+cf::Ref<CGMutablePathRef> takePath(CGContext& context);
+// Gives a path that was taken back, for the storage that the next one can use.
+void recyclePath(CGContext& context, cf::Ref<CGMutablePathRef> path);
+void dropPath(CGContext& context);
+
+} // namespace cg

@@ -1,0 +1,137 @@
+// CGContextColor.cpp: fill and stroke colours, and the shadow.
+
+#include "XGColor.h"
+#include "XGColorSpace.h"
+#include <CoreGraphics/CGContext.h>
+
+#include "Core/Color/CGColorRecord.h"
+#include "Core/Context/CGContextRecord.h"
+#include "Core/Object/Diagnostics.h"
+
+#include <array>
+
+using cg::stateOf;
+
+namespace {
+
+// One of the state's two colours.
+struct ColorSlot {
+    CGColorRef (*get)(XGGStateRef state);
+    void (*set)(XGGStateRef state, CGColorRef color);
+};
+
+constexpr ColorSlot kFill = {XGGStateGetFillColor, XGGStateSetFillColor};
+constexpr ColorSlot kStroke = {XGGStateGetStrokeColor, XGGStateSetStrokeColor};
+
+void setSpace(ColorSlot slot, CGContextRef context, CGColorSpaceRef space) {
+    const XGGStateRef state = stateOf(context);
+    if (!state || !space ||
+        XGColorSpaceEqualToColorSpace(CGColorGetColorSpace(slot.get(state)), space))
+        return;
+    slot.set(state, cf::adopt(XGColorSpaceCopyDefaultColor(space)).get());
+}
+
+// Makes no new colour when the current one has these components already.
+void setComponents(ColorSlot slot, XGGStateRef state, CGColorSpaceRef space,
+                   const CGFloat* components) {
+    const CGColorRef current = slot.get(state);
+    if (!CGColorGetPattern(current) &&
+        XGColorEqualToColorComponents(current, space, components, nullptr))
+        return;
+    if (const auto color = cf::adopt(CGColorCreate(space, components)))
+        slot.set(state, color.get());
+}
+
+void setComponentsInCurrentSpace(ColorSlot slot, CGContextRef context, const CGFloat* components) {
+    const XGGStateRef state = stateOf(context);
+    if (!state || !components)
+        return;
+    const CGColorSpaceRef current = CGColorGetColorSpace(slot.get(state));
+    setComponents(slot, state, current ? current : XGColorSpaceGetDeviceGray(), components);
+}
+
+void setGray(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 2>& components) {
+    if (context)
+        setComponents(slot, stateOf(context), XGColorSpaceGetDeviceGray(), components.data());
+}
+
+void setRGB(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 4>& components) {
+    if (context)
+        setComponents(slot, stateOf(context), XGColorSpaceGetDeviceRGB(), components.data());
+}
+
+void setCMYK(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 5>& components) {
+    if (!context)
+        return;
+    const auto space = cf::adopt(XGColorSpaceGetDeviceCMYK()); // Its Get gives a reference.
+    setComponents(slot, stateOf(context), space.get(), components.data());
+}
+
+} // namespace
+
+void CGContextSetFillColorWithColor(CGContextRef context, CGColorRef color) {
+    XGGStateSetFillColor(stateOf(context), color);
+}
+
+void CGContextSetStrokeColorWithColor(CGContextRef context, CGColorRef color) {
+    XGGStateSetStrokeColor(stateOf(context), color);
+}
+
+void CGContextSetFillColorSpace(CGContextRef context, CGColorSpaceRef space) {
+    setSpace(kFill, context, space);
+}
+
+void CGContextSetStrokeColorSpace(CGContextRef context, CGColorSpaceRef space) {
+    setSpace(kStroke, context, space);
+}
+
+void CGContextSetFillColor(CGContextRef context, const CGFloat* components) {
+    setComponentsInCurrentSpace(kFill, context, components);
+}
+
+void CGContextSetStrokeColor(CGContextRef context, const CGFloat* components) {
+    setComponentsInCurrentSpace(kStroke, context, components);
+}
+
+void CGContextSetGrayFillColor(CGContextRef context, CGFloat gray, CGFloat alpha) {
+    setGray(kFill, context, {gray, alpha});
+}
+
+void CGContextSetGrayStrokeColor(CGContextRef context, CGFloat gray, CGFloat alpha) {
+    setGray(kStroke, context, {gray, alpha});
+}
+
+void CGContextSetRGBFillColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
+                              CGFloat alpha) {
+    setRGB(kFill, context, {red, green, blue, alpha});
+}
+
+void CGContextSetRGBStrokeColor(CGContextRef context, CGFloat red, CGFloat green, CGFloat blue,
+                                CGFloat alpha) {
+    setRGB(kStroke, context, {red, green, blue, alpha});
+}
+
+void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magenta, CGFloat yellow,
+                               CGFloat black, CGFloat alpha) {
+    setCMYK(kFill, context, {cyan, magenta, yellow, black, alpha});
+}
+
+void CGContextSetCMYKStrokeColor(CGContextRef context, CGFloat cyan, CGFloat magenta,
+                                 CGFloat yellow, CGFloat black, CGFloat alpha) {
+    setCMYK(kStroke, context, {cyan, magenta, yellow, black, alpha});
+}
+
+CGColorRef CGContextGetFillColorAsColor(CGContextRef) {
+    CG_NOT_YET_IMPLEMENTED();
+}
+
+// ---- Shadow
+
+void CGContextSetShadowWithColor(CGContextRef context, CGSize offset, CGFloat blur,
+                                 CGColorRef color) {
+    XGGStateSetShadow(stateOf(context), color, offset.width, offset.height, blur);
+}
+
+void CGContextSetShadow(CGContextRef context, CGSize offset, CGFloat blur) {
+    CGContextSetShadowWithColor(context, offset, blur, cg::defaultShadowColor());
+}
