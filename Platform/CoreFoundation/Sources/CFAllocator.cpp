@@ -59,13 +59,19 @@ void finalizeAllocator(CFTypeRef object) {
         allocator->context.release(allocator->context.info);
 }
 
+__CFAllocator* createIn(CFAllocatorRef allocator) {
+    constexpr auto extra = static_cast<CFIndex>(sizeof(__CFAllocator) - sizeof(CFRuntimeBase));
+    return static_cast<__CFAllocator*>(
+        const_cast<void*>(_CFRuntimeCreateInstance(allocator, cf::kTypeAllocator, extra, nullptr)));
+}
+
 __CFAllocator* createInstance(CFAllocatorRef allocator, const CFAllocatorContext& context) {
     if (allocator != kCFAllocatorUseContext)
-        return cf::createInstance<__CFAllocator>(allocator, cf::kTypeAllocator);
+        return createIn(allocator);
 
     const __CFAllocator provisional = {CF_STATIC_BASE(cf::kAllocatorClass, cf::kTypeAllocator),
                                        context};
-    auto* const created = cf::createInstance<__CFAllocator>(&provisional, cf::kTypeAllocator);
+    auto* const created = createIn(&provisional);
     if (created)
         cf::setPrefixedAllocator(created, created);
     return created;

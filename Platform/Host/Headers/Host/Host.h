@@ -61,7 +61,8 @@ HOST_EXPORT void HostOnceRun(HostOnce* once, void (*function)(void* context), vo
 /* ---- Background tasks -------------------------------------------------------------------- */
 
 /** Runs `function(context)` on a thread of the shared pool, in no order that may be relied on.
- *  False, and nothing runs, when no thread or memory is to be had. */
+ *  False, and nothing runs, when no thread or memory is to be had. Exit waits for the tasks that
+ *  run; those that have not begun by then never do. */
 HOST_EXPORT bool HostTaskSubmit(void (*function)(void* context), void* context);
 /** Waits until every task submitted so far has ended. Not to be called from a task. */
 HOST_EXPORT void HostTaskWaitForAll(void);
@@ -170,7 +171,7 @@ HOST_EXPORT bool HostFileExists(const char* path);
 HOST_EXPORT bool HostFileIsDirectory(const char* path);
 
 /** Joins two path parts with exactly one slash into `buffer`; an absolute `name` still follows
- *  `folder`. False, with an empty buffer, when the result with its end mark does not fit. */
+ *  `folder`. An empty `folder` adds nothing, so that a relative name stays one. False, with an empty buffer, when the result with its end mark does not fit. */
 HOST_EXPORT bool HostPathConcatenate(const char* folder, const char* name, char* buffer,
                                      size_t capacity);
 /** The file of the running program. False when it cannot be told or does not fit. */
