@@ -2,6 +2,8 @@
 
 #include "CFRuntime.h"
 
+#include <CoreFoundation/CFConstantString.h>
+
 #include "CFAllocatorInternal.h"
 #include "CFRuntimeInternal.h"
 
@@ -23,7 +25,9 @@ constexpr CFTypeID kMaximumTypes = 4096;
 // Slot 0 stays empty: it is the identifier of untyped objects. Readers need no lock, because a slot
 // is written once, before its identifier is known to anybody.
 constinit std::array<ClassSlot, kMaximumTypes> classes = {
-    nullptr, &cf::kAllocatorClass, &cf::kNullClass, &cf::kBooleanClass, &cf::kNumberClass};
+    nullptr, &cf::kAllocatorClass, &cf::kNullClass, &cf::kBooleanClass, &cf::kNumberClass, nullptr,
+    nullptr, &_CFStringClass};
+static_assert(cf::kTypeString == 7);
 constinit std::atomic<CFTypeID> nextType = cf::kFirstRegisteredType;
 
 // The allocator's reference stands in front of the instance, which keeps malloc's alignment.
