@@ -62,7 +62,8 @@ SkRect ownEdges(CGRect rect, CFArrayRef paths, XGClippingRef outer) {
 
 } // namespace
 
-void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer, bool antialias) {
+void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer,
+                   Antialias antialias) {
     surface.resetClip();
     if (!clipping)
         return;

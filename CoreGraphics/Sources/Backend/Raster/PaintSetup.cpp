@@ -28,11 +28,12 @@ SkColor toARGB(CGColorRef color) {
     return SkColorSetARGB(toByte(alpha), toByte(red), toByte(green), toByte(blue));
 }
 
-bool antialiases(XGGStateRef state, uint32_t flags) {
-    return (flags & kXGContextAllowsAntialiasing) && XGGStateShouldAntialias(state);
-}
-
 } // namespace
+
+Antialias antialiasing(XGGStateRef state, uint32_t flags) {
+    const bool isOn = (flags & kXGContextAllowsAntialiasing) && XGGStateShouldAntialias(state);
+    return isOn ? Antialias::Yes : Antialias::No;
+}
 
 SkColor CachedColor::convert(CGColorRef color) {
     if (!color)
@@ -47,7 +48,7 @@ SkColor CachedColor::convert(CGColorRef color) {
 void PaintSetup::setUp(XGGStateRef state, uint32_t flags, SkColor color) {
     if (!(flags & kXGContextPaintPrepared))
         paint_.reset();
-    paint_.setAntiAlias(antialiases(state, flags));
+    paint_.setAntiAlias(antialiasing(state, flags) == Antialias::Yes);
     paint_.setBlendMode(toSkia(XGGStateGetBlendMode(state)));
     const U8CPU opacity = flags & kXGContextIgnoresColorAlpha ? 0xFF : SkColorGetA(color);
     const auto alpha = std::lround(XGGStateGetAlpha(state) * static_cast<CGFloat>(opacity));

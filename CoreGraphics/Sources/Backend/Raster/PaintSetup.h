@@ -5,11 +5,15 @@
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CGColor.h>
 
+#include "Backend/Raster/Surface.h"
 #include "include/core/SkPaint.h"
 
 #include <cstdint>
 
 namespace cg {
+
+// Edges are smooth when the context allows it and the state asks for it.
+Antialias antialiasing(XGGStateRef state, uint32_t flags);
 
 // A colour and what it is as 32-bit ARGB, so that a run of draws in one colour converts it once.
 class CachedColor {

@@ -40,10 +40,8 @@ RasterBackend::RasterBackend(const SkPixmap& pixels) : base_(pixels, pixels.heig
 Surface& RasterBackend::surfaceUnderClip(XGGStateRef state, uint32_t flags) {
     Surface& target = surface();
     if (clipIsStale_ || XGGStateShouldRasterizeClipRegion(state)) {
-        const bool antialias =
-            (flags & kXGContextAllowsAntialiasing) && XGGStateShouldAntialias(state);
         applyClipping(target, XGGStateGetClipping(state),
-                      layer_ ? layer_->outerClipping() : nullptr, antialias);
+                      layer_ ? layer_->outerClipping() : nullptr, antialiasing(state, flags));
         XGGStateSetShouldRasterizeClipRegion(state, false);
         clipIsStale_ = false;
     }

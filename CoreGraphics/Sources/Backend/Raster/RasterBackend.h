@@ -28,8 +28,8 @@ private:
 
     Surface base_;
     std::unique_ptr<TransparencyLayer> layer_; // The innermost open layer.
-    int unmadeLayers_ = 0;     // Layers begun, innermost, for which there was no memory.
-    bool clipIsStale_ = true;  // The surface's clip is not the state's, whatever the state says.
+    int unmadeLayers_ = 0;    // Layers begun, innermost, for which there was no memory.
+    bool clipIsStale_ = true; // The surface's clip is not the state's, whatever the state says.
     PaintSetup paints_;
     SkPath scratchPath_;
 };

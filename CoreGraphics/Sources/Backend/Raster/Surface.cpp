@@ -55,21 +55,20 @@ void Surface::clipOut() {
 }
 
 // Antialiased clips are kept as runs whose coordinates have the scan converter's range.
-bool Surface::clipsWithAntialiasing(bool wanted) const {
-    return wanted && !SkScan::PathRequiresTiling(bounds());
+bool Surface::clipsSmoothly(Antialias wanted) const {
+    return wanted == Antialias::Yes && !SkScan::PathRequiresTiling(bounds());
 }
 
-void Surface::clipRect(const SkRect& deviceRect, bool antialias) {
-    clip_.op(deviceRect, deviceToPixels_, SkClipOp::kIntersect, clipsWithAntialiasing(antialias));
+void Surface::clipRect(const SkRect& deviceRect, Antialias antialias) {
+    clip_.op(deviceRect, deviceToPixels_, SkClipOp::kIntersect, clipsSmoothly(antialias));
 }
 
-void Surface::clipPath(const SkPath& devicePath, bool antialias) {
+void Surface::clipPath(const SkPath& devicePath, Antialias antialias) {
     SkRect rect;
     if (devicePath.isRect(&rect))
         clipRect(rect, antialias);
     else
-        clip_.op(devicePath, deviceToPixels_, SkClipOp::kIntersect,
-                 clipsWithAntialiasing(antialias));
+        clip_.op(devicePath, deviceToPixels_, SkClipOp::kIntersect, clipsSmoothly(antialias));
 }
 
 // ---- Marks

@@ -9,6 +9,8 @@
 
 namespace cg {
 
+enum class Antialias { No, Yes };
+
 // Draws with Skia's rasteriser directly. A canvas in front of it would cost more than the pixels of
 // a small shape, and five kilobytes; what it adds, a stack of transforms and clips, the graphics
 // state has already. The pixels that result are a canvas's, to the bit.
@@ -34,8 +36,8 @@ public:
 
     void resetClip();
     void clipOut();
-    void clipRect(const SkRect& deviceRect, bool antialias);
-    void clipPath(const SkPath& devicePath, bool antialias);
+    void clipRect(const SkRect& deviceRect, Antialias antialias);
+    void clipPath(const SkPath& devicePath, Antialias antialias);
 
     // `devicePath` under the paint's style; `offset` moves its marks, in pixels.
     void drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset = {0, 0});
@@ -49,7 +51,7 @@ private:
     template <typename Draw>
     void drawInTiles(const SkMatrix& matrix, Draw&& draw);
     bool fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint);
-    bool clipsWithAntialiasing(bool wanted) const;
+    bool clipsSmoothly(Antialias wanted) const;
 
     SkPixmap pixels_;
     SkIPoint origin_;
