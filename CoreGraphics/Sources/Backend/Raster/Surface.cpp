@@ -4,9 +4,9 @@
 
 #include "include/core/SkBitmap.h"
 #include "src/core/SkDraw.h"
+#include "src/core/SkMemset.h"
 #include "src/core/SkScan.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace cg {
@@ -131,11 +131,10 @@ bool Surface::fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint) {
         !isWhole(pixelRect))
         return false;
     SkIRect area = pixelRect.roundOut();
-    if (area.intersect(clip_.getBounds())) {
-        const SkPMColor color = SkPreMultiplyColor(paint.getColor());
-        for (int y = area.top(); y < area.bottom(); ++y)
-            std::fill_n(pixels_.writable_addr32(area.left(), y), area.width(), color);
-    }
+    if (area.intersect(clip_.getBounds()))
+        SkOpts::rect_memset32(pixels_.writable_addr32(area.left(), area.top()),
+                              SkPreMultiplyColor(paint.getColor()), area.width(),
+                              pixels_.rowBytes(), area.height());
     return true;
 }
 

@@ -15,9 +15,9 @@ std::unique_ptr<TransparencyLayer> TransparencyLayer::create(const Surface& pare
     const SkIRect area = parent.clip().getBounds();
     const SkImageInfo info = SkImageInfo::MakeN32Premul(area.width(), area.height());
     if (!area.isEmpty()) {
-        if (!layer->bitmap_.tryAllocPixels(info))
+        // Zeroed by the allocator, which has fresh pages for nothing.
+        if (!layer->bitmap_.tryAllocPixelsFlags(info, SkBitmap::kZeroPixels_AllocFlag))
             return nullptr;
-        layer->bitmap_.eraseColor(SK_ColorTRANSPARENT);
     }
     layer->surface_.emplace(layer->bitmap_.pixmap(), deviceHeight,
                             parent.origin() + area.topLeft());
