@@ -307,4 +307,3 @@ BENCHMARK(transparencyLayerBare)->Arg(32)->Arg(256);
 
 } // namespace
 
-BENCHMARK_MAIN();

@@ -515,8 +515,8 @@ TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
     // Many short scenes, so that a clip or transform gone bad does not end the drawing.
     int drawn = 0;
     for (int scene = 0; scene < 500; ++scene) {
-        const auto context = cf::adopt(CGBitmapContextCreate(
-            memory.data() + kGuard, 32, kRows, 8, kRow, space.get(), test::kBGRA));
+        const auto context = cf::adopt(CGBitmapContextCreate(memory.data() + kGuard, 32, kRows, 8,
+                                                             kRow, space.get(), test::kBGRA));
         c = context.get();
         for (int step = 0; step < 60; ++step)
             calls[random() % std::size(calls)]();

@@ -4,15 +4,16 @@
 #include "XGContext.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
-#include <Host/Host.h>
 
 #include "Support/Bitmaps.h"
-#include "Support/FailingAllocator.h"
+#include "Support/CollectedLog.h"
 #include "Support/Picture.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <string>
 #include <thread>
@@ -43,21 +44,12 @@ cf::Ref<CGColorSpaceRef> makeSpace(Space space) {
     return nullptr;
 }
 
-// Collects what is logged while it lives.
-class LogCapture {
-public:
-    LogCapture() { HostLogSetSink(collect, this); }
-    ~LogCapture() { HostLogSetSink(nullptr, nullptr); }
-    const std::string& text() const { return text_; }
-
-private:
-    static void collect(HostLogLevel, const char*, const char* function, const char* text,
-                        void* context) {
-        static_cast<LogCapture*>(context)->text_ += std::string(function) + ": " + text + '\n';
-    }
-
-    std::string text_;
-};
+std::string joined(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines)
+        text += line + '\n';
+    return text;
+}
 
 constexpr std::size_t kHuge = std::numeric_limits<std::size_t>::max();
 
@@ -95,15 +87,15 @@ TEST(BitmapContext, RefusesWhatItCannotDrawIntoAndSaysWhy) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
-        const LogCapture log;
+        const CollectedLog log;
         const auto context =
             cf::adopt(CGBitmapContextCreate(nullptr, row.width, row.height, row.bitsPerComponent,
                                             row.bytesPerRow, makeSpace(row.space).get(), row.info));
         EXPECT_FALSE(context);
         if (row.logged)
-            EXPECT_NE(log.text().find(row.logged), std::string::npos) << log.text();
+            EXPECT_THAT(joined(log.lines()), testing::HasSubstr(row.logged));
         else
-            EXPECT_EQ(log.text(), "");
+            EXPECT_THAT(log.lines(), testing::IsEmpty());
     }
 }
 
