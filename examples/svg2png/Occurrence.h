@@ -1,0 +1,68 @@
+// Occurrence.h: the elements of a document in the places where they are drawn.
+#pragma once
+
+#include "Geometry.h"
+#include "Report.h"
+#include "Style.h"
+
+#include <optional>
+#include <vector>
+
+namespace svg {
+
+// What the stages of drawing share.
+struct Scene {
+    const Document& document;
+    Report& report;
+    // How many more occurrences may be visited: a few nested uses can ask for billions.
+    std::size_t budget = 500'000;
+};
+
+// One element where it is drawn. Through use the same element may occur several times, with
+// another style each time.
+struct Occurrence {
+    Element element;
+    Style style;
+    Viewport viewport;                  // What percentages in its attributes refer to.
+    const Occurrence* parent = nullptr; // The one that this is drawn for.
+    std::size_t depth = 0;
+
+    // An attribute that is a length, in user units; `fallback` when it is missing or unreadable.
+    double length(const char* attribute, Axis axis, double fallback = 0) const;
+};
+
+// An element drawn inside `parent`.
+Occurrence occurIn(const Scene& scene, const Occurrence& parent, Element element,
+                   const Viewport& viewport);
+
+// An element that is not drawn where it stands (a clipPath, a gradient): its style comes from where
+// it stands, whoever refers to it.
+Occurrence occurInPlace(const Scene& scene, Element element);
+
+// What is drawn inside an element.
+struct Interior {
+    std::vector<Occurrence> children;
+    CGAffineTransform transform = CGAffineTransformIdentity; // From the children's space outwards.
+    std::optional<CGRect> clip;                              // In the element's own space.
+};
+
+// Whether an element draws nothing but other elements.
+bool isContainer(const Occurrence& occurrence);
+// The children keep a pointer to `occurrence`, which must outlive them.
+Interior interiorOf(Scene& scene, const Occurrence& occurrence);
+
+// The element's transform attribute; the identity when there is none that can be read.
+CGAffineTransform transformOf(Element element);
+
+// The box around the fill of all that is drawn in an element, in its own user space; what strokes
+// and effects add does not count. The null rectangle around nothing.
+CGRect boundsOf(Scene& scene, const Occurrence& occurrence);
+
+// The size that a document gives itself, in pixels.
+struct Size {
+    double width = 0;
+    double height = 0;
+};
+Size sizeOf(const Document& document);
+
+} // namespace svg

@@ -1,0 +1,108 @@
+// Paint.cpp: fills and strokes one outline.
+
+#include "Paint.h"
+
+#include "PaintServer.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace svg {
+
+namespace {
+
+constexpr CGLineCap kLineCaps[] = {kCGLineCapButt, kCGLineCapRound, kCGLineCapSquare};
+constexpr CGLineJoin kLineJoins[] = {kCGLineJoinMiter, kCGLineJoinRound, kCGLineJoinBevel};
+
+// The colour to paint with, or nothing.
+std::optional<Color> colorOf(Scene& scene, const Style& style, const Paint& paint, double opacity) {
+    std::optional<Color> color;
+    if (paint.kind == Paint::Kind::Color)
+        color = style.resolve(paint.color);
+    else if (paint.kind == Paint::Kind::Server)
+        color = colorOfServer(scene, style, paint);
+    if (color)
+        color->alpha *= opacity;
+    return color && color->alpha > 0 ? color : std::nullopt;
+}
+
+void fill(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
+          double opacity) {
+    const Style& style = shape.style;
+    const auto color = colorOf(scene, style, style.fill, style.fillOpacity * opacity);
+    if (!color)
+        return;
+    CGContextSetRGBFillColor(context, CGFloat(color->red), CGFloat(color->green),
+                             CGFloat(color->blue), CGFloat(color->alpha));
+    CGContextAddPath(context, path);
+    if (style.fillRule == FillRule::EvenOdd)
+        CGContextEOFillPath(context);
+    else
+        CGContextFillPath(context);
+}
+
+// Lengths in user units; an odd number of them is repeated once. None for a solid line.
+std::vector<CGFloat> dashesOf(const Occurrence& shape) {
+    std::vector<CGFloat> lengths;
+    double sum = 0;
+    for (const Length& dash : shape.style.dashes) {
+        const double length = dash.resolve(Axis::Diagonal, shape.viewport, shape.style.emSize());
+        lengths.push_back(toCoordinate(length));
+        sum += length;
+    }
+    if (!(sum > 0))
+        return {};
+    if (lengths.size() % 2 == 1) {
+        const std::vector<CGFloat> once = lengths;
+        lengths.insert(lengths.end(), once.begin(), once.end());
+    }
+    return lengths;
+}
+
+void setLine(CGContextRef context, const Occurrence& shape, double width) {
+    const Style& style = shape.style;
+    CGContextSetLineWidth(context, toCoordinate(width));
+    CGContextSetLineCap(context, kLineCaps[std::size_t(style.lineCap)]);
+    CGContextSetLineJoin(context, kLineJoins[std::size_t(style.lineJoin)]);
+    CGContextSetMiterLimit(context, toCoordinate(style.miterLimit));
+    const std::vector<CGFloat> dashes = dashesOf(shape);
+    const double phase = style.dashOffset.resolve(Axis::Diagonal, shape.viewport, style.emSize());
+    CGContextSetLineDash(context, toCoordinate(phase), dashes.data(), dashes.size());
+}
+
+void stroke(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
+            double opacity) {
+    const Style& style = shape.style;
+    const auto color = colorOf(scene, style, style.stroke, style.strokeOpacity * opacity);
+    const double width = style.strokeWidth.resolve(Axis::Diagonal, shape.viewport, style.emSize());
+    if (!color || !(width > 0))
+        return;
+    CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
+                               CGFloat(color->blue), CGFloat(color->alpha));
+    setLine(context, shape, width);
+    CGContextAddPath(context, path);
+    // A path is mapped when it is added, the pen when the stroke is drawn: with the identity in
+    // between the pen keeps its width in pixels.
+    const SavedState saved(context);
+    if (style.hasFixedStrokeWidth)
+        CGContextConcatCTM(context, CGAffineTransformInvert(CGContextGetCTM(context)));
+    CGContextStrokePath(context);
+}
+
+} // namespace
+
+void paintShape(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
+                double opacity) {
+    if (shape.style.paintOrder == PaintOrder::StrokeFirst)
+        stroke(scene, context, shape, path, opacity);
+    fill(scene, context, shape, path, opacity);
+    if (shape.style.paintOrder == PaintOrder::FillFirst)
+        stroke(scene, context, shape, path, opacity);
+}
+
+bool paintsOnce(const Style& style) {
+    return style.fill.kind == Paint::Kind::None || style.stroke.kind == Paint::Kind::None ||
+           style.strokeWidth.value == 0;
+}
+
+} // namespace svg

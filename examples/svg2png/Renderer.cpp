@@ -1,0 +1,129 @@
+// Renderer.cpp: walks a document and draws it.
+
+#include "Renderer.h"
+
+#include "Paint.h"
+#include "Shapes.h"
+
+#include <algorithm>
+#include <array>
+
+namespace svg {
+
+namespace {
+
+struct BlendRow {
+    std::string_view name;
+    CGBlendMode mode;
+};
+
+constexpr BlendRow kBlendModes[] = {
+    {"multiply", kCGBlendModeMultiply},     {"screen", kCGBlendModeScreen},
+    {"overlay", kCGBlendModeOverlay},       {"darken", kCGBlendModeDarken},
+    {"lighten", kCGBlendModeLighten},       {"color-dodge", kCGBlendModeColorDodge},
+    {"color-burn", kCGBlendModeColorBurn},  {"hard-light", kCGBlendModeHardLight},
+    {"soft-light", kCGBlendModeSoftLight},  {"difference", kCGBlendModeDifference},
+    {"exclusion", kCGBlendModeExclusion},   {"hue", kCGBlendModeHue},
+    {"saturation", kCGBlendModeSaturation}, {"color", kCGBlendModeColor},
+    {"luminosity", kCGBlendModeLuminosity}, {"plus-lighter", kCGBlendModePlusLighter},
+};
+
+CGBlendMode blendModeNamed(std::string_view name) {
+    for (const BlendRow& row : kBlendModes)
+        if (row.name == name)
+            return row.mode;
+    return kCGBlendModeNormal;
+}
+
+// Elements that would leave marks if we could draw them; the others hold definitions and notes.
+bool leavesMarks(Element element) {
+    constexpr std::array names = {"text", "image", "foreignObject"};
+    return std::ranges::any_of(names, [&](auto name) { return element.is(name); });
+}
+
+} // namespace
+
+void Renderer::draw(const Occurrence& occurrence) {
+    const Style& style = occurrence.style;
+    if (!style.isDisplayed || style.opacity == 0)
+        return;
+    const Path path = shapePath(occurrence);
+    if (!path && !isContainer(occurrence)) {
+        if (leavesMarks(occurrence.element))
+            scene_.report.cannotDraw(occurrence.element.name());
+        return;
+    }
+    if (path && !style.isVisible)
+        return;
+    reportEffects(occurrence);
+    const SavedState saved(context_);
+    CGContextConcatCTM(context_, transformOf(occurrence.element));
+    drawGroup(occurrence, path.get());
+}
+
+// What has an opacity, a blend mode or a life of its own is drawn apart and composited as a whole.
+// A layer costs a copy of the picture, which a lone colour can do without.
+void Renderer::drawGroup(const Occurrence& occurrence, CGPathRef path) {
+    const Style& style = occurrence.style;
+    const bool blends = !style.blendMode.empty();
+    const bool folds = path && paintsOnce(style) && !blends;
+    const auto content = [&] {
+        clipPaths_.limit(occurrence,
+                         [&] { drawContent(occurrence, path, folds ? style.opacity : 1); });
+    };
+    if (folds || (style.opacity == 1 && !blends && !style.isIsolated))
+        return content();
+    CGContextSetAlpha(context_, CGFloat(style.opacity));
+    CGContextSetBlendMode(context_, blendModeNamed(style.blendMode));
+    const TransparencyLayer layer(context_);
+    content();
+}
+
+void Renderer::drawContent(const Occurrence& occurrence, CGPathRef path, double opacity) {
+    if (path)
+        paintShape(scene_, context_, occurrence, path, opacity);
+    else
+        drawInterior(occurrence);
+}
+
+void Renderer::drawInterior(const Occurrence& occurrence) {
+    const SavedState saved(context_);
+    const Interior interior = interiorOf(scene_, occurrence);
+    if (interior.clip)
+        CGContextClipToRect(context_, *interior.clip);
+    CGContextConcatCTM(context_, interior.transform);
+    for (const Occurrence& child : interior.children)
+        draw(child);
+}
+
+void Renderer::reportEffects(const Occurrence& occurrence) {
+    const Style& style = occurrence.style;
+    if (scene_.document.find(style.maskId).is("mask"))
+        scene_.report.cannotDraw("mask", "what it would hide is shown");
+    if (scene_.document.find(style.filterId).is("filter"))
+        scene_.report.cannotDraw("filter", "what it would change is drawn unchanged");
+    if (style.hasMarkers && !isContainer(occurrence))
+        scene_.report.cannotDraw("marker");
+}
+
+Context render(const Document& document, std::size_t width, std::size_t height, Report& report) {
+    const ColorSpace rgb(CGColorSpaceCreateDeviceRGB());
+    constexpr std::size_t bitsPerComponent = 8, bytesPerPixel = 4;
+    Context context(CGBitmapContextCreate(
+        nullptr, width, height, bitsPerComponent, width * bytesPerPixel, rgb.get(),
+        CGBitmapInfo(kCGImageAlphaPremultipliedFirst) | kCGBitmapByteOrder32Little));
+    if (!context)
+        return nullptr;
+    // User space starts at the bottom with y up; an SVG picture starts at the top with y down.
+    CGContextTranslateCTM(context.get(), 0, CGFloat(height));
+    CGContextScaleCTM(context.get(), 1, -1);
+
+    Scene scene = {document, report};
+    Occurrence root = occurInPlace(scene, document.root());
+    root.viewport = {double(width), double(height)};
+    Renderer(scene, context.get()).draw(root);
+    CGContextFlush(context.get());
+    return context;
+}
+
+} // namespace svg

@@ -1,0 +1,295 @@
+// Style.cpp: the properties that decide how an element is painted, worked out for one element.
+
+#include "Style.h"
+
+#include "Scanner.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace svg {
+
+namespace {
+
+template <typename T, std::size_t N>
+using Keywords = std::array<std::pair<std::string_view, T>, N>;
+
+template <typename T, std::size_t N>
+std::optional<T> findKeyword(const Keywords<T, N>& keywords, std::string_view text) {
+    for (const auto& [name, value] : keywords)
+        if (equalsIgnoringCase(name, text))
+            return value;
+    return std::nullopt;
+}
+
+std::optional<FillRule> parseFillRule(std::string_view text) {
+    constexpr Keywords<FillRule, 2> keywords = {
+        {{"nonzero", FillRule::NonZero}, {"evenodd", FillRule::EvenOdd}}};
+    return findKeyword(keywords, text);
+}
+
+std::optional<LineCap> parseLineCap(std::string_view text) {
+    constexpr Keywords<LineCap, 3> keywords = {
+        {{"butt", LineCap::Butt}, {"round", LineCap::Round}, {"square", LineCap::Square}}};
+    return findKeyword(keywords, text);
+}
+
+std::optional<LineJoin> parseLineJoin(std::string_view text) {
+    constexpr Keywords<LineJoin, 5> keywords = {{{"miter", LineJoin::Miter},
+                                                 {"miter-clip", LineJoin::Miter},
+                                                 {"arcs", LineJoin::Miter},
+                                                 {"round", LineJoin::Round},
+                                                 {"bevel", LineJoin::Bevel}}};
+    return findKeyword(keywords, text);
+}
+
+std::optional<double> parseNumber(std::string_view text) {
+    Scanner scanner(text);
+    const auto value = scanner.number();
+    return scanner.atEnd() ? value : std::nullopt;
+}
+
+std::optional<double> parseOpacity(std::string_view text) {
+    const auto length = parseLength(text);
+    if (!length || (length->unit != Unit::None && length->unit != Unit::Percent))
+        return std::nullopt;
+    return std::clamp(length->unit == Unit::Percent ? length->value / 100 : length->value, 0.0,
+                      1.0);
+}
+
+std::optional<double> parseMiterLimit(std::string_view text) {
+    const auto value = parseNumber(text);
+    return value && *value >= 1 ? value : std::nullopt;
+}
+
+std::optional<Length> parseStrokeWidth(std::string_view text) {
+    const auto length = parseLength(text);
+    return length && length->value >= 0 ? length : std::nullopt;
+}
+
+std::optional<std::vector<Length>> parseDashes(std::string_view text) {
+    std::vector<Length> dashes;
+    if (text == "none")
+        return dashes;
+    Scanner scanner(text);
+    while (!scanner.atEnd()) {
+        const auto length = scanLength(scanner);
+        if (!length || length->value < 0)
+            return std::nullopt;
+        dashes.push_back(*length);
+        scanner.skipSeparator();
+    }
+    return dashes;
+}
+
+std::optional<ColorValue> parseColorValue(std::string_view text) {
+    if (equalsIgnoringCase(text, "currentColor"))
+        return ColorValue{.isCurrentColor = true};
+    const auto color = parseColor(text);
+    return color ? std::optional(ColorValue{false, *color}) : std::nullopt;
+}
+
+// "url(#id)", quoted or not, gives "id"; what follows it stays in the scanner.
+std::optional<std::string> scanReference(Scanner& scanner) {
+    if (!scanner.rest().starts_with("url("))
+        return std::nullopt;
+    scanner.until('(');
+    const auto inside = scanner.until(')');
+    if (!inside)
+        return std::nullopt;
+    std::string_view link = trimmed(*inside);
+    if (link.size() >= 2 && (link.front() == '"' || link.front() == '\'') &&
+        link.back() == link.front())
+        link = trimmed(link.substr(1, link.size() - 2));
+    // Links into other documents lead nowhere.
+    return link.starts_with('#') ? std::string(link.substr(1)) : std::string();
+}
+
+// "none" gives the empty string.
+std::optional<std::string> parseReference(std::string_view text) {
+    if (text == "none")
+        return std::string();
+    Scanner scanner(text);
+    return scanReference(scanner);
+}
+
+std::optional<Paint> parsePaint(std::string_view text) {
+    if (text == "none")
+        return Paint{};
+    Scanner scanner(text);
+    const auto serverId = scanReference(scanner);
+    scanner.skipSpace();
+    if (!serverId) {
+        const auto color = parseColorValue(text);
+        return color ? std::optional(Paint{Paint::Kind::Color, *color, false, {}}) : std::nullopt;
+    }
+    Paint paint = {Paint::Kind::Server, {}, false, *serverId};
+    if (scanner.rest() == "none") {
+        paint.hasFallback = true;
+        paint.color.color.alpha = 0;
+    } else if (const auto color = parseColorValue(scanner.rest())) {
+        paint.hasFallback = true;
+        paint.color = *color;
+    }
+    return paint;
+}
+
+std::optional<PaintOrder> parsePaintOrder(std::string_view text) {
+    const auto fill = text.find("fill"), stroke = text.find("stroke");
+    // What is not named comes after what is.
+    return stroke < fill ? PaintOrder::StrokeFirst : PaintOrder::FillFirst;
+}
+
+std::optional<Length> parseFontSize(std::string_view text) {
+    constexpr Keywords<Length, 9> keywords = {{{"xx-small", {9, Unit::Pixel}},
+                                               {"x-small", {10, Unit::Pixel}},
+                                               {"small", {13, Unit::Pixel}},
+                                               {"medium", {16, Unit::Pixel}},
+                                               {"large", {18, Unit::Pixel}},
+                                               {"x-large", {24, Unit::Pixel}},
+                                               {"xx-large", {32, Unit::Pixel}},
+                                               {"smaller", {1 / 1.2, Unit::Em}},
+                                               {"larger", {1.2, Unit::Em}}}};
+    const auto keyword = findKeyword(keywords, text);
+    return keyword ? keyword : parseLength(text);
+}
+
+std::optional<bool> parseVisibility(std::string_view text) {
+    return text == "visible";
+}
+std::optional<bool> parseDisplay(std::string_view text) {
+    return text != "none";
+}
+std::optional<bool> parseOverflow(std::string_view text) {
+    return text != "visible" && text != "auto";
+}
+std::optional<bool> parseIsolation(std::string_view text) {
+    return text == "isolate";
+}
+std::optional<bool> parseVectorEffect(std::string_view text) {
+    return text == "non-scaling-stroke";
+}
+std::optional<bool> parseMarker(std::string_view text) {
+    return text != "none";
+}
+std::optional<std::string> parseBlendMode(std::string_view text) {
+    return text == "normal" ? std::string() : std::string(text);
+}
+
+// How one property finds its way into a style.
+struct Property {
+    std::string_view name;
+    void (*apply)(Style& style, std::string_view value); // A value with a mistake changes nothing.
+    void (*inherit)(Style& style, const Style& parent);
+    void (*reset)(Style& style);
+};
+
+template <auto Member, auto Parse>
+constexpr Property property(std::string_view name) {
+    return {name,
+            [](Style& style, std::string_view value) {
+                if (auto parsed = Parse(value))
+                    style.*Member = std::move(*parsed);
+            },
+            [](Style& style, const Style& parent) { style.*Member = parent.*Member; },
+            [](Style& style) { style.*Member = Style().*Member; }};
+}
+
+constexpr std::array kProperties = {
+    property<&Style::clipPathId, parseReference>("clip-path"),
+    property<&Style::clipRule, parseFillRule>("clip-rule"),
+    property<&Style::color, parseColor>("color"),
+    property<&Style::isDisplayed, parseDisplay>("display"),
+    property<&Style::fill, parsePaint>("fill"),
+    property<&Style::fillOpacity, parseOpacity>("fill-opacity"),
+    property<&Style::fillRule, parseFillRule>("fill-rule"),
+    property<&Style::filterId, parseReference>("filter"),
+    property<&Style::fontSize, parseFontSize>("font-size"),
+    property<&Style::isIsolated, parseIsolation>("isolation"),
+    property<&Style::hasMarkers, parseMarker>("marker"),
+    property<&Style::hasMarkers, parseMarker>("marker-end"),
+    property<&Style::hasMarkers, parseMarker>("marker-mid"),
+    property<&Style::hasMarkers, parseMarker>("marker-start"),
+    property<&Style::maskId, parseReference>("mask"),
+    property<&Style::blendMode, parseBlendMode>("mix-blend-mode"),
+    property<&Style::opacity, parseOpacity>("opacity"),
+    property<&Style::clipsOverflow, parseOverflow>("overflow"),
+    property<&Style::paintOrder, parsePaintOrder>("paint-order"),
+    property<&Style::stopColor, parseColorValue>("stop-color"),
+    property<&Style::stopOpacity, parseOpacity>("stop-opacity"),
+    property<&Style::stroke, parsePaint>("stroke"),
+    property<&Style::dashes, parseDashes>("stroke-dasharray"),
+    property<&Style::dashOffset, parseLength>("stroke-dashoffset"),
+    property<&Style::lineCap, parseLineCap>("stroke-linecap"),
+    property<&Style::lineJoin, parseLineJoin>("stroke-linejoin"),
+    property<&Style::miterLimit, parseMiterLimit>("stroke-miterlimit"),
+    property<&Style::strokeOpacity, parseOpacity>("stroke-opacity"),
+    property<&Style::strokeWidth, parseStrokeWidth>("stroke-width"),
+    property<&Style::hasFixedStrokeWidth, parseVectorEffect>("vector-effect"),
+    property<&Style::isVisible, parseVisibility>("visibility"),
+};
+static_assert(std::ranges::is_sorted(kProperties, {}, &Property::name));
+
+void apply(Style& style, const Style& parent, std::string_view name, std::string_view value) {
+    const auto found = std::ranges::lower_bound(kProperties, name, {}, &Property::name);
+    if (found == kProperties.end() || found->name != name)
+        return;
+    value = trimmed(value);
+    if (value == "inherit")
+        found->inherit(style, parent);
+    else if (value == "initial")
+        found->reset(style);
+    else if (!(name == "color" && equalsIgnoringCase(value, "currentColor")))
+        found->apply(style, value);
+    else
+        found->inherit(style, parent);
+}
+
+void applyAttributes(Style& style, const Style& parent, Element element) {
+    for (const xmlAttr* attribute = element.node()->properties; attribute;
+         attribute = attribute->next) {
+        const auto* name = reinterpret_cast<const char*>(attribute->name);
+        if (attribute->ns)
+            continue;
+        if (const auto value = element.attribute(name))
+            apply(style, parent, name, *value);
+    }
+}
+
+// Children inherit what lengths came to, not how they were written.
+void resolveFontLengths(Style& style, double parentFontSize) {
+    const auto resolve = [](Length& length, double fontSize) {
+        if (length.unit == Unit::Em || length.unit == Unit::Ex)
+            length = {length.resolve(Axis::X, {}, fontSize), Unit::Pixel};
+    };
+    const Viewport percentBase = {parentFontSize, parentFontSize};
+    style.fontSize = {style.fontSize.resolve(Axis::X, percentBase, parentFontSize), Unit::Pixel};
+    resolve(style.strokeWidth, style.emSize());
+    resolve(style.dashOffset, style.emSize());
+    for (Length& dash : style.dashes)
+        resolve(dash, style.emSize());
+}
+
+} // namespace
+
+Style computeStyle(const Document& document, Element element, const Style& parent) {
+    Style style;
+    static_cast<InheritedStyle&>(style) = parent;
+
+    const auto sheets = document.styleSheet().declarationsFor(element);
+    const auto own = parseDeclarations(element.attribute("style").value_or(std::string()));
+    applyAttributes(style, parent, element);
+    for (const bool important : {false, true}) {
+        for (const Declaration* declaration : sheets)
+            if (declaration->isImportant == important)
+                apply(style, parent, declaration->property, declaration->value);
+        for (const Declaration& declaration : own)
+            if (declaration.isImportant == important)
+                apply(style, parent, declaration.property, declaration.value);
+    }
+    resolveFontLengths(style, parent.emSize());
+    return style;
+}
+
+} // namespace svg
