@@ -19,7 +19,7 @@
 #else
 #define HOST_BEGIN_DECLS
 #define HOST_END_DECLS
-#define HOST_NORETURN _Noreturn
+#define HOST_NORETURN __attribute__((noreturn))
 #endif
 
 #define HOST_EXPORT extern __attribute__((visibility("default")))
