@@ -119,6 +119,8 @@ constexpr std::array kRows = {
 };
 // clang-format on
 
+static_assert(kRows.size() < kMaximumEncodings);
+
 } // namespace
 
 std::span<const EncodingRow> encodingRows() {

@@ -25,6 +25,8 @@ struct EncodingRow {
     Shape shape;
 };
 
+// More than there are rows.
+inline constexpr size_t kMaximumEncodings = 128;
 // All that can be converted, the first of several rows with one converter being the usual one.
 std::span<const EncodingRow> encodingRows();
 // The row of `encoding`, or nullptr.

@@ -126,8 +126,9 @@ CF_EXPORT CFMutableStringRef CFStringCreateMutableWithExternalCharactersNoCopy(
  * h hh l ll q j z t L, and positions as in "%2$d", and besides
  *   %@  an object, by its class's formatting description, else its description; NULL: "(null)"
  *   %C  a UniChar; %S  UTF-16 units that end with 0; %s  bytes that end with 0, in UTF-8
- * Width and precision count UTF-16 units for text. Conversions that are not known are copied. %n is
- * not known. `formatOptions` is handed on to the descriptions. */
+ * For text the width counts UTF-16 units, and the precision what is read: bytes of %s, else units,
+ * so that no more are looked at. Numbers do not depend on the C locale. Conversions that are not
+ * known are copied; %n is not known. `formatOptions` is handed on to the descriptions. */
 
 CF_EXPORT CFStringRef CFStringCreateWithFormat(CFAllocatorRef allocator,
                                                CFDictionaryRef formatOptions, CFStringRef format,
@@ -186,23 +187,18 @@ CF_INLINE Boolean CFStringGetSurrogatePairForLongCharacter(UTF32Char character,
     return TRUE;
 }
 
-#define __kCFStringInlineBufferLength 64
-/** A window for reading many characters in turn. Its fields belong to the functions below. */
+/** A view for reading many characters in turn. Its fields belong to the functions below. */
 typedef struct CFStringInlineBuffer {
-    UniChar buffer[__kCFStringInlineBufferLength];
     CFStringRef theString;
     const UniChar* directUniCharBuffer;
-    const char* directCStringBuffer;
+    const char* directCStringBuffer; /**< Latin-1, where there are no units. */
     CFRange rangeToBuffer;
-    CFIndex bufferedRangeStart;
-    CFIndex bufferedRangeEnd;
 } CFStringInlineBuffer;
 
 /** Prepares `buffer` to read `range` of `string`, which must live and stay unchanged meanwhile. A
  *  range that reaches outside reads as empty. */
 CF_EXPORT void CFStringInitInlineBuffer(CFStringRef string, CFStringInlineBuffer* buffer,
                                         CFRange range);
-CF_EXPORT UniChar _CFStringFillInlineBuffer(CFStringInlineBuffer* buffer, CFIndex index);
 
 /** The unit at `index` of the buffer's range; 0 outside it. */
 CF_INLINE UniChar CFStringGetCharacterFromInlineBuffer(CFStringInlineBuffer* buffer,
@@ -211,11 +207,7 @@ CF_INLINE UniChar CFStringGetCharacterFromInlineBuffer(CFStringInlineBuffer* buf
         return 0;
     if (buffer->directUniCharBuffer)
         return buffer->directUniCharBuffer[index + buffer->rangeToBuffer.location];
-    if (buffer->directCStringBuffer)
-        return (UniChar)(UInt8)buffer->directCStringBuffer[index + buffer->rangeToBuffer.location];
-    if (index >= buffer->bufferedRangeStart && index < buffer->bufferedRangeEnd)
-        return buffer->buffer[index - buffer->bufferedRangeStart];
-    return _CFStringFillInlineBuffer(buffer, index);
+    return (UniChar)(UInt8)buffer->directCStringBuffer[index + buffer->rangeToBuffer.location];
 }
 
 /* ---- Bytes --------------------------------------------------------------------------------- */
