@@ -1,0 +1,48 @@
+// OnceTest.cpp: the once-only guard under many threads.
+
+#include <Host/Host.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+TEST(HostOnce, RunsOnceAndEverybodySeesItsEffects) {
+    for (int round = 0; round < 200; ++round) {
+        HostOnce once = HOST_ONCE_INIT;
+        int value = 0; // Not atomic: the guard must order it.
+        std::atomic<int> wrong = 0;
+        std::vector<std::thread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([&] {
+                HostOnceRun(
+                    &once,
+                    [](void* value) {
+                        std::this_thread::yield();
+                        ++*static_cast<int*>(value);
+                    },
+                    &value);
+                wrong += value == 1 ? 0 : 1;
+            });
+        for (std::thread& thread : threads)
+            thread.join();
+        ASSERT_EQ(wrong, 0);
+        ASSERT_EQ(value, 1);
+    }
+}
+
+TEST(HostOnce, TakesNull) {
+    HostOnce once = HOST_ONCE_INIT;
+    HostOnceRun(&once, nullptr, nullptr);
+    HostOnceRun(
+        nullptr, [](void*) { FAIL(); }, nullptr);
+    int calls = 0;
+    HostOnceRun(
+        &once, [](void* calls) { ++*static_cast<int*>(calls); }, &calls);
+    EXPECT_EQ(calls, 1) << "nothing ran before";
+}
+
+} // namespace
