@@ -3,6 +3,7 @@
 #include "CFAllocator.h"
 
 #include "CFAllocatorInternal.h"
+#include "CFDescription.h"
 #include "CFRuntimeInternal.h"
 
 #include <cstdlib>
@@ -59,6 +60,14 @@ void finalizeAllocator(CFTypeRef object) {
         allocator->context.release(allocator->context.info);
 }
 
+CFStringRef describeAllocator(CFTypeRef object) {
+    const CFAllocatorContext& context = static_cast<CFAllocatorRef>(object)->context;
+    cf::Description text(object);
+    text.append(CFSTR("info = "));
+    text.appendValue(context.info, context.copyDescription);
+    return text.finish();
+}
+
 __CFAllocator* createIn(CFAllocatorRef allocator) {
     constexpr auto extra = static_cast<CFIndex>(sizeof(__CFAllocator) - sizeof(CFRuntimeBase));
     return static_cast<__CFAllocator*>(
@@ -84,6 +93,7 @@ namespace cf {
 const CFRuntimeClass kAllocatorClass = {
     .className = "CFAllocator",
     .finalize = finalizeAllocator,
+    .copyDebugDescription = describeAllocator,
 };
 
 CFAllocatorRef resolveAllocator(CFAllocatorRef allocator) {

@@ -3,6 +3,7 @@
 #include "CFArray.h"
 
 #include "CFArrayInternal.h"
+#include "CFDescription.h"
 
 #include <algorithm>
 
@@ -28,6 +29,19 @@ Boolean equalArrays(CFTypeRef first, CFTypeRef second) {
 
 CFHashCode hashArray(CFTypeRef object) {
     return static_cast<CFHashCode>(arrayOf(object)->values.size());
+}
+
+CFStringRef describeArray(CFTypeRef object) {
+    const CFArrayRef array = arrayOf(object);
+    cf::Description text(array);
+    text.append(CFSTR("type = %s, count = %ld, values = ("), cf::mutabilityName(array),
+                array->values.size());
+    for (CFIndex i = 0; i < array->values.size(); ++i) {
+        text.append(CFSTR("\n\t%ld : "), i);
+        text.appendValue(array->values[i], array->callBacks.copyDescription);
+    }
+    text.append(CFSTR("\n)"));
+    return text.finish();
 }
 
 Array createEmpty(CFAllocatorRef allocator, CFIndex capacity, const CFArrayCallBacks* callBacks) {
@@ -61,6 +75,7 @@ const CFRuntimeClass kArrayClass = {
     .finalize = cf::finalize<__CFArray>,
     .equal = equalArrays,
     .hash = hashArray,
+    .copyDebugDescription = describeArray,
 };
 
 bool hasRange(CFArrayRef array, CFRange range, const char* function) {
@@ -76,7 +91,7 @@ bool hasRange(CFArrayRef array, CFRange range, const char* function) {
 } // namespace cf
 
 const CFArrayCallBacks kCFTypeArrayCallBacks = {0, cf::retainObject, cf::releaseObject,
-                                                nullptr, CFEqual};
+                                                CFCopyDescription, CFEqual};
 
 CFTypeID CFArrayGetTypeID(void) {
     static const CFTypeID type = _CFRuntimeRegisterClass(&cf::kArrayClass);

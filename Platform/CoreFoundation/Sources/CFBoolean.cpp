@@ -1,5 +1,6 @@
 // CFBoolean.cpp: the two truth values.
 
+#include "CFDescription.h"
 #include "CFNumber.h"
 #include "CFRuntimeInternal.h"
 
@@ -13,11 +14,26 @@ CFHashCode hashBoolean(CFTypeRef object) {
     return object == kCFBooleanTrue ? 1 : 0;
 }
 
+CFStringRef copyBooleanText(CFTypeRef object, CFTypeRef) {
+    return object == kCFBooleanTrue ? CFSTR("true") : CFSTR("false");
+}
+
+CFStringRef describeBoolean(CFTypeRef object) {
+    cf::Description text(object);
+    text.append(CFSTR("value = %@"), object);
+    return text.finish();
+}
+
 } // namespace
 
 namespace cf {
 
-const CFRuntimeClass kBooleanClass = {.className = "CFBoolean", .hash = hashBoolean};
+const CFRuntimeClass kBooleanClass = {
+    .className = "CFBoolean",
+    .hash = hashBoolean,
+    .copyFormattingDescription = copyBooleanText,
+    .copyDebugDescription = describeBoolean,
+};
 
 } // namespace cf
 

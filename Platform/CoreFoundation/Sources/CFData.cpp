@@ -3,6 +3,7 @@
 #include "CFData.h"
 
 #include "Buffer.h"
+#include "CFDescription.h"
 #include "Collections.h"
 
 #include <algorithm>
@@ -48,6 +49,24 @@ CFHashCode hashData(CFTypeRef object) {
     return static_cast<CFHashCode>(hash ^ all.size());
 }
 
+// Long data shows its beginning and its end.
+CFStringRef describeData(CFTypeRef object) {
+    constexpr std::size_t kMostShown = 24;
+    constexpr std::size_t kShownOfEnd = 8;
+    const auto all = dataOf(object)->all();
+    const bool whole = all.size() <= kMostShown;
+    cf::Description text(object);
+    text.append(CFSTR("length = %ld, bytes = 0x"), static_cast<long>(all.size()));
+    for (const UInt8 byte : all.first(whole ? all.size() : kMostShown - kShownOfEnd))
+        text.append(CFSTR("%02x"), static_cast<unsigned>(byte));
+    if (!whole) {
+        text.append(CFSTR(" … "));
+        for (const UInt8 byte : all.last(kShownOfEnd))
+            text.append(CFSTR("%02x"), static_cast<unsigned>(byte));
+    }
+    return text.finish();
+}
+
 constexpr CFRuntimeClass kDataClass = {
     .className = "CFData",
     .finalize = cf::finalize<__CFData>,
@@ -55,6 +74,7 @@ constexpr CFRuntimeClass kDataClass = {
         return std::ranges::equal(dataOf(a)->all(), dataOf(b)->all());
     },
     .hash = hashData,
+    .copyDebugDescription = describeData,
 };
 
 bool isData(CFDataRef data) {

@@ -2,9 +2,12 @@
 
 #include "CFDate.h"
 
+#include "CFDescription.h"
 #include "CFRuntimeInternal.h"
 
+#include <array>
 #include <bit>
+#include <cmath>
 #include <ctime>
 
 struct __CFDate {
@@ -20,6 +23,25 @@ CFAbsoluteTime timeOf(CFTypeRef object) {
     return static_cast<CFDateRef>(object)->time;
 }
 
+CFStringRef copyDateText(CFTypeRef object, CFTypeRef) {
+    const double since1970 = timeOf(object) + kCFAbsoluteTimeIntervalSince1970;
+    // The years that the calendar below can tell.
+    if (!(since1970 >= -62135596800.0 && since1970 < 253402300800.0))
+        return CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%g s"), timeOf(object));
+    const auto seconds = static_cast<std::time_t>(std::floor(since1970));
+    std::tm calendar = {};
+    gmtime_r(&seconds, &calendar);
+    std::array<char, 40> text = {};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S +0000", &calendar);
+    return CFStringCreateWithCString(nullptr, text.data(), kCFStringEncodingUTF8);
+}
+
+CFStringRef describeDate(CFTypeRef object) {
+    cf::Description text(object);
+    text.append(CFSTR("time = %@"), object);
+    return text.finish();
+}
+
 constexpr CFRuntimeClass kDateClass = {
     .className = "CFDate",
     .equal = [](CFTypeRef a, CFTypeRef b) -> Boolean { return timeOf(a) == timeOf(b); },
@@ -28,6 +50,8 @@ constexpr CFRuntimeClass kDateClass = {
         [](CFTypeRef object) {
             return static_cast<CFHashCode>(std::bit_cast<uint64_t>(timeOf(object) + 0.0));
         },
+    .copyFormattingDescription = copyDateText,
+    .copyDebugDescription = describeDate,
 };
 
 bool isDate(CFDateRef date) {

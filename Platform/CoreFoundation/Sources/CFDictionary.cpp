@@ -2,6 +2,7 @@
 
 #include "CFDictionary.h"
 
+#include "CFDescription.h"
 #include "Collections.h"
 #include "HashTable.h"
 
@@ -26,6 +27,21 @@ CFDictionaryRef dictionaryOf(CFTypeRef object) {
     return static_cast<CFDictionaryRef>(object);
 }
 
+CFStringRef describeDictionary(CFTypeRef object) {
+    const HashTable& table = dictionaryOf(object)->table;
+    cf::Description text(object);
+    text.append(CFSTR("type = %s dict, count = %ld, entries =>"), cf::mutabilityName(object),
+                table.count());
+    for (auto at = table.firstFrom(0); at != HashTable::kNowhere; at = table.firstFrom(at + 1)) {
+        text.append(CFSTR("\n\t"));
+        text.appendValue(table.keyAt(at), table.keyCallBacks().copyDescription);
+        text.append(CFSTR(" = "));
+        text.appendValue(table.valueAt(at), table.valueCallBacks().copyDescription);
+    }
+    text.append(CFSTR("\n"));
+    return text.finish();
+}
+
 constexpr CFRuntimeClass kDictionaryClass = {
     .className = "CFDictionary",
     .finalize = cf::finalize<__CFDictionary>,
@@ -36,6 +52,7 @@ constexpr CFRuntimeClass kDictionaryClass = {
         [](CFTypeRef object) {
             return static_cast<CFHashCode>(dictionaryOf(object)->table.count());
         },
+    .copyDebugDescription = describeDictionary,
 };
 
 bool isDictionary(CFDictionaryRef dictionary) {
@@ -62,9 +79,11 @@ Dictionary createCopy(CFAllocatorRef allocator, CFDictionaryRef source) {
 } // namespace
 
 const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {
-    0, cf::retainObject, cf::releaseObject, nullptr, CFEqual, CFHash};
+    0, cf::retainObject, cf::releaseObject, CFCopyDescription, CFEqual, CFHash};
+const CFDictionaryKeyCallBacks kCFCopyStringDictionaryKeyCallBacks = {
+    0, cf::copyStringValue, cf::releaseObject, CFCopyDescription, CFEqual, CFHash};
 const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {
-    0, cf::retainObject, cf::releaseObject, nullptr, CFEqual};
+    0, cf::retainObject, cf::releaseObject, CFCopyDescription, CFEqual};
 
 CFTypeID CFDictionaryGetTypeID(void) {
     static const CFTypeID type = _CFRuntimeRegisterClass(&kDictionaryClass);

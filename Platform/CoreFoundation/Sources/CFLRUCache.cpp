@@ -2,6 +2,7 @@
 
 #include "CFLRUCache.h"
 
+#include "CFDescription.h"
 #include "Collections.h"
 #include "HashTable.h"
 
@@ -77,9 +78,18 @@ struct __CFLRUCache {
 
 namespace {
 
+CFStringRef describeCache(CFTypeRef object) {
+    const auto* const cache = static_cast<const __CFLRUCache*>(object);
+    cf::Description text(object);
+    text.append(CFSTR("count = %ld, capacity = %ld, hits = %ld, misses = %ld"),
+                cache->nodes.count(), cache->capacity, cache->hits, cache->misses);
+    return text.finish();
+}
+
 constexpr CFRuntimeClass kCacheClass = {
     .className = "CFLRUCache",
     .finalize = cf::finalize<__CFLRUCache>,
+    .copyDebugDescription = describeCache,
 };
 
 bool isCache(_CFLRUCacheRef cache) {

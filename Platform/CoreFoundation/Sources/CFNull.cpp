@@ -2,6 +2,8 @@
 
 #include "CFNull.h"
 
+#include <CoreFoundation/CFString.h>
+
 #include "CFRuntimeInternal.h"
 
 struct __CFNull {
@@ -10,7 +12,10 @@ struct __CFNull {
 
 namespace cf {
 
-const CFRuntimeClass kNullClass = {.className = "CFNull"};
+const CFRuntimeClass kNullClass = {
+    .className = "CFNull",
+    .copyFormattingDescription = [](CFTypeRef, CFTypeRef) { return CFSTR("<null>"); },
+};
 
 } // namespace cf
 

@@ -2,10 +2,12 @@
 
 #include "CFNumber.h"
 
+#include "CFDescription.h"
 #include "CFRuntimeInternal.h"
 
 #include <array>
 #include <bit>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -88,32 +90,6 @@ Integer saturated(double value) {
     return static_cast<Integer>(value);
 }
 
-template <typename Target>
-bool convertInteger(int64_t value, Target* target) {
-    *target = static_cast<Target>(value);
-    if constexpr (std::is_integral_v<Target>)
-        return *target == value;
-    else
-        return static_cast<double>(*target) < kIntegerEnd && static_cast<int64_t>(*target) == value;
-}
-
-template <typename Target>
-bool convertReal(double value, Target* target) {
-    if constexpr (std::is_integral_v<Target>) {
-        *target = saturated<Target>(value);
-    } else if constexpr (sizeof(Target) < sizeof(double)) {
-        // A conversion out of range would be undefined; infinity is what rounding gives.
-        const bool fits = std::isnan(value) || std::isinf(value) ||
-                          std::fabs(value) <= std::numeric_limits<Target>::max();
-        *target = fits ? static_cast<Target>(value)
-                       : std::copysign(std::numeric_limits<Target>::infinity(),
-                                       static_cast<Target>(value > 0 ? 1 : -1));
-    } else {
-        *target = value;
-    }
-    return static_cast<double>(*target) == value || (std::isnan(value) && *target != *target);
-}
-
 CFComparisonResult compareValues(auto a, auto b) {
     return a < b ? kCFCompareLessThan : a > b ? kCFCompareGreaterThan : kCFCompareEqualTo;
 }
@@ -133,6 +109,33 @@ CFComparisonResult compareIntegerToReal(int64_t integer, double real) {
     const double whole = std::floor(real);
     const auto result = compareValues(integer, static_cast<int64_t>(whole));
     return result == kCFCompareEqualTo && real > whole ? kCFCompareLessThan : result;
+}
+
+template <typename Target>
+bool convertInteger(int64_t value, Target* target) {
+    *target = static_cast<Target>(value);
+    if constexpr (std::is_integral_v<Target>)
+        return *target == value;
+    else
+        return static_cast<double>(*target) < kIntegerEnd && static_cast<int64_t>(*target) == value;
+}
+
+template <typename Target>
+bool convertReal(double value, Target* target) {
+    if constexpr (std::is_integral_v<Target>) {
+        *target = saturated<Target>(value);
+        return compareIntegerToReal(*target, value) == kCFCompareEqualTo;
+    } else if constexpr (sizeof(Target) < sizeof(double)) {
+        // A conversion out of range would be undefined; infinity is what rounding gives.
+        const bool fits = std::isnan(value) || std::isinf(value) ||
+                          std::fabs(value) <= std::numeric_limits<Target>::max();
+        *target = fits ? static_cast<Target>(value)
+                       : std::copysign(std::numeric_limits<Target>::infinity(),
+                                       static_cast<Target>(value > 0 ? 1 : -1));
+    } else {
+        *target = value;
+    }
+    return static_cast<double>(*target) == value || (std::isnan(value) && *target != *target);
 }
 
 CFComparisonResult compareReals(double a, double b) {
@@ -171,6 +174,34 @@ CFHashCode hashNumber(CFTypeRef object) {
     return std::isnan(real) ? 0 : static_cast<CFHashCode>(std::bit_cast<uint64_t>(real));
 }
 
+// The shortest text that reads back as the same value.
+CFStringRef copyNumberText(CFTypeRef object, CFTypeRef) {
+    const CFNumberRef number = numberOf(object);
+    std::array<char, 32> text = {};
+    char* const end = text.data() + text.size() - 1;
+    switch (typeOf(number)) {
+    case kCFNumberFloat32Type:
+        std::to_chars(text.data(), end, static_cast<float>(number->real));
+        break;
+    case kCFNumberFloat64Type:
+        std::to_chars(text.data(), end, number->real);
+        break;
+    default:
+        std::to_chars(text.data(), end, number->integer);
+    }
+    return CFStringCreateWithCString(nullptr, text.data(), kCFStringEncodingUTF8);
+}
+
+CFStringRef describeNumber(CFTypeRef object) {
+    static constexpr std::array kTypeNames = {"",       "SInt8",   "SInt16", "SInt32",
+                                              "SInt64", "Float32", "Float64"};
+    const auto value = cf::adopt(copyNumberText(object, nullptr));
+    cf::Description text(object);
+    text.append(CFSTR("value = %@, type = kCFNumber%sType"), value.get(),
+                kTypeNames[static_cast<std::size_t>(typeOf(numberOf(object)))]);
+    return text.finish();
+}
+
 bool isNumber(CFNumberRef number) {
     return cf::isA(number, cf::kNumberClass);
 }
@@ -198,6 +229,8 @@ const CFRuntimeClass kNumberClass = {
         return compareNumbers(numberOf(a), numberOf(b)) == kCFCompareEqualTo;
     },
     .hash = hashNumber,
+    .copyFormattingDescription = copyNumberText,
+    .copyDebugDescription = describeNumber,
 };
 
 } // namespace cf

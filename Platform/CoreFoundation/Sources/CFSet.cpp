@@ -2,6 +2,7 @@
 
 #include "CFSet.h"
 
+#include "CFDescription.h"
 #include "Collections.h"
 #include "HashTable.h"
 
@@ -25,6 +26,19 @@ CFSetRef setOf(CFTypeRef object) {
     return static_cast<CFSetRef>(object);
 }
 
+CFStringRef describeSet(CFTypeRef object) {
+    const HashTable& table = setOf(object)->table;
+    cf::Description text(object);
+    text.append(CFSTR("type = %s set, count = %ld, values =>"), cf::mutabilityName(object),
+                table.count());
+    for (auto at = table.firstFrom(0); at != HashTable::kNowhere; at = table.firstFrom(at + 1)) {
+        text.append(CFSTR("\n\t"));
+        text.appendValue(table.keyAt(at), table.keyCallBacks().copyDescription);
+    }
+    text.append(CFSTR("\n"));
+    return text.finish();
+}
+
 constexpr CFRuntimeClass kSetClass = {
     .className = "CFSet",
     .finalize = cf::finalize<__CFSet>,
@@ -32,6 +46,7 @@ constexpr CFRuntimeClass kSetClass = {
         return setOf(a)->table.equals(setOf(b)->table);
     },
     .hash = [](CFTypeRef object) { return static_cast<CFHashCode>(setOf(object)->table.count()); },
+    .copyDebugDescription = describeSet,
 };
 
 // The callbacks of sets are those of dictionary keys under another name.
@@ -63,7 +78,10 @@ Set createCopy(CFAllocatorRef allocator, CFSetRef source) {
 } // namespace
 
 const CFSetCallBacks kCFTypeSetCallBacks = {
-    0, cf::retainObject, cf::releaseObject, nullptr, CFEqual, CFHash};
+    0, cf::retainObject, cf::releaseObject, CFCopyDescription, CFEqual, CFHash};
+
+const CFSetCallBacks kCFCopyStringSetCallBacks = {
+    0, cf::copyStringValue, cf::releaseObject, CFCopyDescription, CFEqual, CFHash};
 
 CFTypeID CFSetGetTypeID(void) {
     static const CFTypeID type = _CFRuntimeRegisterClass(&kSetClass);

@@ -12,7 +12,10 @@ inline constexpr CFIndex kMostTakenFromHint = 4096;
 // Callbacks for values that are CF objects, and for strings that are kept as immutable copies.
 const void* retainObject(CFAllocatorRef allocator, const void* object);
 void releaseObject(CFAllocatorRef allocator, const void* object);
-const void* copyString(CFAllocatorRef allocator, const void* string);
+const void* copyStringValue(CFAllocatorRef allocator, const void* string);
+
+// "mutable" or "immutable", for descriptions.
+const char* mutabilityName(CFTypeRef object);
 
 // Whether `object`, which may be NULL, may be changed; logs a refusal in the name of `function`.
 bool mayChange(CFTypeRef object, const CFRuntimeClass& record, const char* function);

@@ -11,10 +11,11 @@
 
 namespace {
 
+int counter = 0;
+
 // Registers an option of a name of its own while the environment holds `text`.
 template <typename Value>
 Value registered(HostOptionKind kind, const char* text, Value initial) {
-    static int counter = 0;
     // Options live as long as the process, and so does what they refer to.
     auto* const name = new std::string("NIMBRA_TEST_OPTION_" + std::to_string(counter++));
     static auto* const keep = new std::vector<void*>;
