@@ -27,3 +27,8 @@ set_target_properties(Skia::Skia PROPERTIES
     INTERFACE_INCLUDE_DIRECTORIES "${skia_folder}"
     INTERFACE_COMPILE_DEFINITIONS "${skia_defines}"
     INTERFACE_LINK_LIBRARIES "Freetype::Freetype;PNG::PNG;Threads::Threads;${CMAKE_DL_LIBS}")
+
+if(NIMBRA_SANITIZE MATCHES "address")
+    set_target_properties(Skia::Skia PROPERTIES INTERFACE_COMPILE_OPTIONS
+        "$<$<COMPILE_LANGUAGE:CXX>:SHELL:-include ${CMAKE_CURRENT_LIST_DIR}/skia/no-address-sanitizer.inc>")
+endif()
