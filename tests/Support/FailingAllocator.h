@@ -54,7 +54,10 @@ struct FailureSweep {
 // It must use no test assertions, which allocate: it notes what it sees in plain variables.
 template <typename Operation>
 FailureSweep failEachAllocation(Operation operation) {
-    operation();
+    {
+        const AllocationFailure none(0);
+        operation();
+    }
     FailureSweep sweep;
     for (bool happened = true; happened;) {
         const AllocationMeter meter;
