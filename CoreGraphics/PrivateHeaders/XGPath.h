@@ -7,7 +7,7 @@
 
 CG_BEGIN_DECLS
 
-/** A mutable path with the contours of `path`, last one first and each from its end to its start. */
+/** A mutable path with the contours of `path`, the last one first, each from end to start. */
 CG_EXPORT CGMutablePathRef _CGPathCreateReversedPath(CGPathRef path);
 /** Maps every point of a mutable path in place; the results are not pinned. */
 CG_EXPORT void _CGPathConcatCTM(CGMutablePathRef path, CGFloat a, CGFloat b, CGFloat c, CGFloat d,

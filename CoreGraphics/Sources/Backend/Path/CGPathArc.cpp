@@ -36,13 +36,17 @@ struct Sweep {
     float remaining(float angle) const { return clockwise ? angle - end : end - angle; }
 };
 
+// The angle of the same spot within half a turn of 0. Sine and cosine of any double are exact to
+// the last bit, which a remainder of dividing by a rounded turn is not.
+float withoutTurns(float angle) {
+    return static_cast<float>(std::atan2(std::sin(double{angle}), std::cos(double{angle})));
+}
+
 // Drops whole turns from angles that have too many. A sweep that was one turn or more stays one.
-Sweep withoutExcessTurns(Sweep sweep) {
+Sweep withoutExcessTurns(const Sweep& sweep) {
     if (std::max(std::abs(sweep.start), std::abs(sweep.end)) <= kLargestAngle)
         return sweep;
-    constexpr double turn = 2 * std::numbers::pi;
-    const Sweep reduced = {static_cast<float>(std::fmod(double{sweep.start}, turn)),
-                           static_cast<float>(std::fmod(double{sweep.end}, turn)), sweep.clockwise};
+    const Sweep reduced = {withoutTurns(sweep.start), withoutTurns(sweep.end), sweep.clockwise};
     if (!reduced.isEmpty() || sweep.isEmpty())
         return reduced;
     return {reduced.start, reduced.start + (sweep.clockwise ? -kTurn : kTurn), sweep.clockwise};

@@ -8,7 +8,10 @@
 #include "PathPoint.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <tuple>
 
 namespace {
 
@@ -19,74 +22,56 @@ constexpr float kCornerToControl = 0.44808495f; // 0x3EE56B64
 
 enum class Sides { Drawn, None };
 
-// Writes the four corners of one contour, from its maximum x side towards its maximum y.
-struct RoundedContour {
-    SkPath& path;
-    const CGAffineTransform* m;
-    cg::Interval x;
-    cg::Interval y;
-    CGFloat rx;
-    CGFloat ry;
-    Sides sides;
+// The start, then for each corner the end of the side before it and the points of its cubic.
+using RoundedPoints = std::array<CGPoint, 17>;
 
-    SkPoint at(CGFloat px, CGFloat py) const { return cg::stored(m, px, py); }
-
-    void side(CGFloat px, CGFloat py) {
-        if (sides == Sides::Drawn)
-            path.lineTo(at(px, py));
-    }
-    void maxXMaxY() {
-        side(x.maximum, y.maximum - ry);
-        path.cubicTo(at(x.maximum, y.maximum - kCornerToControl * ry),
-                     at(x.maximum - kCornerToControl * rx, y.maximum),
-                     at(x.maximum - rx, y.maximum));
-    }
-    void minXMaxY() {
-        side(x.minimum + rx, y.maximum);
-        path.cubicTo(at(x.minimum + kCornerToControl * rx, y.maximum),
-                     at(x.minimum, y.maximum - kCornerToControl * ry),
-                     at(x.minimum, y.maximum - ry));
-    }
-    void minXMinY() {
-        side(x.minimum, y.minimum + ry);
-        path.cubicTo(at(x.minimum, y.minimum + kCornerToControl * ry),
-                     at(x.minimum + kCornerToControl * rx, y.minimum),
-                     at(x.minimum + rx, y.minimum));
-    }
-    void maxXMinY() {
-        side(x.maximum - rx, y.minimum);
-        path.cubicTo(at(x.maximum - kCornerToControl * rx, y.minimum),
-                     at(x.maximum, y.minimum + kCornerToControl * ry),
-                     at(x.maximum, y.minimum + ry));
-    }
-};
-
-// In the order of operations of CGRectGetMidY.
-CGFloat midY(const CGRect& r) {
-    return (r.size.height + 2 * r.origin.y) * 0.5f;
+RoundedPoints roundedPoints(const CGRect& rect, CGFloat rx, CGFloat ry) {
+    const auto [minX, maxX] = cg::horizontal(rect);
+    const auto [minY, maxY] = cg::vertical(rect);
+    const CGFloat kx = kCornerToControl * rx;
+    const CGFloat ky = kCornerToControl * ry;
+    return {{{maxX, CGRectGetMidY(rect)},
+             {maxX, maxY - ry},
+             {maxX, maxY - ky},
+             {maxX - kx, maxY},
+             {maxX - rx, maxY},
+             {minX + rx, maxY},
+             {minX + kx, maxY},
+             {minX, maxY - ky},
+             {minX, maxY - ry},
+             {minX, minY + ry},
+             {minX, minY + ky},
+             {minX + kx, minY},
+             {minX + rx, minY},
+             {maxX - rx, minY},
+             {maxX - kx, minY},
+             {maxX, minY + ky},
+             {maxX, minY + ry}}};
 }
 
 void addRounded(SkPath& path, const CGAffineTransform* m, const CGRect& rect, CGFloat rx,
                 CGFloat ry, Sides sides) {
-    RoundedContour contour = {path, m, cg::horizontal(rect), cg::vertical(rect), rx, ry, sides};
-    path.incReserve(17, 10);
-    cg::moveTo(path, contour.at(contour.x.maximum, midY(rect)));
-    contour.maxXMaxY();
-    contour.minXMaxY();
-    contour.minXMinY();
-    contour.maxXMinY();
+    const RoundedPoints given = roundedPoints(rect, rx, ry);
+    std::array<SkPoint, std::tuple_size_v<RoundedPoints>> points;
+    for (std::size_t i = 0; i < points.size(); ++i)
+        points[i] = cg::stored(m, given[i].x, given[i].y);
+
+    cg::moveTo(path, points[0]);
+    for (std::size_t i = 1; i < points.size(); i += 4) {
+        if (sides == Sides::Drawn)
+            path.lineTo(points[i]);
+        path.cubicTo(points[i + 1], points[i + 2], points[i + 3]);
+    }
     path.close();
 }
 
 void addSharp(SkPath& path, const CGAffineTransform* m, const CGRect& rect) {
     const auto [minX, maxX] = cg::horizontal(rect);
     const auto [minY, maxY] = cg::vertical(rect);
-    cg::moveTo(path, cg::stored(m, maxX, midY(rect)));
-    path.lineTo(cg::stored(m, maxX, maxY));
-    path.lineTo(cg::stored(m, minX, maxY));
-    path.lineTo(cg::stored(m, minX, minY));
-    path.lineTo(cg::stored(m, maxX, minY));
-    path.close();
+    const std::array corners = {cg::stored(m, maxX, CGRectGetMidY(rect)), cg::stored(m, maxX, maxY),
+                                cg::stored(m, minX, maxY), cg::stored(m, minX, minY),
+                                cg::stored(m, maxX, minY)};
+    cg::addPolygon(path, corners, cg::Closed::Yes);
 }
 
 // At least 0, also for NaN.

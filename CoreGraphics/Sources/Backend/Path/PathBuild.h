@@ -21,7 +21,8 @@ void addPolygon(SkPath& path, std::span<const SkPoint> corners, Closed closed);
 
 void addRect(SkPath& path, const CGAffineTransform* m, const CGRect& rect);
 
-void reportNoCurrentPoint(const char* function);
+// Out of line, so that the building functions need no frame for it.
+[[gnu::cold, gnu::noinline]] void reportNoCurrentPoint(const char* function);
 
 // Whether a segment has a point to start from; tells the log on behalf of `function` if not. Skia
 // would start it at (0, 0), which nobody asked for.
