@@ -8,7 +8,7 @@ namespace {
 
 using Selector = const void*;
 using SelectorRegistration = Selector (*)(const char* name);
-using ColorMessage = CGColorRef (*)(void* receiver, Selector selector);
+using ColorMessage = CGColorRef (*)(const void* receiver, Selector selector);
 
 // The runtime's entry points; both missing in a process without one.
 struct Messaging {
