@@ -1,0 +1,114 @@
+// RecordingBackend.cpp: the callbacks that write.
+
+#include "Support/RecordingBackend.h"
+
+#include "XGGState.h"
+
+#include "Core/Context/CGContextRecord.h"
+
+#include <initializer_list>
+#include <sstream>
+
+namespace test {
+
+namespace {
+
+std::string numbers(std::initializer_list<CGFloat> values) {
+    std::ostringstream out;
+    const char* separator = "";
+    for (const CGFloat value : values) {
+        out << separator << value + 0.0f; // No "-0".
+        separator = " ";
+    }
+    return out.str();
+}
+
+std::string colorText(CGColorRef color) {
+    if (!color)
+        return "none";
+    CGFloat red = 0, green = 0, blue = 0, alpha = 0;
+    _CGColorGetRGBA(color, &red, &green, &blue, &alpha);
+    return numbers({red, green, blue, alpha});
+}
+
+void appendElement(void* info, const CGPathElement* element) {
+    constexpr const char* letters = "MLQCZ";
+    constexpr int pointCounts[] = {1, 1, 2, 3, 0};
+    std::string& text = *static_cast<std::string*>(info);
+    text += text.empty() ? "" : " ";
+    text += letters[element->type];
+    for (int index = 0; index < pointCounts[element->type]; ++index)
+        text += ' ' + numbers({element->points[index].x, element->points[index].y});
+}
+
+} // namespace
+
+std::string pathText(CGPathRef path) {
+    if (!path)
+        return "none";
+    std::string text;
+    CGPathApply(path, &text, appendElement);
+    return text;
+}
+
+RecordingBackend::RecordingBackend(uint32_t kind) {
+    const XGContextCallbacks table = callbacks();
+    context_ = cf::adopt(XGContextCreate(kind, &table, this, 0));
+}
+
+XGGStateRef RecordingBackend::state() const {
+    return context()->state.get();
+}
+
+std::vector<std::string> RecordingBackend::takeCalls() {
+    return std::exchange(calls_, {});
+}
+
+void RecordingBackend::noteLayer(const char* what, XGGStateRef state) {
+    note(std::string(what) + " layer alpha " + numbers({XGGStateGetAlpha(state)}) + " blend " +
+         std::to_string(XGGStateGetBlendMode(state)) +
+         (XGGStateHasShadow(state) ? " shadowed" : ""));
+}
+
+XGContextCallbacks RecordingBackend::callbacks() {
+    XGContextCallbacks table = {};
+    table.releaseInfo = [](void* info) { from(info).note("release"); };
+    table.flush = [](XGGStateRef, uint32_t flags, void* info) {
+        from(info).lastFlags_ = flags;
+        from(info).note("flush");
+    };
+    table.synchronize = [](XGGStateRef, uint32_t, void* info) { from(info).note("synchronize"); };
+    table.drawPath = [](XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
+                        bool evenOdd, void* info) {
+        std::string call = flags & kXGContextShadowPass ? "shadow " : "";
+        if (fill)
+            call += "fill " + pathText(fill) + (evenOdd ? " even-odd" : " winding") + " in " +
+                    colorText(XGGStateGetFillColor(state));
+        if (stroke)
+            call += std::string(fill ? ", " : "") + "stroke " + pathText(stroke) + " width " +
+                    numbers({XGGStateGetLineWidth(state)}) + " in " +
+                    colorText(XGGStateGetStrokeColor(state));
+        from(info).lastFlags_ = flags;
+        from(info).note(call);
+    };
+    table.fillRects = [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
+                         void* info) {
+        std::string call = "rects";
+        for (size_t index = 0; index < count; ++index)
+            call +=
+                (index ? ", " : " ") + numbers({rects[index].origin.x, rects[index].origin.y,
+                                                rects[index].size.width, rects[index].size.height});
+        from(info).lastFlags_ = flags;
+        from(info).note(call + " blend " + std::to_string(XGGStateGetBlendMode(state)));
+    };
+    table.beginTransparencyLayer = [](XGGStateRef state, uint32_t, void* info) {
+        from(info).noteLayer("begin", state);
+    };
+    table.endTransparencyLayer = [](XGGStateRef state, uint32_t, void* info) {
+        from(info).noteLayer("end", state);
+    };
+    table.prepare = [](CGContextRef context) { from(context->info).note("prepare"); };
+    return table;
+}
+
+} // namespace test

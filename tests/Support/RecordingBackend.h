@@ -1,0 +1,54 @@
+// RecordingBackend.h: a destination that writes down what the front end asks of it.
+#pragma once
+
+#include "XGContext.h"
+#include <CoreFoundation/CFRef.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace test {
+
+// The elements of a path: "M 0 0 L 10 0 Q 1 2 3 4 C 1 2 3 4 5 6 Z"; "none" for NULL.
+std::string pathText(CGPathRef path);
+
+// A context whose calls to its destination are kept as text, a line each:
+//
+//     fill M 0 0 L 4 0 L 4 4 Z winding in 1 0 0 1
+//     shadow stroke M 0 0 L 4 0 width 2 in 0 0 0 1
+//     fill M … even-odd in 1 0 0 1, stroke M … width 1 in 0 0 0 1
+//     rects 0 0 4 4, 5 5 1 1 blend 0
+//     begin layer alpha 0.5 blend 1 shadowed
+//     end layer alpha 0.5 blend 1 shadowed
+//     prepare | flush | synchronize | release
+class RecordingBackend {
+public:
+    explicit RecordingBackend(uint32_t kind = 100);
+    RecordingBackend(const RecordingBackend&) = delete;
+    RecordingBackend& operator=(const RecordingBackend&) = delete;
+
+    CGContextRef context() const { return context_.get(); }
+    XGGStateRef state() const;
+    // Gives the context up.
+    void release() { context_ = nullptr; }
+
+    // The calls since the last time.
+    std::vector<std::string> takeCalls();
+    // The flags that the last call came with.
+    uint32_t lastFlags() const { return lastFlags_; }
+
+    // The callbacks with which the context was made; their info is the recorder.
+    static XGContextCallbacks callbacks();
+
+private:
+    static RecordingBackend& from(void* info) { return *static_cast<RecordingBackend*>(info); }
+    void note(std::string call) { calls_.push_back(std::move(call)); }
+    void noteLayer(const char* what, XGGStateRef state);
+
+    std::vector<std::string> calls_;
+    uint32_t lastFlags_ = 0;
+    cf::Ref<CGContextRef> context_; // Goes first: its end is recorded too.
+};
+
+} // namespace test
