@@ -55,20 +55,6 @@ bool failsNow() {
 
 namespace {
 
-void installHooks() {
-    static const bool installed = [] {
-        __sanitizer_install_malloc_and_free_hooks(
-            [](const volatile void*, std::size_t size) { countAllocation(size); },
-            [](const volatile void* memory) {
-                const auto* const block = const_cast<const void*>(memory);
-                if (block && __sanitizer_get_ownership(block))
-                    countRelease(__sanitizer_get_allocated_size(block));
-            });
-        return true;
-    }();
-    static_cast<void>(installed);
-}
-
 // The system's allocator but for the failures. It lives as long as the program, as objects made in
 // it may.
 CFAllocatorRef failingAllocator() {
@@ -84,6 +70,23 @@ CFAllocatorRef failingAllocator() {
         return CFAllocatorCreate(kCFAllocatorSystemDefault, &context);
     }();
     return allocator;
+}
+
+void installHooks() {
+    static const bool installed = [] {
+        __sanitizer_install_malloc_and_free_hooks(
+            [](const volatile void*, std::size_t size) { countAllocation(size); },
+            [](const volatile void* memory) {
+                const auto* const block = const_cast<const void*>(memory);
+                if (block && __sanitizer_get_ownership(block))
+                    countRelease(__sanitizer_get_allocated_size(block));
+            });
+        // Made now, so that it is no meter's allocation.
+        return failingAllocator() != nullptr;
+    }();
+    static_cast<void>(installed);
+    // The first default that a thread sets makes the record of it.
+    CFAllocatorSetDefault(kCFAllocatorSystemDefault);
 }
 
 } // namespace

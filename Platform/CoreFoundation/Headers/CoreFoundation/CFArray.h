@@ -41,8 +41,8 @@ CF_EXPORT CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values
                                    const CFArrayCallBacks* callBacks);
 /** An immutable array of the same values and callbacks. */
 CF_EXPORT CFArrayRef CFArrayCreateCopy(CFAllocatorRef allocator, CFArrayRef array);
-/** An empty mutable array. `capacity` is a hint at how many values it will hold; more may be put in.
- *  NULL when it is negative. */
+/** An empty mutable array. `capacity` is a hint at how many values it will hold; more may be put
+ *  in. NULL when it is negative. */
 CF_EXPORT CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFArrayCallBacks* callBacks);
 /** A mutable array of the same values and callbacks; `capacity` as for CFArrayCreateMutable. */

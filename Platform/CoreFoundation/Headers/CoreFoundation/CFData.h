@@ -1,8 +1,8 @@
 /* CFData.h: runs of bytes.
  *
- * A range outside the data is a caller's mistake: it is logged, a copy is cut to what is there and a
- * change is not made. A change to immutable data is refused likewise. When memory runs out a change
- * is not made, and logged. */
+ * A range outside the data is a caller's mistake: it is logged, a copy is cut to what is there and
+ * a change is not made. A change to immutable data is refused likewise. When memory runs out a
+ * change is not made, and logged. */
 #pragma once
 
 #include <CoreFoundation/CFAllocator.h>
@@ -19,8 +19,8 @@ CF_OPTIONS(CFOptionFlags, CFDataSearchFlags) {
 
 CF_EXPORT CFTypeID CFDataGetTypeID(void);
 
-/** Immutable data of `length` bytes copied from `bytes`. NULL when `length` is negative, or positive
- *  with NULL `bytes`, or memory runs out. */
+/** Immutable data of `length` bytes copied from `bytes`. NULL when `length` is negative, or
+ *  positive with NULL `bytes`, or memory runs out. */
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 /** Immutable data around the caller's bytes, which must not change while it lives; `deallocator`
  *  frees them in the end (NULL: the default allocator; kCFAllocatorNull: nobody does). On failure,
@@ -29,8 +29,8 @@ CF_EXPORT CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const 
                                                 CFIndex length, CFAllocatorRef bytesDeallocator);
 /** Immutable data of the same bytes. */
 CF_EXPORT CFDataRef CFDataCreateCopy(CFAllocatorRef allocator, CFDataRef data);
-/** Empty mutable data. `capacity` is a hint at how long it will get; it may get longer. NULL when it
- *  is negative. */
+/** Empty mutable data. `capacity` is a hint at how long it will get; it may get longer. NULL when
+ *  it is negative. */
 CF_EXPORT CFMutableDataRef CFDataCreateMutable(CFAllocatorRef allocator, CFIndex capacity);
 /** Mutable data of the same bytes. */
 CF_EXPORT CFMutableDataRef CFDataCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,

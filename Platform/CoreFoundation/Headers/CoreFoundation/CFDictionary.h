@@ -1,9 +1,10 @@
 /* CFDictionary.h: unordered collections of values found by key.
  *
- * Keys and values are pointer-sized. Callbacks say what the dictionary does with a key or value that
- * it takes in, drops, compares or describes; each may be NULL (no ownership, pointer equality, the
- * pointer as hash, the address as description). Equal keys must have equal hashes. A change to an
- * immutable dictionary is refused and logged. When memory runs out a change is not made, and logged.
+ * Keys and values are pointer-sized. Callbacks say what the dictionary does with a key or value
+ * that it takes in, drops, compares or describes; each may be NULL (no ownership, pointer equality,
+ * the pointer as hash, the address as description). Equal keys must have equal hashes. A change to
+ * an immutable dictionary is refused and logged. When memory runs out a change is not made, and
+ * logged.
  *
  * Callbacks and appliers may look things up in the dictionary that calls them; when an applier
  * changes it, entries may be met twice or not at all, but never one that has been dropped. */
@@ -50,8 +51,8 @@ CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
 
 /** An immutable dictionary of `count` pairs. Of equal keys the first one stays, with its value.
- *  NULL callbacks are all-NULL ones. NULL when `count` is negative, or positive with a NULL list, or
- *  memory runs out. */
+ *  NULL callbacks are all-NULL ones. NULL when `count` is negative, or positive with a NULL list,
+ *  or memory runs out. */
 CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys,
                                              const void** values, CFIndex count,
                                              const CFDictionaryKeyCallBacks* keyCallBacks,
@@ -59,12 +60,11 @@ CF_EXPORT CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const voi
 /** An immutable dictionary of the same pairs and callbacks. */
 CF_EXPORT CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef allocator,
                                                  CFDictionaryRef dictionary);
-/** An empty mutable dictionary. `capacity` is a hint at how many pairs it will hold; more may be put
- *  in. NULL when it is negative. */
-CF_EXPORT CFMutableDictionaryRef
-CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
-                          const CFDictionaryKeyCallBacks* keyCallBacks,
-                          const CFDictionaryValueCallBacks* valueCallBacks);
+/** An empty mutable dictionary. `capacity` is a hint at how many pairs it will hold; more may be
+ *  put in. NULL when it is negative. */
+CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(
+    CFAllocatorRef allocator, CFIndex capacity, const CFDictionaryKeyCallBacks* keyCallBacks,
+    const CFDictionaryValueCallBacks* valueCallBacks);
 /** A mutable dictionary of the same pairs and callbacks. */
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator,
                                                                CFIndex capacity,

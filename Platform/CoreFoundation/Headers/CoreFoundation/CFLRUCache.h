@@ -1,8 +1,8 @@
 /* CFLRUCache.h: a mutable table of bounded size that drops what has not been used for longest.
  *
- * The port's own class. Keys and values are looked after by dictionary callbacks. Every operation but
- * SetCapacity and RemoveAllValues takes constant time. Finding a value or setting it counts as use.
- * A cache belongs to one thread at a time; guard a shared one with a lock. */
+ * The port's own class. Keys and values are looked after by dictionary callbacks. Every operation
+ * but SetCapacity and RemoveAllValues takes constant time. Finding a value or setting it counts as
+ * use. A cache belongs to one thread at a time; guard a shared one with a lock. */
 #pragma once
 
 #include <CoreFoundation/CFDictionary.h>

@@ -45,8 +45,8 @@ CF_EXPORT const CFNumberRef kCFNumberNegativeInfinity;
 CF_EXPORT const CFNumberRef kCFNumberNaN;
 
 CF_EXPORT CFTypeID CFNumberGetTypeID(void);
-/** The number at `valuePtr`, of type `type`. NULL for an unknown type, a NULL pointer, or when memory
- *  runs out. */
+/** The number at `valuePtr`, of type `type`. NULL for an unknown type, a NULL pointer, or when
+ *  memory runs out. */
 CF_EXPORT CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type,
                                      const void* valuePtr);
 /** The fixed-width type (SInt8…SInt64, Float32, Float64) that the value is kept in; 0 for NULL. */
@@ -54,8 +54,9 @@ CF_EXPORT CFNumberType CFNumberGetType(CFNumberRef number);
 /** The size in bytes of that type. */
 CF_EXPORT CFIndex CFNumberGetByteSize(CFNumberRef number);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
-/** Converts the value into `type` at `valuePtr`; whether nothing was lost. Out of its range an
- *  integer type gets its nearest limit, and 0 for NaN. Nothing is written for an unknown type. */
+/** Converts the value into `type` at `valuePtr`; whether nothing was lost. An integer too wide for
+ *  an integer type loses its high bits; out of such a type's range a float gives the nearest limit,
+ *  and NaN 0. Nothing is written for an unknown type. */
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* valuePtr);
 /** Compares the exact values; NaN comes after negative numbers and before all others, and equals
  *  itself. NULL comes first. The context is ignored. */

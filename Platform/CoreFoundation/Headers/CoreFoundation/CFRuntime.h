@@ -11,17 +11,18 @@ CF_EXTERN_C_BEGIN
 
 /** The head of every instance. Its fields belong to the runtime. */
 typedef struct CFRuntimeBase {
-    uintptr_t classWord;   /**< The class record's address | 2. */
-    uint16_t typeID;       /**< 0 for classes that are not registered. */
-    uint16_t flags;        /**< Low byte: the class's own. High byte: the runtime's. */
-    uint32_t retainCount;  /**< Atomic; with the top bit set the object is immortal. */
+    uintptr_t classWord;  /**< The class record's address | 2. */
+    uint16_t typeID;      /**< 0 for classes that are not registered. */
+    uint16_t flags;       /**< Low byte: the class's own. High byte: the runtime's. */
+    uint32_t retainCount; /**< Atomic; with the top bit set the object is immortal. */
 } CFRuntimeBase;
 
 #define kCFRuntimeClassTagMask ((uintptr_t)3)
 #define kCFRuntimeClassTag ((uintptr_t)2)
 
 /** What the runtime asks of a class; a callback left NULL falls back to identity for equality, the
- *  address for the hash and "<name 0x…>" for descriptions. The record lives as long as the process. */
+ *  address for the hash and "<name 0x…>" for descriptions. The record lives as long as the process.
+ */
 typedef struct CFRuntimeClass {
     CFIndex version; /**< Always 0. */
     const char* className;
@@ -52,8 +53,8 @@ CF_EXPORT CFTypeID _CFRuntimeRegisterClass(const CFRuntimeClass* record);
 CF_EXPORT const CFRuntimeClass* _CFRuntimeGetClassWithTypeID(CFTypeID type);
 
 /** A new instance of a registered class with one reference: a CFRuntimeBase and `extraBytes` of
- *  zeroes behind it, aligned for any scalar. The category is ignored. NULL when the type is unknown,
- *  the size is negative or overflows, or `allocator` has no memory left. */
+ *  zeroes behind it, aligned for any scalar. The category is ignored. NULL when the type is
+ *  unknown, the size is negative or overflows, or `allocator` has no memory left. */
 CF_EXPORT CFTypeRef _CFRuntimeCreateInstance(CFAllocatorRef allocator, CFTypeID type,
                                              CFIndex extraBytes, unsigned char* category);
 /** The same of a class that has no type identifier: the record itself is the class. */
@@ -75,9 +76,8 @@ CF_INLINE const CFRuntimeClass* _CFRuntimeGetClass(CFTypeRef object) {
 
 /** Whether `object` is one of ours rather than a foreign runtime's. */
 CF_INLINE bool _CFRuntimeIsNative(CFTypeRef object) {
-    return object &&
-           (((const CFRuntimeBase*)object)->classWord & kCFRuntimeClassTagMask) ==
-               kCFRuntimeClassTag;
+    return object && (((const CFRuntimeBase*)object)->classWord & kCFRuntimeClassTagMask) ==
+                         kCFRuntimeClassTag;
 }
 
 /** Opens an autorelease scope on the calling thread and closes it again: CFAutorelease's objects

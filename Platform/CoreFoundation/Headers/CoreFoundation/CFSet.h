@@ -36,7 +36,8 @@ CF_EXPORT const CFSetCallBacks kCFCopyStringSetCallBacks;
 CF_EXPORT CFTypeID CFSetGetTypeID(void);
 
 /** An immutable set of `count` values; of equal values the first one stays. NULL `callBacks` are
- *  all-NULL ones. NULL when `count` is negative, or positive with NULL `values`, or memory runs out. */
+ *  all-NULL ones. NULL when `count` is negative, or positive with NULL `values`, or memory runs
+ *  out. */
 CF_EXPORT CFSetRef CFSetCreate(CFAllocatorRef allocator, const void** values, CFIndex count,
                                const CFSetCallBacks* callBacks);
 /** An immutable set of the same values and callbacks. */

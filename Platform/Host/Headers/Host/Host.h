@@ -171,7 +171,8 @@ HOST_EXPORT bool HostFileExists(const char* path);
 HOST_EXPORT bool HostFileIsDirectory(const char* path);
 
 /** Joins two path parts with exactly one slash into `buffer`; an absolute `name` still follows
- *  `folder`. An empty `folder` adds nothing, so that a relative name stays one. False, with an empty buffer, when the result with its end mark does not fit. */
+ *  `folder`. An empty `folder` adds nothing, so that a relative name stays one. False, with an
+ *  empty buffer, when the result with its end mark does not fit. */
 HOST_EXPORT bool HostPathConcatenate(const char* folder, const char* name, char* buffer,
                                      size_t capacity);
 /** The file of the running program. False when it cannot be told or does not fit. */
