@@ -115,6 +115,13 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
     matrix.postTranslate(offset.x(), offset.y());
     const bool isFill = paint.getStyle() == SkPaint::kFill_Style;
     if (!isFill) {
+        // Lines up to a pixel wide are hairlines to Skia, whose corners are faint; frames are not.
+        SkRect frame;
+        bool isClosed = false;
+        if (devicePath.isRect(&frame, &isClosed) && isClosed) {
+            draw(matrix, [&](const SkDraw& target) { target.drawRect(frame, paint); });
+            return;
+        }
         // A stroke is outlined before it is turned around, so that caps and joins start as given.
         draw(matrix,
              [&](const SkDraw& target) { target.drawPath(devicePath, paint, nullptr, false); });
