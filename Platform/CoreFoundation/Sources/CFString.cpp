@@ -25,7 +25,8 @@ constexpr uint64_t mix(uint64_t hash, uint64_t block) {
     return product ^ (product >> 29);
 }
 
-// Goes by the values of the units, so that narrow and wide storage of one text agree.
+// Goes by the values of the units, so that narrow and wide storage of one text agree. Never 0, which
+// stands for a hash that is not known yet.
 template <typename Unit>
 CFHashCode hashOf(const Unit* units, CFIndex length) {
     uint64_t hash = static_cast<uint64_t>(length);
@@ -35,7 +36,7 @@ CFHashCode hashOf(const Unit* units, CFIndex length) {
     Unit rest[4] = {};
     std::copy(units + i, units + length, rest);
     hash = mix(hash, packFourUnits(rest));
-    return static_cast<CFHashCode>(hash ^ (hash >> 32));
+    return std::max(static_cast<CFHashCode>(hash ^ (hash >> 32)), CFHashCode{1});
 }
 
 CFHashCode hashOf(const Text& text) {
@@ -50,7 +51,7 @@ CFHashCode hashString(CFTypeRef object) {
     const std::atomic_ref<CFHashCode> cached(const_cast<CFMutableStringRef>(string)->hash);
     CFHashCode hash = cached.load(std::memory_order_relaxed);
     if (hash == 0) {
-        hash = std::max(hashOf(Text(string)), CFHashCode{1});
+        hash = hashOf(Text(string));
         cached.store(hash, std::memory_order_relaxed);
     }
     return hash;
@@ -392,7 +393,7 @@ CFStringCreateMutableWithExternalCharactersNoCopy(CFAllocatorRef allocator, UniC
 }
 
 CFIndex CFStringGetLength(CFStringRef string) {
-    return string ? string->length : 0;
+    return cf::isString(string) ? string->length : 0;
 }
 
 UniChar CFStringGetCharacterAtIndex(CFStringRef string, CFIndex index) {
