@@ -11,9 +11,12 @@ namespace {
 
 // Brings what follows from the CTM and the scales up to date.
 void updateTransforms(cg::StateValues& values) {
-    const CGAffineTransform scale = CGAffineTransformMakeScale(
-        values.xScale / values.deviceScale, std::fabs(values.yScale) / values.deviceScale);
-    values.combinedCTM = CGAffineTransformConcat(values.ctm, scale);
+    const CGFloat x = values.xScale / values.deviceScale;
+    const CGFloat y = std::fabs(values.yScale) / values.deviceScale;
+    // Most contexts have no scales, and transforms change often.
+    values.combinedCTM = x == 1 && y == 1
+                             ? values.ctm
+                             : CGAffineTransformConcat(values.ctm, CGAffineTransformMakeScale(x, y));
     if (!(values.flags & cg::kHasTextCTM))
         return;
     values.textCTM = values.ctm;
