@@ -5,6 +5,7 @@
 #include "XGGState.h"
 
 #include "Core/Context/CGContextRecord.h"
+#include "Support/PathText.h"
 
 #include <initializer_list>
 #include <sstream>
@@ -31,25 +32,7 @@ std::string colorText(CGColorRef color) {
     return numbers({red, green, blue, alpha});
 }
 
-void appendElement(void* info, const CGPathElement* element) {
-    constexpr const char* letters = "MLQCZ";
-    constexpr int pointCounts[] = {1, 1, 2, 3, 0};
-    std::string& text = *static_cast<std::string*>(info);
-    text += text.empty() ? "" : " ";
-    text += letters[element->type];
-    for (int index = 0; index < pointCounts[element->type]; ++index)
-        text += ' ' + numbers({element->points[index].x, element->points[index].y});
-}
-
 } // namespace
-
-std::string pathText(CGPathRef path) {
-    if (!path)
-        return "none";
-    std::string text;
-    CGPathApply(path, &text, appendElement);
-    return text;
-}
 
 RecordingBackend::RecordingBackend(uint32_t kind) {
     const XGContextCallbacks table = callbacks();

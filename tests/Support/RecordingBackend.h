@@ -10,9 +10,6 @@
 
 namespace test {
 
-// The elements of a path: "M 0 0 L 10 0 Q 1 2 3 4 C 1 2 3 4 5 6 Z"; "none" for NULL.
-std::string pathText(CGPathRef path);
-
 // A context whose calls to its destination are kept as text, a line each:
 //
 //     fill M 0 0 L 4 0 L 4 4 Z winding in 1 0 0 1

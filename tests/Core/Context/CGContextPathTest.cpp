@@ -7,6 +7,7 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Support/CollectedLog.h"
+#include "Support/PathText.h"
 #include "Support/RecordingBackend.h"
 
 #include <gtest/gtest.h>
