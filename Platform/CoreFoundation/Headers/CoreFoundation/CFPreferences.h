@@ -64,8 +64,8 @@ CF_EXPORT CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef 
                                                    CFStringRef userName, CFStringRef hostName);
 /** The values of `keysToFetch` that are there, or all for NULL; empty when there are none. */
 CF_EXPORT CFDictionaryRef CFPreferencesCopyMultiple(CFArrayRef keysToFetch,
-                                                    CFStringRef applicationID, CFStringRef userName,
-                                                    CFStringRef hostName);
+                                                    CFStringRef applicationID,
+                                                    CFStringRef userName, CFStringRef hostName);
 /** NULL removes the value. */
 CF_EXPORT void CFPreferencesSetValue(CFStringRef key, CFPropertyListRef value,
                                      CFStringRef applicationID, CFStringRef userName,

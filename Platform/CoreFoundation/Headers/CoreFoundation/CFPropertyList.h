@@ -19,22 +19,25 @@
 CF_EXTERN_C_BEGIN
 
 /** What may be changed in a list that was read or copied. */
-CF_OPTIONS(CFOptionFlags, CFPropertyListMutabilityOptions){
-    kCFPropertyListImmutable = 0, kCFPropertyListMutableContainers = 1,
+CF_OPTIONS(CFOptionFlags, CFPropertyListMutabilityOptions) {
+    kCFPropertyListImmutable = 0,
+    kCFPropertyListMutableContainers = 1,
     kCFPropertyListMutableContainersAndLeaves = 2 /**< Strings and data as well. */
 };
 
-CF_ENUM(CFIndex, CFPropertyListFormat){
+CF_ENUM(CFIndex, CFPropertyListFormat) {
     /** Text such as `{ key = "value"; list = (1, 2); data = <00ff>; }` and tables of strings, whose
      *  outermost braces are left out. It is read, not written. */
-    kCFPropertyListOpenStepFormat = 1, kCFPropertyListXMLFormat_v1_0 = 100,
-    kCFPropertyListBinaryFormat_v1_0 = 200};
+    kCFPropertyListOpenStepFormat = 1,
+    kCFPropertyListXMLFormat_v1_0 = 100,
+    kCFPropertyListBinaryFormat_v1_0 = 200
+};
 
 enum {
     kCFPropertyListReadCorruptError = 3840,        /**< The bytes are not well-formed. */
     kCFPropertyListReadUnknownVersionError = 3841, /**< A form newer than those known here. */
     kCFPropertyListReadStreamError = 3842,         /**< The stream failed. */
-    kCFPropertyListWriteStreamError = 3851 /**< The stream, or the list, cannot be written. */
+    kCFPropertyListWriteStreamError = 3851         /**< The stream, or the list, cannot be written. */
 };
 
 /** The list in `data`, of whichever format, which is stored at `format` (may be NULL). A binary
@@ -44,9 +47,12 @@ CF_EXPORT CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocato
                                                          CFPropertyListFormat* format,
                                                          CFErrorRef* error);
 /** The same from an open stream: `streamLength` bytes of it, or all when that is 0. */
-CF_EXPORT CFPropertyListRef CFPropertyListCreateWithStream(
-    CFAllocatorRef allocator, CFReadStreamRef stream, CFIndex streamLength, CFOptionFlags options,
-    CFPropertyListFormat* format, CFErrorRef* error);
+CF_EXPORT CFPropertyListRef CFPropertyListCreateWithStream(CFAllocatorRef allocator,
+                                                           CFReadStreamRef stream,
+                                                           CFIndex streamLength,
+                                                           CFOptionFlags options,
+                                                           CFPropertyListFormat* format,
+                                                           CFErrorRef* error);
 /** The list as bytes. Dictionaries are written in the order of their keys, so that equal lists give
  *  equal bytes. NULL, with an error, for what is no property list and for the old text format.
  *  `options` is 0. */

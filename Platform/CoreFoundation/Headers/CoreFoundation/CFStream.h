@@ -1,8 +1,8 @@
 /* CFStream.h: bytes read from and written to files and memory.
  *
  * A stream is opened once, used, and closed once; closing ends it for good. All calls block until
- * they can answer. A stream belongs to one thread at a time. Reading or writing a stream that is
- * not open answers -1 and changes nothing. */
+ * they can answer. A stream belongs to one thread at a time. Reading or writing a stream that is not
+ * open answers -1 and changes nothing. */
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -15,11 +15,16 @@ CF_EXTERN_C_BEGIN
 typedef struct __CFReadStream* CFReadStreamRef;
 typedef struct __CFWriteStream* CFWriteStreamRef;
 
-CF_ENUM(CFIndex, CFStreamStatus){
-    kCFStreamStatusNotOpen = 0, kCFStreamStatusOpening, kCFStreamStatusOpen, kCFStreamStatusReading,
-    kCFStreamStatusWriting,     kCFStreamStatusAtEnd, /**< All is read, or a buffer of fixed size is
-                                                         full. */
-    kCFStreamStatusClosed,      kCFStreamStatusError};
+CF_ENUM(CFIndex, CFStreamStatus) {
+    kCFStreamStatusNotOpen = 0,
+    kCFStreamStatusOpening,
+    kCFStreamStatusOpen,
+    kCFStreamStatusReading,
+    kCFStreamStatusWriting,
+    kCFStreamStatusAtEnd, /**< All is read, or a buffer of fixed size is full. */
+    kCFStreamStatusClosed,
+    kCFStreamStatusError
+};
 
 /** CFData: all that was written so far to a stream in memory. */
 CF_EXPORT const CFStringRef kCFStreamPropertyDataWritten;
@@ -35,9 +40,9 @@ CF_EXPORT CFTypeID CFWriteStreamGetTypeID(void);
 
 /* ---- Reading --------------------------------------------------------------------------------- */
 
-/** A stream over `length` bytes of the caller's memory, which must stay while the stream lives;
- * they are freed by `bytesDeallocator` (NULL: the default allocator; kCFAllocatorNull: never) when
- * it is finalised. When the result is NULL they are still the caller's. */
+/** A stream over `length` bytes of the caller's memory, which must stay while the stream lives; they
+ *  are freed by `bytesDeallocator` (NULL: the default allocator; kCFAllocatorNull: never) when it is
+ *  finalised. When the result is NULL they are still the caller's. */
 CF_EXPORT CFReadStreamRef CFReadStreamCreateWithBytesNoCopy(CFAllocatorRef allocator,
                                                             const UInt8* bytes, CFIndex length,
                                                             CFAllocatorRef bytesDeallocator);

@@ -7,9 +7,9 @@
  * The Copy functions for components look at the URL's own string, not at the resolved one, with one
  * exception: scheme, net location, host, port, user and password are taken from the base where the
  * relative string has neither scheme nor net location of its own. A component that is not there is
- * NULL. Parameters are what follows the first ';' of a path's last segment (RFC 1738); the path
- * then ends before it. URLs of the scheme "file" have none, because ';' is an ordinary letter of
- * file names. */
+ * NULL. Parameters are what follows the first ';' of a path's last segment (RFC 1738); the path then
+ * ends before it. URLs of the scheme "file" have none, because ';' is an ordinary letter of file
+ * names. */
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -22,22 +22,30 @@ CF_EXTERN_C_BEGIN
 typedef const struct __CFURL* CFURLRef;
 
 /** How a file system path is written. */
-CF_ENUM(CFIndex, CFURLPathStyle){
+CF_ENUM(CFIndex, CFURLPathStyle) {
     /** "/folder/file" */
     kCFURLPOSIXPathStyle = 0,
     /** "volume:folder:file"; the volume stands for the first folder below the root. A leading ':'
      *  makes a path relative, each further one goes up a folder. */
     kCFURLHFSPathStyle = 1,
     /** "C:\folder\file" or "\\host\share\file"; '/' separates as well. */
-    kCFURLWindowsPathStyle = 2};
+    kCFURLWindowsPathStyle = 2
+};
 
-CF_ENUM(CFIndex,
-        CFURLComponentType){kCFURLComponentScheme = 1,   kCFURLComponentNetLocation = 2,
-                            kCFURLComponentPath = 3,     kCFURLComponentResourceSpecifier = 4,
-                            kCFURLComponentUser = 5,     kCFURLComponentPassword = 6,
-                            kCFURLComponentUserInfo = 7, kCFURLComponentHost = 8,
-                            kCFURLComponentPort = 9,     kCFURLComponentParameterString = 10,
-                            kCFURLComponentQuery = 11,   kCFURLComponentFragment = 12};
+CF_ENUM(CFIndex, CFURLComponentType) {
+    kCFURLComponentScheme = 1,
+    kCFURLComponentNetLocation = 2,
+    kCFURLComponentPath = 3,
+    kCFURLComponentResourceSpecifier = 4,
+    kCFURLComponentUser = 5,
+    kCFURLComponentPassword = 6,
+    kCFURLComponentUserInfo = 7,
+    kCFURLComponentHost = 8,
+    kCFURLComponentPort = 9,
+    kCFURLComponentParameterString = 10,
+    kCFURLComponentQuery = 11,
+    kCFURLComponentFragment = 12
+};
 
 CF_EXPORT CFTypeID CFURLGetTypeID(void);
 
@@ -60,7 +68,8 @@ CF_EXPORT CFURLRef CFURLCreateWithBytes(CFAllocatorRef allocator, const UInt8* b
  *  mode takes a reference that repeats the base's scheme ("http:g") as relative. */
 CF_EXPORT CFURLRef CFURLCreateAbsoluteURLWithBytes(CFAllocatorRef allocator, const UInt8* bytes,
                                                    CFIndex length, CFStringEncoding encoding,
-                                                   CFURLRef baseURL, Boolean useCompatibilityMode);
+                                                   CFURLRef baseURL,
+                                                   Boolean useCompatibilityMode);
 /** The URL's own string as bytes in `encoding`. It holds no white space to escape, since no URL
  *  does: `escapeWhitespace` makes no difference. */
 CF_EXPORT CFDataRef CFURLCreateData(CFAllocatorRef allocator, CFURLRef url,
@@ -85,11 +94,9 @@ CF_EXPORT CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef al
 CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator,
                                                            const UInt8* buffer, CFIndex length,
                                                            Boolean isDirectory);
-CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(CFAllocatorRef allocator,
-                                                                         const UInt8* buffer,
-                                                                         CFIndex length,
-                                                                         Boolean isDirectory,
-                                                                         CFURLRef baseURL);
+CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentationRelativeToBase(
+    CFAllocatorRef allocator, const UInt8* buffer, CFIndex length, Boolean isDirectory,
+    CFURLRef baseURL);
 /** Writes the path, unescaped and NUL-terminated, without a trailing slash, into `buffer`. False
  *  when it does not fit, holds a NUL, or the URL has no path. */
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
@@ -110,8 +117,8 @@ CF_EXPORT CFURLRef CFURLGetBaseURL(CFURLRef url);
 /** Whether the URL has the hierarchical form with a path: it has no scheme, or what follows the
  *  scheme begins with a slash. */
 CF_EXPORT Boolean CFURLCanBeDecomposed(CFURLRef url);
-/** Copies the bytes of the URL's own string, without a NUL, and returns their count; -1 when they
- * do not fit. With a NULL buffer it only counts. */
+/** Copies the bytes of the URL's own string, without a NUL, and returns their count; -1 when they do
+ *  not fit. With a NULL buffer it only counts. */
 CF_EXPORT CFIndex CFURLGetBytes(CFURLRef url, UInt8* buffer, CFIndex bufferLength);
 /** Where in those bytes a component lies, {kCFNotFound, 0} when it is missing. The optional second
  *  range also takes in the marks between it and its neighbours; of a missing component it is the
@@ -153,8 +160,8 @@ CF_EXPORT CFStringRef CFURLCopyFragment(CFURLRef url, CFStringRef charactersToLe
 
 /** The last segment, unescaped; "/" for the root and "" for an empty path. */
 CF_EXPORT CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
-/** What follows the last '.' of the last segment, unescaped; NULL without one. A '.' that begins
- * the name begins no extension. */
+/** What follows the last '.' of the last segment, unescaped; NULL without one. A '.' that begins the
+ *  name begins no extension. */
 CF_EXPORT CFStringRef CFURLCopyPathExtension(CFURLRef url);
 /** Appends text, which is escaped and may hold slashes, after exactly one slash. */
 CF_EXPORT CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
@@ -173,8 +180,7 @@ CF_EXPORT CFURLRef CFURLCreateCopyDeletingPathExtension(CFAllocatorRef allocator
 /* ---- Percent escapes ------------------------------------------------------------------------- */
 
 /** `string` with its escapes, taken as UTF-8, replaced, except those of the characters to leave
- *  escaped: NULL leaves all, "" none. NULL when an escape is malformed or its bytes are not text.
- */
+ *  escaped: NULL leaves all, "" none. NULL when an escape is malformed or its bytes are not text. */
 CF_EXPORT CFStringRef CFURLCreateStringByReplacingPercentEscapes(
     CFAllocatorRef allocator, CFStringRef string, CFStringRef charactersToLeaveEscaped);
 /** The same with the encoding behind the escapes. */
@@ -190,14 +196,14 @@ CF_EXPORT CFStringRef CFURLCreateStringByAddingPercentEscapes(
 
 /* ---- Files ----------------------------------------------------------------------------------- */
 
-/* Errors are of the Cocoa domain: 260 for a file that is not there, 262 for a URL that is no
- * file's, each with the URL in its user info. */
+/* Errors are of the Cocoa domain: 260 for a file that is not there, 262 for a URL that is no file's,
+ * each with the URL in its user info. */
 
 /** Whether the file is there. */
 CF_EXPORT Boolean CFURLResourceIsReachable(CFURLRef url, CFErrorRef* error);
 /** Stores the property for `key`, owned by the caller, at `propertyValueTypeRefPtr`: NULL for an
- *  unknown key and for a property that such a file lacks. False, with an error and NULL stored,
- * when the file cannot be asked. */
+ *  unknown key and for a property that such a file lacks. False, with an error and NULL stored, when
+ *  the file cannot be asked. */
 CF_EXPORT Boolean CFURLCopyResourcePropertyForKey(CFURLRef url, CFStringRef key,
                                                   void* propertyValueTypeRefPtr, CFErrorRef* error);
 

@@ -1,0 +1,54 @@
+// CFURLInternal.h: what a URL object holds, for the files that take it apart and put it together.
+#pragma once
+
+#include "CFURLSyntax.h"
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreFoundation/CFRuntime.h>
+#include <CoreFoundation/CFURL.h>
+
+struct __CFURL {
+    CFRuntimeBase base;
+    cf::Ref<CFStringRef> string;
+    cf::Ref<CFURLRef> baseURL;
+    CFStringEncoding encoding = kCFStringEncodingUTF8; // Behind the escapes.
+    cf::url::Parts parts;
+    const char* bytes = nullptr; // The string's ASCII letters, right behind this record.
+    int32_t length = 0;
+
+    std::string_view text() const { return {bytes, static_cast<size_t>(length)}; }
+    std::string_view slice(cf::url::Span span) const { return cf::url::slice(text(), span); }
+    bool canBeDecomposed() const { return !parts.isOpaque(text()); }
+};
+
+namespace cf::url {
+
+bool isURL(CFURLRef url);
+
+// A URL of `text`, relative to `baseURL` where that is given; NULL when it is not legal.
+CFURLRef create(CFAllocatorRef allocator, std::string_view text, CFURLRef baseURL,
+                CFStringEncoding encoding = kCFStringEncodingUTF8);
+
+// The URL whose scheme and net location count for `url`: itself or a base.
+CFURLRef findOwnerOfLocation(CFURLRef url);
+
+// Whether the URL, with its bases, is of the scheme "file".
+bool isFile(CFURLRef url);
+
+// The path and what follows its ';'.
+struct PathParts {
+    Span path;
+    Span parameters;
+};
+PathParts splitParameters(CFURLRef url);
+
+// The URL's own path as bytes of the file system: unescaped, without a trailing slash. False when it
+// has none, or has a NUL.
+bool appendFilePath(CFURLRef url, TextBuffer& result);
+
+// Appends `text` escaped for a path. A colon that would end a scheme is escaped as well when the path
+// is to be relative.
+enum class Colons { Keep, EscapeInFirstSegment };
+void appendPathEscaped(std::string_view text, Colons colons, TextBuffer& result);
+
+} // namespace cf::url
