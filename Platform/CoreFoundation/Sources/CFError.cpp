@@ -2,11 +2,11 @@
 
 #include "CFError.h"
 
+#include <CoreFoundation/CFConstantString.h>
+
 #include "ErrorInternal.h"
 #include "Record.h"
 #include "StringBytes.h"
-
-#include <CoreFoundation/CFConstantString.h>
 
 #include <cstring>
 
@@ -103,12 +103,12 @@ cf::Ref<CFStringRef> describe(CFErrorRef error) {
         return cf::adopt(CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%@ (%@ error %ld - %@)"),
                                                   opening, error->domain.get(), long{error->code},
                                                   description.get()));
-    return cf::adopt(CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%@ (%@ error %ld.)"), opening,
-                                              error->domain.get(), long{error->code}));
+    return cf::adopt(CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%@ (%@ error %ld.)"),
+                                              opening, error->domain.get(), long{error->code}));
 }
 
 // The reentrant form of the C library's text, whichever of its two signatures it has.
-const char* textOf(int status, const char* buffer) {
+[[maybe_unused]] const char* textOf(int status, const char* buffer) {
     return status == 0 ? buffer : nullptr;
 }
 [[maybe_unused]] const char* textOf(const char* text, const char*) {
@@ -191,8 +191,8 @@ void storeError(CFErrorRef* result, CFErrorDomain domain, CFIndex code, const ch
     const auto text = makeString(nullptr, description);
     const void* const key = kCFErrorDescriptionKey;
     const void* const value = text.get();
-    *result = CFErrorCreateWithUserInfoKeysAndValues(nullptr, domain, code, &key, &value,
-                                                     text ? 1 : 0);
+    *result =
+        CFErrorCreateWithUserInfoKeysAndValues(nullptr, domain, code, &key, &value, text ? 1 : 0);
 }
 
 } // namespace cf

@@ -52,8 +52,8 @@ constexpr CFRuntimeClass kURLClass = {
     .copyDebugDescription = copyURLForDebugging,
 };
 
-// The ASCII form of a URL given as bytes: characters beyond ASCII are escaped in `encoding`. False for
-// malformed bytes.
+// The ASCII form of a URL given as bytes: characters beyond ASCII are escaped in `encoding`. False
+// for malformed bytes.
 bool appendLetters(const UInt8* bytes, CFIndex length, CFStringEncoding encoding,
                    cf::TextBuffer& letters) {
     if (length < 0 || (length > 0 && !bytes))

@@ -1,11 +1,10 @@
 // CFURLComponents.cpp: a URL's components as strings, numbers and byte ranges.
 
-#include "CFURL.h"
+#include <CoreFoundation/CFRef.h>
 
+#include "CFURL.h"
 #include "CFURLInternal.h"
 #include "StringBytes.h"
-
-#include <CoreFoundation/CFRef.h>
 
 #include <charconv>
 
@@ -80,8 +79,8 @@ Located locate(CFURLRef url, Span cf::url::Parts::*part) {
 
 // What follows the path (or, without one, the scheme) to the end of the string.
 Span resourceSpecifier(CFURLRef url) {
-    const int32_t start = url->canBeDecomposed() ? cf::url::splitParameters(url).path.end()
-                                                 : url->parts.path.start;
+    const int32_t start =
+        url->canBeDecomposed() ? cf::url::splitParameters(url).path.end() : url->parts.path.start;
     return start < url->length ? Span{start, url->length - start} : Span{start, -1};
 }
 
@@ -145,8 +144,7 @@ SInt32 CFURLGetPortNumber(CFURLRef url) {
     const auto [owner, span] = locate(url, &cf::url::Parts::port);
     const std::string_view digits = owner->slice(span);
     SInt32 port = 0;
-    const auto [end, problem] =
-        std::from_chars(digits.data(), digits.data() + digits.size(), port);
+    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), port);
     const bool isNumber =
         problem == std::errc() && end == digits.data() + digits.size() && port >= 0;
     return isNumber ? port : -1;

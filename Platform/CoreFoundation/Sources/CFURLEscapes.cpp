@@ -1,11 +1,10 @@
 // CFURLEscapes.cpp: percent escapes in strings that are not URLs yet, or no longer.
 
-#include "CFURL.h"
+#include <CoreFoundation/CFRef.h>
 
+#include "CFURL.h"
 #include "CFURLSyntax.h"
 #include "StringBytes.h"
-
-#include <CoreFoundation/CFRef.h>
 
 namespace {
 
@@ -107,8 +106,8 @@ private:
     UnitBuffer result_;
 };
 
-// The letters that RFC 2396 lets stand in a URL: those that are not control characters, white space,
-// delimiters or unwise.
+// The letters that RFC 2396 lets stand in a URL: those that are not control characters, white
+// space, delimiters or unwise.
 bool isLegalLetter(UniChar unit) {
     constexpr std::string_view kIllegal = "`#%^{}\"[]|\\<>";
     return unit > 0x20 && unit < 0x7F &&
@@ -128,8 +127,7 @@ CFStringRef CFURLCreateStringByReplacingPercentEscapesUsingEncoding(
     CFStringEncoding encoding) {
     if (!string)
         return nullptr;
-    if (!charactersToLeaveEscaped ||
-        CFStringFind(string, CFSTR("%"), 0).location == kCFNotFound)
+    if (!charactersToLeaveEscaped || CFStringFind(string, CFSTR("%"), 0).location == kCFNotFound)
         return CFStringCreateCopy(allocator, string);
     Unescaper unescaper(string, charactersToLeaveEscaped, encoding);
     return unescaper.run() ? createFrom(allocator, unescaper.result()) : nullptr;

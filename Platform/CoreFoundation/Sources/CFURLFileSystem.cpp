@@ -1,14 +1,14 @@
 // CFURLFileSystem.cpp: URLs of file system paths, and the paths of URLs.
 
-#include "CFURL.h"
+#include <Host/Host.h>
 
+#include "CFURL.h"
 #include "CFURLInternal.h"
 #include "StringBytes.h"
 
-#include <Host/Host.h>
+#include <limits.h>
 
 #include <algorithm>
-#include <limits.h>
 
 namespace cf::url {
 
@@ -139,10 +139,9 @@ CFURLRef createFromPath(CFAllocatorRef allocator, std::string_view given, CFURLP
         text.append(std::string_view("file://"));
         cf::url::appendPathEscaped(view(taken.host), cf::url::Colons::EscapeInFirstSegment, text);
     }
-    cf::url::appendPathEscaped(view(taken.path),
-                               taken.isAbsolute ? cf::url::Colons::Keep
-                                                : cf::url::Colons::EscapeInFirstSegment,
-                               text);
+    cf::url::appendPathEscaped(
+        view(taken.path),
+        taken.isAbsolute ? cf::url::Colons::Keep : cf::url::Colons::EscapeInFirstSegment, text);
     if (isDirectory && !view(text).ends_with('/'))
         text.append('/');
     if (text.failed())
@@ -209,9 +208,9 @@ CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef fil
                             nullptr);
 }
 
-CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef allocator,
-                                                     CFStringRef filePath, CFURLPathStyle pathStyle,
-                                                     Boolean isDirectory, CFURLRef baseURL) {
+CFURLRef CFURLCreateWithFileSystemPathRelativeToBase(CFAllocatorRef allocator, CFStringRef filePath,
+                                                     CFURLPathStyle pathStyle, Boolean isDirectory,
+                                                     CFURLRef baseURL) {
     return createFromString(allocator, filePath, pathStyle, isDirectory, Base::Given, baseURL);
 }
 
@@ -231,8 +230,7 @@ Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBas
                                          CFIndex maxBufLen) {
     if (!cf::url::isURL(url) || !buffer || maxBufLen <= 0)
         return false;
-    const auto whole =
-        resolveAgainstBase ? cf::adopt(CFURLCopyAbsoluteURL(url)) : cf::retain(url);
+    const auto whole = resolveAgainstBase ? cf::adopt(CFURLCopyAbsoluteURL(url)) : cf::retain(url);
     cf::TextBuffer path;
     if (!whole || !cf::url::appendFilePath(whole.get(), path))
         return false;

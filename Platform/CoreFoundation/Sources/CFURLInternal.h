@@ -1,11 +1,11 @@
 // CFURLInternal.h: what a URL object holds, for the files that take it apart and put it together.
 #pragma once
 
-#include "CFURLSyntax.h"
-
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 #include <CoreFoundation/CFURL.h>
+
+#include "CFURLSyntax.h"
 
 struct __CFURL {
     CFRuntimeBase base;
@@ -42,12 +42,12 @@ struct PathParts {
 };
 PathParts splitParameters(CFURLRef url);
 
-// The URL's own path as bytes of the file system: unescaped, without a trailing slash. False when it
-// has none, or has a NUL.
+// The URL's own path as bytes of the file system: unescaped, without a trailing slash. False when
+// it has none, or has a NUL.
 bool appendFilePath(CFURLRef url, TextBuffer& result);
 
-// Appends `text` escaped for a path. A colon that would end a scheme is escaped as well when the path
-// is to be relative.
+// Appends `text` escaped for a path. A colon that would end a scheme is escaped as well when the
+// path is to be relative.
 enum class Colons { Keep, EscapeInFirstSegment };
 void appendPathEscaped(std::string_view text, Colons colons, TextBuffer& result);
 

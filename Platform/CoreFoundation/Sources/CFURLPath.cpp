@@ -1,7 +1,6 @@
 // CFURLPath.cpp: looking at and editing the last segment of a URL's path.
 
 #include "CFURL.h"
-
 #include "CFURLInternal.h"
 #include "StringBytes.h"
 
@@ -98,8 +97,7 @@ CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRe
                          url->encoding, component))
         return nullptr;
     const std::string_view old = url->slice(cf::url::splitParameters(url).path);
-    const bool needsSlash =
-        old.empty() ? url->parts.authority.isPresent() : !old.ends_with('/');
+    const bool needsSlash = old.empty() ? url->parts.authority.isPresent() : !old.ends_with('/');
     std::string_view added = view(component);
     if (added.starts_with('/') && (needsSlash || old.ends_with('/')))
         added.remove_prefix(1);

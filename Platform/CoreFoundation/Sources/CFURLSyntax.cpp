@@ -53,8 +53,8 @@ size_t findFirst(std::string_view text, std::string_view letters, size_t from, s
     return found == std::string_view::npos ? end : found;
 }
 
-// Where a port's colon stands: behind the bracket of a numerical host, or the last one; the colons of
-// a password lie before the host.
+// Where a port's colon stands: behind the bracket of a numerical host, or the last one; the colons
+// of a password lie before the host.
 size_t findPort(std::string_view text, size_t host, size_t end) {
     const std::string_view rest = text.substr(host, end - host);
     const size_t bracket = rest.rfind(']');

@@ -17,8 +17,8 @@ struct Span {
     int32_t end() const { return isPresent() ? start + length : start; }
 };
 
-// Where the components of a reference lie. A missing one has the place where it would begin. The path
-// is always present; the parts of the authority are when it is.
+// Where the components of a reference lie. A missing one has the place where it would begin. The
+// path is always present; the parts of the authority are when it is.
 struct Parts {
     Span scheme;
     Span authority;

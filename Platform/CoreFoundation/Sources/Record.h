@@ -8,8 +8,8 @@
 namespace cf {
 
 // A new instance of a registered class with its members in their initial state, and `trailingBytes`
-// of zeroes behind it; nullptr when there is no memory. `Record` is an aggregate that begins with its
-// CFRuntimeBase, which the runtime has filled and construction must hand on.
+// of zeroes behind it; nullptr when there is no memory. `Record` is an aggregate that begins with
+// its CFRuntimeBase, which the runtime has filled and construction must hand on.
 template <typename Record>
 Record* construct(CFAllocatorRef allocator, CFTypeID type, size_t trailingBytes = 0) {
     if (trailingBytes > static_cast<size_t>(PTRDIFF_MAX) - sizeof(Record))

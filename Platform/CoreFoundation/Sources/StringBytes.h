@@ -1,10 +1,10 @@
 // StringBytes.h: from strings to bytes and back, for code that works on bytes.
 #pragma once
 
-#include "GrowableArray.h"
-
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFString.h>
+
+#include "GrowableArray.h"
 
 namespace cf {
 
@@ -44,8 +44,8 @@ inline Ref<CFStringRef> makeString(CFAllocatorRef allocator, std::string_view by
 class CString {
 public:
     explicit CString(CFStringRef string) {
-        isValid_ = string && appendUTF8(string, text_) &&
-                   view(text_).find('\0') == std::string_view::npos;
+        isValid_ =
+            string && appendUTF8(string, text_) && view(text_).find('\0') == std::string_view::npos;
         text_.append('\0');
         isValid_ = isValid_ && !text_.failed();
     }

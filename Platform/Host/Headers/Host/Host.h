@@ -154,6 +154,19 @@ HOST_EXPORT int64_t HostFileRead(int descriptor, void* buffer, size_t size);
 /** Writes all of `size` bytes at the current position; false when the host refuses some. */
 HOST_EXPORT bool HostFileWrite(int descriptor, const void* bytes, size_t size);
 
+/** A descriptor open for writing at the end of an existing or new file, whatever its position, or
+ *  -1. */
+HOST_EXPORT int HostFileOpenForAppending(const char* path);
+/** Moves the current position to `offset` from the start; false for a pipe or a negative offset. */
+HOST_EXPORT bool HostFileSetPosition(int descriptor, int64_t offset);
+/** The current position, or -1 where there is none. */
+HOST_EXPORT int64_t HostFileGetPosition(int descriptor);
+/** Puts a file of `size` bytes in the place of the one at `path`, if any: readers see the old bytes
+ *  or the new ones, also when the host fails in between. False leaves the old file. */
+HOST_EXPORT bool HostFileReplace(const char* path, const void* bytes, size_t size);
+/** Gives the file another name, in place of a file of that name. */
+HOST_EXPORT bool HostFileRename(const char* path, const char* newPath);
+
 /** A file's bytes in memory, read-only. */
 typedef struct HostMapping {
     const void* bytes; /**< NULL for an empty file. */
@@ -170,6 +183,14 @@ HOST_EXPORT bool HostFileGetModificationTime(const char* path, double* seconds);
 HOST_EXPORT bool HostFileExists(const char* path);
 HOST_EXPORT bool HostFileIsDirectory(const char* path);
 
+/** Makes the folder and those above it that are missing; true when it is there in the end. */
+HOST_EXPORT bool HostDirectoryCreate(const char* path);
+/** Calls `function` with the name of each file and folder in the folder, in no order, but for "."
+ *  and "..". False when it cannot be read to its end. */
+HOST_EXPORT bool HostDirectoryEnumerate(const char* path,
+                                        void (*function)(const char* name, void* context),
+                                        void* context);
+
 /** Joins two path parts with exactly one slash into `buffer`; an absolute `name` still follows
  *  `folder`. An empty `folder` adds nothing, so that a relative name stays one. False, with an
  *  empty buffer, when the result with its end mark does not fit. */
@@ -184,6 +205,23 @@ HOST_EXPORT bool HostPathGetImageOfAddress(const void* address, char* buffer, si
 HOST_EXPORT bool HostPathGetCachesDirectory(char* buffer, size_t capacity);
 /** The user's folder for settings, created when missing: $XDG_CONFIG_HOME, else $HOME/.config. */
 HOST_EXPORT bool HostPathGetPreferencesDirectory(char* buffer, size_t capacity);
+/** The folder for settings of all users, which need not exist: the first of $XDG_CONFIG_DIRS, else
+ *  /etc/xdg. */
+HOST_EXPORT bool HostPathGetSystemPreferencesDirectory(char* buffer, size_t capacity);
+/** The folder that relative paths start from. */
+HOST_EXPORT bool HostPathGetWorkingDirectory(char* buffer, size_t capacity);
+/** The machine's name on its network. */
+HOST_EXPORT bool HostGetMachineName(char* buffer, size_t capacity);
+
+/* ---- Shared libraries -------------------------------------------------------------------- */
+
+/** Loads a shared library, or counts another user of one that is loaded; NULL as `path` stands for
+ *  the program with all that it is linked to. A handle, or NULL. */
+HOST_EXPORT void* HostLibraryOpen(const char* path);
+/** Gives a handle up; with the last one the library is unloaded. */
+HOST_EXPORT void HostLibraryClose(void* library);
+/** The address of an exported name in the library or those that it is linked to, or NULL. */
+HOST_EXPORT void* HostLibraryFindSymbol(void* library, const char* name);
 
 HOST_END_DECLS
 
