@@ -6,8 +6,6 @@
 #include "CFURLInternal.h"
 #include "StringBytes.h"
 
-#include <limits.h>
-
 #include <algorithm>
 
 namespace cf::url {
@@ -33,6 +31,19 @@ bool appendFilePath(CFURLRef url, TextBuffer& result) {
     if (result.size() > 1 && result.last() == '/')
         result.removeLast();
     return !result.empty() && view(result).find('\0') == std::string_view::npos;
+}
+
+bool getHostPath(CFURLRef url, HostPath& path) {
+    return isURL(url) && isFile(url) &&
+           CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path.text),
+                                            sizeof path.text);
+}
+
+Ref<CFURLRef> makeFileURL(CFAllocatorRef allocator, const char* path, bool isDirectory,
+                          CFURLRef baseURL) {
+    return adopt(CFURLCreateFromFileSystemRepresentationRelativeToBase(
+        allocator, reinterpret_cast<const UInt8*>(path), static_cast<CFIndex>(std::strlen(path)),
+        isDirectory, baseURL));
 }
 
 } // namespace cf::url
@@ -120,11 +131,10 @@ bool take(std::string_view given, CFURLPathStyle style, GivenPath& result) {
 }
 
 cf::Ref<CFURLRef> makeWorkingDirectory() {
-    char path[PATH_MAX];
-    if (!HostPathGetWorkingDirectory(path, sizeof path))
+    cf::url::HostPath path;
+    if (!HostPathGetWorkingDirectory(path.text, sizeof path.text))
         return nullptr;
-    return cf::adopt(CFURLCreateFromFileSystemRepresentation(
-        nullptr, reinterpret_cast<const UInt8*>(path), static_cast<CFIndex>(strlen(path)), true));
+    return cf::url::makeFileURL(nullptr, path.text, true);
 }
 
 enum class Base { Given, WorkingDirectory };

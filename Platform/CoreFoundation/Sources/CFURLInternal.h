@@ -7,6 +7,8 @@
 
 #include "CFURLSyntax.h"
 
+#include <climits>
+
 struct __CFURL {
     CFRuntimeBase base;
     cf::Ref<CFStringRef> string;
@@ -45,6 +47,17 @@ PathParts splitParameters(CFURLRef url);
 // The URL's own path as bytes of the file system: unescaped, without a trailing slash. False when
 // it has none, or has a NUL.
 bool appendFilePath(CFURLRef url, TextBuffer& result);
+
+// A path for the host's functions.
+struct HostPath {
+    char text[PATH_MAX];
+};
+// The absolute path of a "file" URL. False for other URLs and paths that are too long.
+bool getHostPath(CFURLRef url, HostPath& path);
+
+// The URL of a path of the host's.
+Ref<CFURLRef> makeFileURL(CFAllocatorRef allocator, const char* path, bool isDirectory,
+                          CFURLRef baseURL = nullptr);
 
 // Appends `text` escaped for a path. A colon that would end a scheme is escaped as well when the
 // path is to be relative.
