@@ -62,13 +62,14 @@ CF_EXPORT CFDictionaryRef CFBundleGetLocalInfoDictionary(CFBundleRef bundle);
 /** The value from the latter, else the former dictionary; lent. */
 CF_EXPORT CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
 CF_EXPORT CFStringRef CFBundleGetIdentifier(CFBundleRef bundle);
-/** The version "1.2.3b4" as a number: the major version in two binary-coded decimal digits in the
- *  top byte, minor and bug fix in one digit each, then the stage (0x20 d, 0x40 a, 0x60 b, 0x80
- *  final) and its number in a byte. A CFNumber is taken as it is. 0 for a version that does not read
- *  so. */
+/** The version "1.2.3b4" as a number: the major version in two binary-coded decimal digits in
+ *  the top byte, minor and bug fix in one digit each, then the stage (0x20 d, 0x40 a, 0x60 b,
+ *  0x80 final) and its number in a byte. A CFNumber is taken as it is. 0 for a version that does
+ *  not read so. */
 CF_EXPORT UInt32 CFBundleGetVersionNumber(CFBundleRef bundle);
 CF_EXPORT CFStringRef CFBundleGetDevelopmentRegion(CFBundleRef bundle);
-/** The information dictionary of a folder without making a bundle of it; NULL when there is none. */
+/** The information dictionary of a folder without making a bundle of it; NULL when there is
+ *  none. */
 CF_EXPORT CFDictionaryRef CFBundleCopyInfoDictionaryInDirectory(CFURLRef bundleURL);
 
 /* ---- Resources ------------------------------------------------------------------------------- */

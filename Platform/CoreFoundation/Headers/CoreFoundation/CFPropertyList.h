@@ -37,7 +37,7 @@ enum {
     kCFPropertyListReadCorruptError = 3840,        /**< The bytes are not well-formed. */
     kCFPropertyListReadUnknownVersionError = 3841, /**< A form newer than those known here. */
     kCFPropertyListReadStreamError = 3842,         /**< The stream failed. */
-    kCFPropertyListWriteStreamError = 3851         /**< The stream, or the list, cannot be written. */
+    kCFPropertyListWriteStreamError = 3851 /**< The stream, or the list, cannot be written. */
 };
 
 /** The list in `data`, of whichever format, which is stored at `format` (may be NULL). A binary

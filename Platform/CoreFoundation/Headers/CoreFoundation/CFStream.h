@@ -1,8 +1,8 @@
 /* CFStream.h: bytes read from and written to files and memory.
  *
- * A stream is opened once, used, and closed once; closing ends it for good. All calls block until
- * they can answer. A stream belongs to one thread at a time. Reading or writing a stream that is not
- * open answers -1 and changes nothing. */
+ * A stream is opened once, used, and closed once; closing ends it for good. All calls block
+ * until they can answer. A stream belongs to one thread at a time. Reading or writing a stream
+ * that is not open answers -1 and changes nothing. */
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -40,9 +40,9 @@ CF_EXPORT CFTypeID CFWriteStreamGetTypeID(void);
 
 /* ---- Reading --------------------------------------------------------------------------------- */
 
-/** A stream over `length` bytes of the caller's memory, which must stay while the stream lives; they
- *  are freed by `bytesDeallocator` (NULL: the default allocator; kCFAllocatorNull: never) when it is
- *  finalised. When the result is NULL they are still the caller's. */
+/** A stream over `length` bytes of the caller's memory, which must stay while the stream lives;
+ *  they are freed by `bytesDeallocator` (NULL: the default allocator; kCFAllocatorNull: never)
+ *  when it is finalised. When the result is NULL they are still the caller's. */
 CF_EXPORT CFReadStreamRef CFReadStreamCreateWithBytesNoCopy(CFAllocatorRef allocator,
                                                             const UInt8* bytes, CFIndex length,
                                                             CFAllocatorRef bytesDeallocator);

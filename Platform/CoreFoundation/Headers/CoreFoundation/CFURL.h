@@ -1,15 +1,15 @@
 /* CFURL.h: uniform resource locators: parsing, resolution, editing, and file system paths.
  *
- * A CFURL is a string in the syntax of RFC 3986 and, optionally, the base URL that it is relative
- * to. It is immutable. Its string is always ASCII: whatever else it stands for is percent-escaped,
- * in UTF-8 unless an encoding was named when it was created.
+ * A CFURL is a string in the syntax of RFC 3986 and, optionally, the base URL that it is
+ * relative to. It is immutable. Its string is always ASCII: whatever else it stands for is
+ * percent-escaped, in UTF-8 unless an encoding was named when it was created.
  *
- * The Copy functions for components look at the URL's own string, not at the resolved one, with one
- * exception: scheme, net location, host, port, user and password are taken from the base where the
- * relative string has neither scheme nor net location of its own. A component that is not there is
- * NULL. Parameters are what follows the first ';' of a path's last segment (RFC 1738); the path then
- * ends before it. URLs of the scheme "file" have none, because ';' is an ordinary letter of file
- * names. */
+ * The Copy functions for components look at the URL's own string, not at the resolved one, with
+ * one exception: scheme, net location, host, port, user and password are taken from the base
+ * where the relative string has neither scheme nor net location of its own. A component that is
+ * not there is NULL. Parameters are what follows the first ';' of a path's last segment (RFC
+ * 1738); the path then ends before it. URLs of the scheme "file" have none, because ';' is an
+ * ordinary letter of file names. */
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
@@ -117,8 +117,8 @@ CF_EXPORT CFURLRef CFURLGetBaseURL(CFURLRef url);
 /** Whether the URL has the hierarchical form with a path: it has no scheme, or what follows the
  *  scheme begins with a slash. */
 CF_EXPORT Boolean CFURLCanBeDecomposed(CFURLRef url);
-/** Copies the bytes of the URL's own string, without a NUL, and returns their count; -1 when they do
- *  not fit. With a NULL buffer it only counts. */
+/** Copies the bytes of the URL's own string, without a NUL, and returns their count; -1 when
+ *  they do not fit. With a NULL buffer it only counts. */
 CF_EXPORT CFIndex CFURLGetBytes(CFURLRef url, UInt8* buffer, CFIndex bufferLength);
 /** Where in those bytes a component lies, {kCFNotFound, 0} when it is missing. The optional second
  *  range also takes in the marks between it and its neighbours; of a missing component it is the
@@ -160,8 +160,8 @@ CF_EXPORT CFStringRef CFURLCopyFragment(CFURLRef url, CFStringRef charactersToLe
 
 /** The last segment, unescaped; "/" for the root and "" for an empty path. */
 CF_EXPORT CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
-/** What follows the last '.' of the last segment, unescaped; NULL without one. A '.' that begins the
- *  name begins no extension. */
+/** What follows the last '.' of the last segment, unescaped; NULL without one. A '.' that begins
+ *  the name begins no extension. */
 CF_EXPORT CFStringRef CFURLCopyPathExtension(CFURLRef url);
 /** Appends text, which is escaped and may hold slashes, after exactly one slash. */
 CF_EXPORT CFURLRef CFURLCreateCopyAppendingPathComponent(CFAllocatorRef allocator, CFURLRef url,
@@ -180,7 +180,8 @@ CF_EXPORT CFURLRef CFURLCreateCopyDeletingPathExtension(CFAllocatorRef allocator
 /* ---- Percent escapes ------------------------------------------------------------------------- */
 
 /** `string` with its escapes, taken as UTF-8, replaced, except those of the characters to leave
- *  escaped: NULL leaves all, "" none. NULL when an escape is malformed or its bytes are not text. */
+ *  escaped: NULL leaves all, "" none. NULL when an escape is malformed or its bytes are not
+ *  text. */
 CF_EXPORT CFStringRef CFURLCreateStringByReplacingPercentEscapes(
     CFAllocatorRef allocator, CFStringRef string, CFStringRef charactersToLeaveEscaped);
 /** The same with the encoding behind the escapes. */
@@ -196,14 +197,14 @@ CF_EXPORT CFStringRef CFURLCreateStringByAddingPercentEscapes(
 
 /* ---- Files ----------------------------------------------------------------------------------- */
 
-/* Errors are of the Cocoa domain: 260 for a file that is not there, 262 for a URL that is no file's,
- * each with the URL in its user info. */
+/* Errors are of the Cocoa domain: 260 for a file that is not there, 262 for a URL that is no
+ * file's, each with the URL in its user info. */
 
 /** Whether the file is there. */
 CF_EXPORT Boolean CFURLResourceIsReachable(CFURLRef url, CFErrorRef* error);
 /** Stores the property for `key`, owned by the caller, at `propertyValueTypeRefPtr`: NULL for an
- *  unknown key and for a property that such a file lacks. False, with an error and NULL stored, when
- *  the file cannot be asked. */
+ *  unknown key and for a property that such a file lacks. False, with an error and NULL stored,
+ *  when the file cannot be asked. */
 CF_EXPORT Boolean CFURLCopyResourcePropertyForKey(CFURLRef url, CFStringRef key,
                                                   void* propertyValueTypeRefPtr, CFErrorRef* error);
 
