@@ -72,6 +72,10 @@ void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer
         return;
     }
     const CFArrayRef paths = XGClippingGetPaths(clipping);
+    if (!paths && !outer) {
+        surface.clipRect(toSkia(XGClippingGetBoundingBox(clipping)), antialias);
+        return;
+    }
     surface.clipRect(ownEdges(XGClippingGetBoundingBox(clipping), paths, outer), antialias);
     const CFIndex first = outer ? commonPaths(paths, XGClippingGetPaths(outer)) : 0;
     for (CFIndex index = first; index < countOf(paths); ++index)

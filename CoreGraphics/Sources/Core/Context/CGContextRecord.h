@@ -24,6 +24,8 @@ struct CGContext {
     XGContextCallbacks callbacks = {};
     // A consumed path that nobody else holds, emptied: the next one starts in its storage.
     cf::Ref<CGMutablePathRef> sparePath;
+    // A restored-away state that nobody else holds, emptied: the next save copies into it.
+    cf::Ref<XGGStateRef> spareState;
 };
 
 namespace cg {

@@ -3,8 +3,10 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Core/State/StateReuse.h"
 
 #include <cmath>
+#include <utility>
 
 using cg::stateOf;
 
@@ -23,12 +25,27 @@ bool push(CGContext& context) {
     return CFArrayGetCount(saved) == count + 1;
 }
 
+// A copy of the current state, in the memory of one that was restored away if there is any.
+cf::Ref<XGGStateRef> copyOfState(CGContext& context) {
+    auto spare = std::move(context.spareState);
+    if (!spare)
+        return cf::adopt(XGGStateCreateCopy(context.state.get()));
+    return cg::copyState(spare.get(), context.state.get()) ? spare : nullptr;
+}
+
+void recycleState(CGContext& context, cf::Ref<XGGStateRef> state) {
+    if (CFGetRetainCount(state.get()) != 1)
+        return;
+    cg::emptyState(state.get());
+    context.spareState = std::move(state);
+}
+
 } // namespace
 
 void CGContextSaveGState(CGContextRef context) {
     if (!context)
         return;
-    auto copy = cf::adopt(XGGStateCreateCopy(context->state.get()));
+    auto copy = copyOfState(*context);
     if (copy && push(*context))
         context->state = std::move(copy);
 }
@@ -40,9 +57,11 @@ void CGContextRestoreGState(CGContextRef context) {
         return;
     // A destination that keeps the clip rasterised has the one of the state that goes.
     const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get());
+    auto dropped = std::move(context->state);
     context->state = cf::retain(
         static_cast<XGGStateRef>(const_cast<void*>(CFArrayGetValueAtIndex(saved, count - 1))));
     CFArrayRemoveValueAtIndex(saved, count - 1);
+    recycleState(*context, std::move(dropped));
     if (clipDiffers)
         XGGStateSetShouldRasterizeClipRegion(context->state.get(), true);
 }

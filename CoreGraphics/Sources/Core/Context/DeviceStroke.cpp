@@ -1,9 +1,9 @@
 // DeviceStroke.cpp: pens and dashes of user space, applied to paths in device space.
 
+#include "Core/Context/DeviceStroke.h"
+
 #include "XGLineDash.h"
 #include "XGPath.h"
-
-#include "Core/Context/DeviceStroke.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,8 @@
 // BlendMode.cpp: the table of blend modes.
 
-#include "Core/Object/RuntimeOptions.h"
 #include "Core/State/BlendMode.h"
+
+#include "Core/Object/RuntimeOptions.h"
 
 #include <array>
 #include <cstdint>

@@ -1,10 +1,12 @@
 // XGClipping.cpp: the clip region that a graphics state holds.
 
 #include "XGClipping.h"
+
 #include "XGPath.h"
 #include <CoreFoundation/CFRef.h>
 
 #include "Core/Object/RuntimeObject.h"
+#include "Core/State/StateReuse.h"
 
 struct XGClipping {
     CFRuntimeBase base;
@@ -93,8 +95,18 @@ XGClippingRef XGClippingCreateCopy(XGClippingRef clipping) {
         return nullptr;
     Clipping copy = makeClipping(clipping->rect);
     if (copy)
-        copy.get()->paths = clipping->paths;
+        cg::copyClipping(copy.get(), clipping);
     return copy.release();
+}
+
+void cg::copyClipping(XGClippingRef target, XGClippingRef source) {
+    target->rect = source->rect;
+    target->paths = source->paths;
+}
+
+void cg::emptyClipping(XGClippingRef clipping) {
+    clipping->rect = CGRectNull;
+    clipping->paths = nullptr;
 }
 
 XGClippingRef XGClippingRetain(XGClippingRef clipping) {

@@ -1,11 +1,13 @@
 // XGGState.cpp: making, copying and comparing graphics states.
 
 #include "XGGState.h"
+
 #include <Host/Host.h>
 
 #include "Core/Geometry/NearlyEqual.h"
 #include "Core/Object/RuntimeObject.h"
 #include "Core/State/BlendMode.h"
+#include "Core/State/StateReuse.h"
 #include "Core/State/XGGStateRecord.h"
 
 namespace {
@@ -28,14 +30,33 @@ XGGStateRef XGGStateCreateCopy(XGGStateRef state) {
     if (!state)
         return nullptr;
     auto copy = cf::adopt(cg::create<XGGState>(kGStateClass));
-    if (!copy)
-        return nullptr;
-    XGGState& made = *copy.get();
-    made.values = state->values;
-    made.values.flags &= ~uint32_t{cg::kDidModifyClipRegion};
-    made.clipping = cf::adopt(XGClippingCreateCopy(state->clipping.get()));
-    // Without its clip a copy would draw where it must not.
-    return state->clipping && !made.clipping ? nullptr : copy.release();
+    return copy && cg::copyState(copy.get(), state) ? copy.release() : nullptr;
+}
+
+// Without its clip a copy would draw where it must not, so that such a copy has failed.
+bool cg::copyState(XGGStateRef target, XGGStateRef source) {
+    target->values = source->values;
+    target->values.flags &= ~uint32_t{kDidModifyClipRegion};
+    if (!source->clipping)
+        target->clipping = nullptr;
+    else if (target->clipping && CFGetRetainCount(target->clipping.get()) == 1)
+        copyClipping(target->clipping.get(), source->clipping.get());
+    else
+        target->clipping = cf::adopt(XGClippingCreateCopy(source->clipping.get()));
+    return target->clipping || !source->clipping;
+}
+
+void cg::emptyState(XGGStateRef state) {
+    StateValues& values = state->values;
+    values.fillColor = nullptr;
+    values.strokeColor = nullptr;
+    values.shadowColor = nullptr;
+    values.font = nullptr;
+    values.lineDash = nullptr;
+    if (state->clipping && CFGetRetainCount(state->clipping.get()) == 1)
+        emptyClipping(state->clipping.get());
+    else
+        state->clipping = nullptr;
 }
 
 XGGStateRef XGGStateRetain(XGGStateRef state) {

@@ -14,9 +14,9 @@ void updateTransforms(cg::StateValues& values) {
     const CGFloat x = values.xScale / values.deviceScale;
     const CGFloat y = std::fabs(values.yScale) / values.deviceScale;
     // Most contexts have no scales, and transforms change often.
-    values.combinedCTM = x == 1 && y == 1
-                             ? values.ctm
-                             : CGAffineTransformConcat(values.ctm, CGAffineTransformMakeScale(x, y));
+    values.combinedCTM =
+        x == 1 && y == 1 ? values.ctm
+                         : CGAffineTransformConcat(values.ctm, CGAffineTransformMakeScale(x, y));
     if (!(values.flags & cg::kHasTextCTM))
         return;
     values.textCTM = values.ctm;
