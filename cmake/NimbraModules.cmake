@@ -31,3 +31,25 @@ set(NIMBRA_CG_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Headers)
 set(NIMBRA_CG_PRIVATE_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/PrivateHeaders)
 set(NIMBRA_CG_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Sources)
 set(NIMBRA_TESTS_DIR ${CMAKE_CURRENT_SOURCE_DIR}/tests)
+
+# nimbra_library(NAME HEADERS FOLDER): what our shared libraries have in common: their version, the
+# names that they export (cmake/NAME.map), and how they and their headers are installed and found.
+function(nimbra_library name headers)
+    set(map ${PROJECT_SOURCE_DIR}/cmake/${name}.map)
+    target_link_options(${name} PRIVATE -Wl,--version-script=${map})
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION 0 LINK_DEPENDS ${map} INSTALL_RPATH $ORIGIN)
+    target_include_directories(${name} INTERFACE
+        $<BUILD_INTERFACE:${headers}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    add_library(Nimbra::${name} ALIAS ${name})
+
+    install(TARGETS ${name} EXPORT NimbraTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+    install(DIRECTORY ${headers}/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/${name}.modulemap
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name} RENAME module.modulemap)
+    file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${name}.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()

@@ -52,6 +52,8 @@ CG_EXPORT const CFStringRef kCGColorSpaceExtendedLinearSRGB;
 CG_EXPORT const CFStringRef kCGColorSpaceExtendedSRGB;
 CG_EXPORT const CFStringRef kCGColorSpaceGenericXYZ;
 CG_EXPORT const CFStringRef kCGColorSpaceITUR_2020;
+CG_EXPORT const CFStringRef kCGColorSpaceITUR_2100_HLG;
+CG_EXPORT const CFStringRef kCGColorSpaceITUR_2100_PQ;
 CG_EXPORT const CFStringRef kCGColorSpaceITUR_709;
 CG_EXPORT const CFStringRef kCGColorSpaceLinearGray;
 CG_EXPORT const CFStringRef kCGColorSpaceLinearSRGB;

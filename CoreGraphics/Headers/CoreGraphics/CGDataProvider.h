@@ -27,6 +27,17 @@ typedef struct CGDataProviderSequentialCallbacks {
     CGDataProviderReleaseInfoCallback releaseInfo;
 } CGDataProviderSequentialCallbacks;
 
+/** Skips the next `count` bytes of a stream. */
+typedef void (*CGDataProviderSkipBytesCallback)(void* info, size_t count);
+
+/** What a provider over a stream called before callbacks had versions. */
+typedef struct CGDataProviderCallbacks {
+    CGDataProviderGetBytesCallback getBytes;
+    CGDataProviderSkipBytesCallback skipBytes;
+    CGDataProviderRewindCallback rewind;
+    CGDataProviderReleaseInfoCallback releaseProvider;
+} CGDataProviderCallbacks;
+
 /** All bytes at once, valid until handed back; NULL when they cannot be had. */
 typedef const void* (*CGDataProviderGetBytePointerCallback)(void* info);
 /** Hands the bytes back. */

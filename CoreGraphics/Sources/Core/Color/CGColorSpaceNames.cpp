@@ -27,6 +27,8 @@ DEFINE_NAME(kCGColorSpaceExtendedLinearSRGB);
 DEFINE_NAME(kCGColorSpaceExtendedSRGB);
 DEFINE_NAME(kCGColorSpaceGenericXYZ);
 DEFINE_NAME(kCGColorSpaceITUR_2020);
+DEFINE_NAME(kCGColorSpaceITUR_2100_HLG);
+DEFINE_NAME(kCGColorSpaceITUR_2100_PQ);
 DEFINE_NAME(kCGColorSpaceITUR_709);
 DEFINE_NAME(kCGColorSpaceLinearGray);
 DEFINE_NAME(kCGColorSpaceLinearSRGB);
