@@ -1,5 +1,8 @@
 """Writes the gallery's page: a summary, the misses, and every picture beside the reference."""
 
+from html import escape
+from statistics import median
+
 STYLE = """
 body { font: 15px/1.45 system-ui, sans-serif; margin: 2rem auto; max-width: 1180px;
        padding: 0 1rem; color: #222; background: #fafafa; }
@@ -23,31 +26,23 @@ td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; }
 details > summary { cursor: pointer; font-weight: 600; margin: 1.2rem 0 .6rem; }
 """
 
-CAPTIONS = (("ours", "ours"), ("reference", "rsvg-convert"), ("difference", "difference"))
+CAPTIONS = (("ours", "ours"), ("reference", "rsvg"), ("difference", "difference"))
 
 
-def escape(text):
-    for raw, entity in (("&", "&amp;"), ("<", "&lt;"), (">", "&gt;"), ('"', "&quot;")):
-        text = text.replace(raw, entity)
-    return text
-
-
-def kind_of(picture):
-    return "symbolic" if picture.is_symbolic else "full-colour"
-
-
-def median(values):
-    ordered = sorted(values)
-    return ordered[len(ordered) // 2] if ordered else 0.0
+KINDS = {
+    "symbolic": "symbolic",
+    "full-colour": "full-colour",
+    "flattened": "full-colour, gradients flattened in both",
+}
 
 
 def groups_of(pictures):
-    """The pictures by theme, kind and size, in that order."""
+    """The pictures by theme, kind and size, in the order in which these first come."""
     groups = {}
     for picture in pictures:
-        key = (picture.key.split("/")[0], kind_of(picture), picture.size)
+        key = (picture.key.split("/")[0], KINDS[picture.kind], picture.size)
         groups.setdefault(key, []).append(picture)
-    return sorted(groups.items(), key=lambda item: (item[0][0], item[0][1] != "symbolic", item[0][2]))
+    return list(groups.items())
 
 
 def summary(pictures):
@@ -64,7 +59,7 @@ def summary(pictures):
             "<td class='number good'>%d</td><td class='number%s'>%d</td>"
             "<td class=number>%.2f</td><td class=number>%.2f</td><td class=number>%.1f</td></tr>" % (
                 escape(theme), kind, size, len(group), passed, " bad" if missed else "", missed,
-                median([p.mean for p in measured]), max((p.mean for p in measured), default=0),
+                median([p.mean for p in measured] or [0]), max((p.mean for p in measured), default=0),
                 max((p.block for p in measured), default=0)))
     rows.append("</table>")
     return rows
@@ -130,7 +125,7 @@ def write(path, pictures, seconds, most_mean, most_block):
     lines += ["<h2>Misses</h2>"] + misses_by_reason(pictures)
     lines += ["<h2>Pictures</h2>"]
     for (theme, kind, size), group in groups_of(pictures):
-        is_open = size == 64 or kind == "full-colour"
+        is_open = size >= 64 and size < 256
         lines += section("%s, %s, %d pixels" % (theme, kind, size), group, is_open)
     with open(path, "w", encoding="utf-8") as file:
         file.write("\n".join(lines) + "\n</html>\n")

@@ -1,0 +1,289 @@
+// RenderTest.cpp: drawings whose pixels follow from the SVG standard, looked at one by one.
+
+#include "Renderer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+// A premultiplied pixel as 0xAARRGGBB, which is how 32-bit BGRA reads on a little-endian machine.
+constexpr std::uint32_t kClear = 0, kBlack = 0xFF000000, kRed = 0xFFFF0000, kLime = 0xFF00FF00,
+                        kBlue = 0xFF0000FF;
+
+struct Probe {
+    std::size_t x;
+    std::size_t y;
+    std::uint32_t pixel;
+};
+
+std::optional<svg::Document> parse(const std::string& text) {
+    std::string error;
+    auto document = svg::Document::parse(text, error);
+    EXPECT_TRUE(document) << error << "\n" << text;
+    return document;
+}
+
+// Expects these pixels of a 40 × 40 drawing, to one level of each component.
+void expectPixels(const char* what, const std::string& content, const std::vector<Probe>& probes) {
+    const auto document = parse("<svg xmlns='http://www.w3.org/2000/svg' width='40' height='40'>" +
+                                content + "</svg>");
+    ASSERT_TRUE(document);
+    svg::Report report("drawing");
+    const svg::Context context = svg::render(*document, 40, 40, report);
+    const auto* data = static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+    ASSERT_TRUE(data);
+    for (const auto& [x, y, expected] : probes) {
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel, data + y * CGBitmapContextGetBytesPerRow(context.get()) + x * 4, 4);
+        for (int shift = 0; shift < 32; shift += 8)
+            EXPECT_NEAR(double(pixel >> shift & 0xFF), double(expected >> shift & 0xFF), 1)
+                << what << " at " << x << ", " << y << ": " << std::hex << pixel;
+    }
+}
+
+struct Case {
+    const char* what;
+    const char* content;
+    std::vector<Probe> probes;
+};
+
+void expectAll(const std::vector<Case>& cases) {
+    for (const auto& [what, content, probes] : cases)
+        expectPixels(what, content, probes);
+}
+
+TEST(Render, PutsTheFirstRowOnTop) {
+    expectAll({
+        {"y runs down",
+         "<rect width='40' height='10' fill='red'/>",
+         {{5, 5, kRed}, {5, 15, kClear}}},
+        {"later over earlier",
+         "<rect width='20' height='20' fill='red'/><rect width='20' height='20' fill='lime'/>",
+         {{10, 10, kLime}}},
+        {"fill before stroke",
+         "<rect x='10' y='10' width='20' height='20' fill='red' stroke='lime' stroke-width='8'/>",
+         {{12, 20, kLime}, {20, 20, kRed}, {7, 20, kLime}}},
+        {"stroke before fill",
+         "<rect x='10' y='10' width='20' height='20' fill='red' stroke='lime' stroke-width='8' "
+         "paint-order='stroke'/>",
+         {{12, 20, kRed}, {7, 20, kLime}}},
+    });
+}
+
+TEST(Render, GroupOpacityCountsOnce) {
+    expectAll({
+        {"overlap in a group",
+         "<g opacity='.5'><rect width='20' height='20'/><rect x='10' width='20' height='20'/></g>",
+         {{5, 5, 0x80000000}, {15, 5, 0x80000000}, {25, 5, 0x80000000}}},
+        {"overlap of two",
+         "<rect width='20' height='20' opacity='.5'/><rect width='20' height='20' opacity='.5'/>",
+         {{5, 5, 0xC0000000}}},
+        {"fill and stroke of one shape",
+         "<rect x='10' y='10' width='20' height='20' stroke='black' stroke-width='8' "
+         "opacity='.5'/>",
+         {{12, 20, 0x80000000}, {20, 20, 0x80000000}}},
+        {"groups in groups",
+         "<g opacity='.5'><g opacity='.5'><rect width='40' height='40'/></g></g>",
+         {{20, 20, 0x40000000}}},
+        {"none at all", "<g opacity='0'><rect width='40' height='40'/></g>", {{20, 20, kClear}}},
+    });
+}
+
+TEST(Render, BlendsGroupsAsCssNamesIt) {
+    expectAll({
+        {"multiply",
+         "<rect width='40' height='40' fill='yellow'/>"
+         "<rect width='40' height='40' fill='aqua' style='mix-blend-mode:multiply'/>",
+         {{20, 20, kLime}}},
+        {"difference",
+         "<rect width='40' height='40' fill='yellow'/>"
+         "<g style='mix-blend-mode:difference'><rect width='40' height='40' fill='lime'/></g>",
+         {{20, 20, kRed}}},
+        {"an isolated group does not blend with what lies under it",
+         "<rect width='40' height='40' fill='yellow'/><g style='isolation:isolate'>"
+         "<rect width='40' height='40' fill='blue' style='mix-blend-mode:multiply'/></g>",
+         {{20, 20, kBlue}}},
+    });
+}
+
+TEST(Render, ClipsToTheUnionOfAClipPathsShapes) {
+    expectAll({
+        {"one shape",
+         "<clipPath id='c'><rect width='20' height='40'/></clipPath>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{10, 20, kRed}, {30, 20, kClear}}},
+        {"two that overlap, wound against each other",
+         "<clipPath id='c'><path d='M0 0h30v20h-30z'/><path d='M10 10v30h30v-30z'/></clipPath>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{5, 5, kRed}, {20, 15, kRed}, {35, 35, kRed}, {5, 35, kClear}, {35, 5, kClear}}},
+        {"a hole by the even-odd rule",
+         "<clipPath id='c'><path d='M0 0h40v40h-40zM10 10h20v20h-20z' clip-rule='evenodd'/>"
+         "</clipPath><rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{5, 5, kRed}, {20, 20, kClear}}},
+        {"in parts of the bounding box, which strokes do not widen",
+         "<clipPath id='c' clipPathUnits='objectBoundingBox'><rect width='.5' height='1'/>"
+         "</clipPath><g clip-path='url(#c)'><rect x='10' y='10' width='20' height='20' fill='red' "
+         "stroke='lime' stroke-width='4'/></g>",
+         {{15, 20, kRed}, {25, 20, kClear}, {9, 20, kClear}}},
+        {"clipped itself",
+         "<clipPath id='c' clip-path='url(#d)'><rect width='20' height='40'/></clipPath>"
+         "<clipPath id='d'><rect width='40' height='20'/></clipPath>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{10, 10, kRed}, {30, 10, kClear}, {10, 30, kClear}}},
+        {"with a child that is clipped",
+         "<clipPath id='c'><rect width='20' height='40' clip-path='url(#d)'/></clipPath>"
+         "<clipPath id='d'><rect width='40' height='20'/></clipPath>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{10, 10, kRed}, {30, 10, kClear}, {10, 30, kClear}}},
+        {"on a group inside a group that the same one clips",
+         "<clipPath id='c'><rect width='20' height='40'/><rect width='40' height='5'/></clipPath>"
+         "<g clip-path='url(#c)'><g clip-path='url(#c)'><rect width='40' height='40' fill='red'/>"
+         "</g></g>",
+         {{10, 20, kRed}, {30, 2, kRed}, {30, 20, kClear}}},
+        {"without shapes: nothing is left",
+         "<clipPath id='c'/><rect width='40' height='40' clip-path='url(#c)'/>",
+         {{20, 20, kClear}}},
+        {"a hidden shape does not count",
+         "<clipPath id='c'><rect width='40' height='40' visibility='hidden'/></clipPath>"
+         "<rect width='40' height='40' clip-path='url(#c)'/>",
+         {{20, 20, kClear}}},
+        {"one that does not exist: everything is left",
+         "<rect width='40' height='40' fill='red' clip-path='url(#no)'/>",
+         {{20, 20, kRed}}},
+        {"one that needs itself is left out",
+         "<clipPath id='c'><rect width='20' height='40' clip-path='url(#c)'/></clipPath>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{10, 20, kRed}, {30, 20, kClear}}},
+        {"a mask does not reach beyond its group",
+         "<clipPath id='c'><rect width='9' height='9'/><rect x='31' width='9' "
+         "height='9'/></clipPath>"
+         "<rect width='40' height='40' fill='lime'/>"
+         "<rect width='40' height='40' fill='red' clip-path='url(#c)'/>",
+         {{4, 4, kRed}, {35, 4, kRed}, {20, 20, kLime}}},
+    });
+}
+
+TEST(Render, StrokesWhatTheStandardSays) {
+    expectAll({
+        {"a point with square caps",
+         "<path d='M20 20h0' stroke='red' stroke-width='20' stroke-linecap='square'/>",
+         {{12, 12, kRed}, {20, 20, kRed}, {5, 20, kClear}}},
+        {"a point with butt caps",
+         "<path d='M20 20h0' stroke='red' stroke-width='20'/>",
+         {{20, 20, kClear}}},
+        {"a width that no transform changes",
+         "<g transform='scale(4 1)'><path d='M5 0v40' stroke='red' stroke-width='4' "
+         "vector-effect='non-scaling-stroke'/></g>",
+         {{20, 20, kRed}, {17, 20, kClear}, {23, 20, kClear}}},
+        {"a width that follows the transform",
+         "<g transform='scale(4 1)'><path d='M5 0v40' stroke='red' stroke-width='4'/></g>",
+         {{13, 20, kRed}, {26, 20, kRed}, {10, 20, kClear}}},
+        {"a width in parts of the viewport",
+         "<path d='M0 20h40' stroke='red' stroke-width='50%'/>",
+         {{20, 11, kRed}, {20, 28, kRed}, {20, 8, kClear}}},
+        {"an odd list of dashes is repeated",
+         "<path d='M0 20h40' stroke='red' stroke-width='10' stroke-dasharray='10 5 5'/>",
+         {{5, 20, kRed},
+          {12, 20, kClear},
+          {17, 20, kRed},
+          {25, 20, kClear},
+          {32, 20, kRed},
+          {37, 20, kClear}}},
+        {"a negative dash makes the line solid",
+         "<path d='M0 20h40' stroke='red' stroke-width='10' stroke-dasharray='10 -5'/>",
+         {{12, 20, kRed}}},
+    });
+}
+
+TEST(Render, ResolvesUses) {
+    expectAll({
+        {"moved, with the style of the use",
+         "<defs><rect id='r' width='10' height='10'/></defs><use href='#r' x='20' y='10' "
+         "fill='red'/>",
+         {{25, 15, kRed}, {5, 5, kClear}}},
+        {"a symbol is drawn by uses alone, and clipped",
+         "<symbol id='s' viewBox='0 0 10 10'><rect x='-9' width='19' height='10' fill='red'/>"
+         "</symbol><use href='#s' x='20' y='20' width='10' height='10'/>",
+         {{5, 5, kClear}, {25, 25, kRed}, {15, 25, kClear}}},
+        {"one that contains itself is left out",
+         "<g id='g'><rect width='10' height='10' fill='red'/><use href='#g' x='20'/></g>",
+         {{5, 5, kRed}, {25, 5, kClear}}},
+        {"two that contain each other",
+         "<g id='a'><rect width='9' height='9'/><use href='#b' x='10'/></g>"
+         "<g id='b'><rect width='9' height='9' fill='red'/><use href='#a' y='20'/></g>",
+         {{5, 5, kRed}, {15, 5, kRed}, {5, 25, kBlack}}},
+        {"nothing at the end of the link",
+         "<use href='#none'/><use href='http://x/y#z'/><use/>",
+         {{20, 20, kClear}}},
+    });
+}
+
+TEST(Render, FallsBackWhereItCannotPaintYet) {
+    const std::string gradient = "<linearGradient id='g'><stop stop-color='red'/>"
+                                 "<stop offset='1' stop-color='blue' stop-opacity='.5'/>"
+                                 "</linearGradient><radialGradient id='h' href='#g'/>";
+    // Half red, half blue of alpha 0.5: alpha 0.75, red 0.5 and blue 0.25, premultiplied.
+    constexpr std::uint32_t average = 0xBF800040;
+    const auto draw = [&](const char* what, const std::string& rest, std::uint32_t pixel) {
+        expectPixels(what, gradient + rest, {{20, 20, pixel}});
+    };
+    draw("average", "<rect width='40' height='40' fill='url(#g)'/>", average);
+    draw("stops along links", "<rect width='40' height='40' fill='url(#h)'/>", average);
+    draw("the document's fallback", "<rect width='40' height='40' fill='url(#g) lime'/>", kLime);
+    draw("no fallback for nothing", "<rect width='40' height='40' fill='url(#no)'/>", kClear);
+    draw("one stop is a plain colour",
+         "<linearGradient id='o'><stop stop-color='lime'/></linearGradient>"
+         "<rect width='40' height='40' fill='url(#o)'/>",
+         kLime);
+    draw("a ring of links",
+         "<linearGradient id='p' href='#q'/><linearGradient id='q' href='#p'/>"
+         "<rect width='40' height='40' fill='url(#p)'/>",
+         kClear);
+}
+
+TEST(Render, EndsWhateverADocumentAsksFor) {
+    // Ten levels of ten uses each ask for ten thousand million rectangles.
+    std::string content = "<defs><rect id='l0' width='40' height='40' fill='red'/>";
+    for (int level = 1; level <= 10; ++level) {
+        content += "<g id='l" + std::to_string(level) + "'>";
+        for (int i = 0; i < 10; ++i)
+            content += "<use href='#l" + std::to_string(level - 1) + "'/>";
+        content += "</g>";
+    }
+    expectPixels("nested uses", content + "</defs><use href='#l10'/>", {{20, 20, kRed}});
+    expectPixels("huge numbers",
+                 "<rect width='1e30' height='1e38' x='-1e29' stroke='red' stroke-width='1e38'/>"
+                 "<circle r='1e300'/><path d='M1e38 1e38L-1e38 0z' transform='scale(1e38)'/>",
+                 {});
+}
+
+TEST(Document, SizeFollowsFromWhatIsGiven) {
+    const struct {
+        const char* attributes;
+        double width;
+        double height;
+    } cases[] = {
+        {"width='30' height='20'", 30, 20},
+        {"width='1in' height='72pt'", 96, 96},
+        {"viewBox='0 0 30 20'", 30, 20},
+        {"viewBox='0 0 30 20' width='60'", 60, 40},
+        {"viewBox='0 0 30 20' height='10'", 15, 10},
+        {"viewBox='0 0 30 20' width='50%' height='100%'", 15, 20},
+        {"", 300, 150},
+        {"width='0' height='5'", 0, 5},
+    };
+    for (const auto& [attributes, width, height] : cases) {
+        const auto document =
+            parse(std::string("<svg xmlns='http://www.w3.org/2000/svg' ") + attributes + "/>");
+        ASSERT_TRUE(document);
+        EXPECT_EQ(svg::sizeOf(*document).width, width) << attributes;
+        EXPECT_EQ(svg::sizeOf(*document).height, height) << attributes;
+    }
+}
+
+} // namespace
