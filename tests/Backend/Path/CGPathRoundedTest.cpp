@@ -2,8 +2,11 @@
 
 #include "Paths.h"
 
+#include <src/core/SkPathPriv.h>
+
 #include <bit>
 #include <cmath>
+#include <span>
 #include <vector>
 
 namespace {
@@ -78,6 +81,12 @@ TEST(CGPathRoundedRect, SurvivesAnyRect) {
         CGPathAddRoundedRect(path.get(), nullptr, {{0, 0}, {value, value}}, 1, 1);
         CGPathAddRoundedRect(path.get(), nullptr, CGRectNull, value, value);
         EXPECT_EQ(pathKinds(path.get()).substr(0, 6), "MCCCCZ") << value;
+        const Path corners =
+            cf::adopt(CGPathCreateWithRoundedRect({{0, 0}, {value, 8}}, kInfinity, 1, nullptr));
+        for (const SkPoint& point :
+             std::span(SkPathPriv::PointData(native(corners.get())),
+                       static_cast<std::size_t>(native(corners.get()).countPoints())))
+            EXPECT_FALSE(std::isinf(point.fX) || std::isinf(point.fY)) << value;
     }
 }
 

@@ -23,39 +23,40 @@ constexpr float kCornerToControl = 0.44808495f; // 0x3EE56B64
 enum class Sides { Drawn, None };
 
 // The start, then for each corner the end of the side before it and the points of its cubic.
-using RoundedPoints = std::array<CGPoint, 17>;
+using RoundedPoints = std::array<SkPoint, 17>;
 
-RoundedPoints roundedPoints(const CGRect& rect, CGFloat rx, CGFloat ry) {
+template <typename At>
+RoundedPoints roundedPoints(const CGRect& rect, CGFloat rx, CGFloat ry, At at) {
     const auto [minX, maxX] = cg::horizontal(rect);
     const auto [minY, maxY] = cg::vertical(rect);
     const CGFloat kx = kCornerToControl * rx;
     const CGFloat ky = kCornerToControl * ry;
-    return {{{maxX, CGRectGetMidY(rect)},
-             {maxX, maxY - ry},
-             {maxX, maxY - ky},
-             {maxX - kx, maxY},
-             {maxX - rx, maxY},
-             {minX + rx, maxY},
-             {minX + kx, maxY},
-             {minX, maxY - ky},
-             {minX, maxY - ry},
-             {minX, minY + ry},
-             {minX, minY + ky},
-             {minX + kx, minY},
-             {minX + rx, minY},
-             {maxX - rx, minY},
-             {maxX - kx, minY},
-             {maxX, minY + ky},
-             {maxX, minY + ry}}};
+    return {at(maxX, CGRectGetMidY(rect)), at(maxX, maxY - ry), at(maxX, maxY - ky),
+            at(maxX - kx, maxY),           at(maxX - rx, maxY), at(minX + rx, maxY),
+            at(minX + kx, maxY),           at(minX, maxY - ky), at(minX, maxY - ry),
+            at(minX, minY + ry),           at(minX, minY + ky), at(minX + kx, minY),
+            at(minX + rx, minY),           at(maxX - rx, minY), at(maxX - kx, minY),
+            at(maxX, minY + ky),           at(maxX, minY + ry)};
+}
+
+bool isWithinCoordinates(const CGRect& rect) {
+    const auto [minX, maxX] = cg::horizontal(rect);
+    const auto [minY, maxY] = cg::vertical(rect);
+    return minX >= -cg::kLargestCoordinate && maxX <= cg::kLargestCoordinate &&
+           minY >= -cg::kLargestCoordinate && maxY <= cg::kLargestCoordinate;
+}
+
+// The points lie between the edges, so where those need no pinning nor mapping, no point does: the
+// ellipses of most callers, which cost a tenth less that way.
+RoundedPoints storedPoints(const CGAffineTransform* m, const CGRect& rect, CGFloat rx, CGFloat ry) {
+    if (!m && isWithinCoordinates(rect))
+        return roundedPoints(rect, rx, ry, [](CGFloat x, CGFloat y) { return SkPoint{x, y}; });
+    return roundedPoints(rect, rx, ry, [m](CGFloat x, CGFloat y) { return cg::stored(m, x, y); });
 }
 
 void addRounded(SkPath& path, const CGAffineTransform* m, const CGRect& rect, CGFloat rx,
                 CGFloat ry, Sides sides) {
-    const RoundedPoints given = roundedPoints(rect, rx, ry);
-    std::array<SkPoint, std::tuple_size_v<RoundedPoints>> points;
-    for (std::size_t i = 0; i < points.size(); ++i)
-        points[i] = cg::stored(m, given[i].x, given[i].y);
-
+    const RoundedPoints points = storedPoints(m, rect, rx, ry);
     cg::moveTo(path, points[0]);
     for (std::size_t i = 1; i < points.size(); i += 4) {
         if (sides == Sides::Drawn)
@@ -74,9 +75,10 @@ void addSharp(SkPath& path, const CGAffineTransform* m, const CGRect& rect) {
     cg::addPolygon(path, corners, cg::Closed::Yes);
 }
 
-// At least 0, also for NaN.
+// Between 0 and half the side; 0 where either is NaN.
 CGFloat cornerWithin(CGFloat corner, CGFloat side) {
-    return std::min(std::max(CGFloat{0}, corner), std::abs(side) * 0.5f);
+    const CGFloat half = std::abs(side) * 0.5f;
+    return half > 0 ? std::min(std::max(CGFloat{0}, corner), half) : 0;
 }
 
 template <typename Add>
