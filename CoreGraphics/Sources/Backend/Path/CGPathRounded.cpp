@@ -81,11 +81,14 @@ CGFloat cornerWithin(CGFloat corner, CGFloat side) {
     return half > 0 ? std::min(std::max(CGFloat{0}, corner), half) : 0;
 }
 
+// Mutable though it is, the caller sees a path to read, and may well share it between threads.
 template <typename Add>
 CGPathRef createWith(Add add) {
     const CGMutablePathRef path = CGPathCreateMutable();
-    if (path)
-        add(path);
+    if (!path)
+        return nullptr;
+    add(path);
+    cg::settle(path->path);
     return path;
 }
 

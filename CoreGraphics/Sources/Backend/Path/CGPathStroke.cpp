@@ -101,8 +101,11 @@ CGPathRef CGPathCreateCopyByDashingPath(CGPathRef path, const CGAffineTransform*
         return nullptr;
     const auto dash = cf::adopt(XGLineDashCreate(lengths, static_cast<uint32_t>(count), phase));
     const CGMutablePathRef dashed = _CGPathCreateDashedPath(path, dash.get());
-    if (dashed && m)
+    if (!dashed)
+        return nullptr;
+    if (m)
         dashed->path.transform(cg::skiaMatrix(*m));
+    cg::settle(dashed->path);
     return dashed;
 }
 
