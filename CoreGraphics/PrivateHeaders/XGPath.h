@@ -37,4 +37,24 @@ CG_EXPORT CGPoint* _CGPathElementGetAllPoints(const CGPathElement* element, uint
  *  CGPathCreateCopyByDashingPath. */
 CG_EXPORT CGMutablePathRef _CGPathCreateDashedPath(CGPathRef path, XGLineDashRef dash);
 
+/** Whether the path is a circle within 1 %, of four cubics or of eight quadratics: one contour,
+ *  closed or not, of either direction. `circle`, when given, then receives the square around it. */
+CG_EXPORT bool _CGPathICantBelieveItsNotACircle(CGPathRef path, CGRect* circle);
+
+/** Samples the segment of an element that CGPathApply hands over at `count` even steps, from its
+ *  start up to but not including its end, and answers the place after the last point written. NULL
+ *  for a move, a close, or when there is nowhere to write. */
+CG_EXPORT CGPoint* _CGPathSegmentEvaluate(const CGPathElement* element, CGPoint* points,
+                                          uint32_t count);
+
+/** Writes a path into memory of the process, to be read by the next function, and answers how many
+ *  bytes it takes; with a NULL buffer it only does the latter. 0 for a NULL path. */
+CG_EXPORT size_t _CGPathWriteToBuffer(CGPathRef path, void* buffer);
+/** A path like the one written into a buffer of `length` bytes, mutable if that was. Nothing beyond
+ *  the length is read. Bytes that are no path, with a warning, make an empty path that takes its
+ *  mutability from the last four; fewer than four make NULL. */
+CG_EXPORT CGMutablePathRef _CGPathCreateFromBuffer(const void* buffer, size_t length);
+/** Prints the path's elements for debugging. */
+CG_EXPORT void _CGPathDump(CGPathRef path);
+
 CG_END_DECLS

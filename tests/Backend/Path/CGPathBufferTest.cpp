@@ -1,0 +1,110 @@
+// CGPathBufferTest.cpp: paths through flat memory and back, also through damaged memory.
+
+#include "Paths.h"
+#include "Support/CollectedLog.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+using namespace test;
+
+std::vector<char> bufferOf(CGPathRef path) {
+    std::vector<char> buffer(_CGPathWriteToBuffer(path, nullptr));
+    EXPECT_EQ(_CGPathWriteToBuffer(path, buffer.data()), buffer.size());
+    return buffer;
+}
+
+Path fromBuffer(const std::vector<char>& buffer) {
+    return cf::adopt<CGPathRef>(_CGPathCreateFromBuffer(buffer.data(), buffer.size()));
+}
+
+MutablePath everyKind() {
+    MutablePath path = makeLines({{1, 1}, {2, 2}});
+    CGPathAddQuadCurveToPoint(path.get(), nullptr, 3, 3, 4, 4);
+    CGPathAddCurveToPoint(path.get(), nullptr, 5, 5, 6, 6, 7, 7);
+    CGPathAddArcToPoint(path.get(), nullptr, 20, 7, 20, 20, 4);
+    CGPathCloseSubpath(path.get());
+    _CGPathSetEvenOddFill(path.get(), 1);
+    return path;
+}
+
+TEST(CGPathBuffer, BringsBackElementsRuleAndMutability) {
+    const MutablePath open = everyKind();
+    const struct {
+        const char* what;
+        Path path;
+        bool isMutable;
+    } cases[] = {
+        {"empty", cf::adopt<CGPathRef>(CGPathCreateMutable()), true},
+        {"mutable", cf::adopt<CGPathRef>(CGPathCreateMutableCopy(open.get())), true},
+        {"immutable", cf::adopt(CGPathCreateCopy(open.get())), false},
+        {"ellipse", cf::adopt(CGPathCreateWithEllipseInRect({{0, 0}, {4, 2}}, nullptr)), true},
+    };
+    for (const auto& [what, path, isMutable] : cases) {
+        const Path read = fromBuffer(bufferOf(path.get()));
+        ASSERT_TRUE(read) << what;
+        EXPECT_TRUE(CGPathEqualToPath(read.get(), path.get())) << what;
+        EXPECT_EQ(_CGPathIsEvenOddFill(read.get()), _CGPathIsEvenOddFill(path.get())) << what;
+        CGPathAddRect(const_cast<CGMutablePathRef>(read.get()), nullptr, {{0, 0}, {1, 1}});
+        EXPECT_EQ(!CGPathEqualToPath(read.get(), path.get()), isMutable) << what;
+    }
+}
+
+TEST(CGPathBuffer, EndsWithTheFlagWord) {
+    std::vector<char> buffer = bufferOf(everyKind().get());
+    EXPECT_EQ(buffer.size(), native(everyKind().get()).writeToMemory(nullptr) + 4);
+    const uint32_t flags = 0xABCD0001;
+    std::memcpy(buffer.data() + buffer.size() - 4, &flags, 4);
+    const std::vector<char> again = bufferOf(fromBuffer(buffer).get());
+    EXPECT_EQ(again, buffer) << "unknown flags travel along";
+}
+
+TEST(CGPathBuffer, ThatIsUnreadableIsAnEmptyPath) {
+    const CollectedLog log;
+    const std::vector<char> garbage = {9, 9, 9, 9, 9, 9, 9, 9, 1, 0, 0, 0};
+    const Path path = fromBuffer(garbage);
+    EXPECT_TRUE(path);
+    EXPECT_TRUE(CGPathEqualToPath(path.get(), makePath().get()));
+    EXPECT_FALSE(fromBuffer({1, 0, 0}));
+    EXPECT_FALSE(_CGPathCreateFromBuffer(nullptr, 100));
+    EXPECT_EQ(log.lines().size(), 3u);
+    EXPECT_EQ(_CGPathWriteToBuffer(nullptr, nullptr), 0u);
+    _CGPathDump(nullptr);
+}
+
+// Whatever is read must stand up to being used.
+void useEverything(CGPathRef path) {
+    pathText(path);
+    CGPathGetBoundingBox(path);
+    CGPathGetPathBoundingBox(path);
+    CGPathContainsPoint(path, nullptr, {3, 3}, true);
+    CGPathIsRect(path, nullptr);
+    _CGPathICantBelieveItsNotACircle(path, nullptr);
+    EXPECT_TRUE(cf::adopt(_CGPathCreateReversedPath(path)));
+    const MutablePath longer = cf::adopt(CGPathCreateMutableCopy(path));
+    CGPathAddLineToPoint(longer.get(), nullptr, 1, 2);
+    CGPathAddArc(longer.get(), nullptr, 0, 0, 1, 0, 1, false);
+    EXPECT_EQ(native(path).getFillType() == SkPathFillType::kEvenOdd, _CGPathIsEvenOddFill(path));
+    EXPECT_FALSE(native(path).isInverseFillType());
+}
+
+TEST(CGPathBuffer, SurvivesDamage) {
+    const std::vector<char> whole = bufferOf(everyKind().get());
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        // A copy of just that length, so that a read beyond it is noticed.
+        if (const Path path = fromBuffer({whole.begin(), whole.begin() + std::ptrdiff_t(length)}))
+            useEverything(path.get());
+    }
+    for (std::size_t at = 0; at < whole.size(); ++at)
+        for (const int damage : {1, 2, 4, 8, 16, 32, 64, 128, 255}) {
+            std::vector<char> damaged = whole;
+            damaged[at] = static_cast<char>(damaged[at] ^ damage);
+            if (const Path path = fromBuffer(damaged))
+                useEverything(path.get());
+        }
+}
+
+} // namespace
