@@ -151,10 +151,7 @@ Boolean CFDictionaryContainsValue(CFDictionaryRef dictionary, const void* value)
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-    if (!isDictionary(dictionary))
-        return nullptr;
-    const auto at = dictionary->table.find(key);
-    return at == HashTable::kNowhere ? nullptr : dictionary->table.valueAt(at);
+    return isDictionary(dictionary) ? dictionary->table.valueOf(key) : nullptr;
 }
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,

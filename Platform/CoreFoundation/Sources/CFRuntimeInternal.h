@@ -48,7 +48,8 @@ inline constexpr const char* kLogCategory = "CoreFoundation";
 
 // Whether `object` is an instance of the class: the guard of every exported function.
 inline bool isA(CFTypeRef object, const CFRuntimeClass& record) {
-    return _CFRuntimeIsNative(object) && _CFRuntimeGetClass(object) == &record;
+    const uintptr_t word = reinterpret_cast<uintptr_t>(&record) + kCFRuntimeClassTag;
+    return object && static_cast<const CFRuntimeBase*>(object)->classWord == word;
 }
 
 // The class's own flag of collections that may be changed.

@@ -23,19 +23,22 @@ bool hasRoom(std::size_t capacity, std::size_t count) {
 HashTable::HashTable(CFAllocatorRef allocator, Entries entries,
                      const CFDictionaryKeyCallBacks* keyCallBacks,
                      const CFDictionaryValueCallBacks* valueCallBacks)
-    : allocator_(allocator), stride_(static_cast<uint32_t>(entries)),
+    : strideBits_(static_cast<uint8_t>(entries)),
+      hasCallBacks_(keyCallBacks && (keyCallBacks->hash || keyCallBacks->equal)),
+      allocator_(allocator),
       keyCallBacks_(keyCallBacks ? *keyCallBacks : CFDictionaryKeyCallBacks{}),
       valueCallBacks_(valueCallBacks ? *valueCallBacks : CFDictionaryValueCallBacks{}) {}
 
 HashTable::Position HashTable::firstFrom(Position position) const {
-    while (position < capacity_ && tags_[position] == 0)
+    const std::size_t end = capacity();
+    while (position < end && tags_[position] == 0)
         ++position;
-    return position < capacity_ ? position : kNowhere;
+    return position < end ? position : kNowhere;
 }
 
 bool HashTable::reserve(CFIndex count) {
     const auto needed = static_cast<std::size_t>(count);
-    if (hasRoom(capacity_, needed))
+    if (hasRoom(capacity(), needed))
         return true;
     if (needed > kMostCapacity / 4 * 3)
         return false;
@@ -44,7 +47,7 @@ bool HashTable::reserve(CFIndex count) {
 }
 
 bool HashTable::setCapacity(std::size_t capacity) {
-    const std::size_t entrySize = stride_ * sizeof(void*) + sizeof(uint32_t);
+    const std::size_t entrySize = (sizeof(void*) << strideBits_) + sizeof(uint32_t);
     CFIndex size = 0;
     if (capacity > kMostCapacity || __builtin_mul_overflow(capacity, entrySize, &size))
         return false;
@@ -54,17 +57,18 @@ bool HashTable::setCapacity(std::size_t capacity) {
 
     const void** const oldSlots = slots_;
     const uint32_t* const oldTags = tags_;
-    const std::size_t oldCapacity = capacity_;
+    const std::size_t oldCapacity = this->capacity();
+    std::memset(block, 0, static_cast<std::size_t>(size));
     slots_ = static_cast<const void**>(block);
-    tags_ = reinterpret_cast<uint32_t*>(slots_ + capacity * stride_);
-    capacity_ = capacity;
-    shift_ = 32 - static_cast<uint32_t>(std::countr_zero(capacity));
-    std::memset(tags_, 0, capacity * sizeof(uint32_t));
+    tags_ = reinterpret_cast<uint32_t*>(slots_ + (capacity << strideBits_));
+    places_ = capacity;
     for (std::size_t i = 0; i < oldCapacity; ++i) {
+        const void** const entry = oldSlots + (i << strideBits_);
         if (oldTags[i] != 0)
-            place(oldTags[i], oldSlots[i * stride_], oldSlots[i * stride_ + stride_ - 1]);
+            place(oldTags[i], entry[0], entry[strideBits_]);
     }
-    CFAllocatorDeallocate(allocator_, oldSlots);
+    if (oldCapacity > 0)
+        CFAllocatorDeallocate(allocator_, oldSlots);
     return true;
 }
 
@@ -75,22 +79,38 @@ void HashTable::place(uint32_t tag, const void* key, const void* value) {
     while (tags_[at] != 0)
         at = after(at);
     tags_[at] = tag;
-    slots_[at * stride_ + stride_ - 1] = value;
-    slots_[at * stride_] = key;
+    const void** const entry = slots_ + (at << strideBits_);
+    entry[strideBits_] = value;
+    entry[0] = key;
 }
 
 // Moves back the entries behind a gap that would no longer be found across it.
 void HashTable::closeGap(Position gap) {
-    const Position mask = capacity_ - 1;
+    const std::size_t mask = places_ - 1;
     for (Position at = after(gap); tags_[at] != 0; at = after(at)) {
         const bool reachable = ((at - homeOf(tags_[at])) & mask) < ((at - gap) & mask);
         if (reachable)
             continue;
         tags_[gap] = tags_[at];
-        std::copy_n(slots_ + at * stride_, stride_, slots_ + gap * stride_);
+        slots_[(gap << strideBits_) + strideBits_] = lastAt(at);
+        slots_[gap << strideBits_] = keyAt(at);
         gap = at;
     }
     tags_[gap] = 0;
+    slots_[gap << strideBits_] = nullptr;
+}
+
+HashTable::Position HashTable::find(uint32_t tag, const void* key) const {
+    for (Position at = homeOf(tag); tags_[at] != 0; at = after(at)) {
+        if (tags_[at] == tag && keysAreEqual(keyAt(at), key))
+            return at;
+    }
+    return kNowhere;
+}
+
+const void* HashTable::valueByTag(const void* key) const {
+    const Position at = find(key);
+    return at == kNowhere ? nullptr : valueAt(at);
 }
 
 // A retain callback that makes copies has nothing to give when memory runs out.
@@ -109,18 +129,18 @@ bool HashTable::retainValue(const void*& value) const {
 }
 
 void HashTable::releaseEntry(const void* key, const void* value) const {
-    if (stride_ == 2 && valueCallBacks_.release)
+    if (hasValues() && valueCallBacks_.release)
         valueCallBacks_.release(allocator_, value);
     if (keyCallBacks_.release)
         keyCallBacks_.release(allocator_, key);
 }
 
 bool HashTable::insert(uint32_t tag, const void* key, const void* value) {
-    if (!hasRoom(capacity_, count_ + 1) && !reserve(count() + 1))
+    if (!hasRoom(capacity(), count_ + 1) && !reserve(count() + 1))
         return false;
     if (!retainKey(key))
         return false;
-    if (stride_ == 1) {
+    if (!hasValues()) {
         value = key;
     } else if (!retainValue(value)) {
         if (keyCallBacks_.release)
@@ -142,15 +162,14 @@ bool HashTable::set(const void* key, const void* value) {
     const Position at = find(tag, key);
     if (at == kNowhere)
         return insert(tag, key, value);
-    return stride_ == 1 ? replaceKeyAt(at, key) : replaceValueAt(at, value);
+    return hasValues() ? replaceValueAt(at, value) : replaceKeyAt(at, key);
 }
 
 bool HashTable::addAll(const HashTable& other) {
     if (!reserve(other.count()))
         return false;
     for (Position at = other.firstFrom(0); at != kNowhere; at = other.firstFrom(at + 1)) {
-        const void* const value = stride_ == 2 ? other.valueAt(at) : nullptr;
-        if (!insert(other.tags_[at], other.keyAt(at), value))
+        if (!insert(other.tags_[at], other.keyAt(at), other.lastAt(at)))
             return false;
     }
     return true;
@@ -160,7 +179,7 @@ bool HashTable::replaceValueAt(Position position, const void* value) {
     const void* const old = valueAt(position);
     if (!retainValue(value))
         return false;
-    slots_[position * stride_ + 1] = value;
+    slots_[position * 2 + 1] = value;
     if (valueCallBacks_.release)
         valueCallBacks_.release(allocator_, old);
     return true;
@@ -170,7 +189,7 @@ bool HashTable::replaceKeyAt(Position position, const void* key) {
     const void* const old = keyAt(position);
     if (!retainKey(key))
         return false;
-    slots_[position * stride_] = key;
+    slots_[position << strideBits_] = key;
     if (keyCallBacks_.release)
         keyCallBacks_.release(allocator_, old);
     return true;
@@ -181,22 +200,31 @@ void HashTable::remove(const void* key) {
     if (at == kNowhere)
         return;
     const void* const oldKey = keyAt(at);
-    const void* const oldValue = slots_[at * stride_ + stride_ - 1];
+    const void* const oldValue = lastAt(at);
     --count_;
     closeGap(at);
     releaseEntry(oldKey, oldValue);
 }
 
+// A table with no entries and no memory, as at first.
+void HashTable::forgetMemory() {
+    slots_ = const_cast<const void**>(kNoSlots);
+    tags_ = const_cast<uint32_t*>(kNoTags);
+    places_ = 2;
+    count_ = 0;
+}
+
 void HashTable::removeAll() {
     const void** const slots = slots_;
     const uint32_t* const tags = tags_;
-    const std::size_t capacity = capacity_;
-    slots_ = nullptr;
-    tags_ = nullptr;
-    capacity_ = count_ = 0;
-    for (std::size_t i = 0; i < capacity; ++i) {
+    const std::size_t end = capacity();
+    if (end == 0)
+        return;
+    forgetMemory();
+    for (std::size_t i = 0; i < end; ++i) {
+        const void** const entry = slots + (i << strideBits_);
         if (tags[i] != 0)
-            releaseEntry(slots[i * stride_], slots[i * stride_ + stride_ - 1]);
+            releaseEntry(entry[0], entry[strideBits_]);
     }
     CFAllocatorDeallocate(allocator_, slots);
 }
@@ -210,7 +238,7 @@ bool HashTable::equals(const HashTable& other) const {
         const Position there = other.find(keyAt(at));
         if (there == kNowhere)
             return false;
-        if (stride_ == 1)
+        if (!hasValues())
             continue;
         const void* const a = valueAt(at);
         const void* const b = other.valueAt(there);

@@ -12,6 +12,7 @@
 
 #include "CFDictionary.h"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -19,7 +20,7 @@ namespace cf {
 
 class HashTable {
 public:
-    enum class Entries { Keys = 1, KeysAndValues = 2 };
+    enum class Entries : uint8_t { Keys, KeysAndValues };
     using Position = std::size_t;
     static constexpr Position kNowhere = static_cast<Position>(-1);
 
@@ -35,11 +36,23 @@ public:
     const CFDictionaryKeyCallBacks& keyCallBacks() const { return keyCallBacks_; }
     const CFDictionaryValueCallBacks& valueCallBacks() const { return valueCallBacks_; }
 
-    Position find(const void* key) const {
-        return count_ == 0 ? kNowhere : find(tagOf(hashOf(key)), key);
+    Position find(const void* key) const { return find(tagOf(hashOf(key)), key); }
+    const void* keyAt(Position position) const { return slots_[position << strideBits_]; }
+    // Only of a table that has values.
+    const void* valueAt(Position position) const { return slots_[position * 2 + 1]; }
+    // The value of `key` in a table that has values, or nullptr. Looking pointers up is what is
+    // done most: a hit reads the entry alone, and what calls back is kept apart from it.
+    const void* valueOf(const void* key) const {
+        if (hasCallBacks_ || !key)
+            return valueByTag(key);
+        for (Position at = homeOf(tagOf(reinterpret_cast<CFHashCode>(key)));; at = after(at)) {
+            const void* const* const entry = slots_ + at * 2;
+            if (entry[0] == key)
+                return entry[1];
+            if (!entry[0] && tags_[at] == 0)
+                return nullptr;
+        }
     }
-    const void* keyAt(Position position) const { return slots_[position * stride_]; }
-    const void* valueAt(Position position) const { return slots_[position * stride_ + 1]; }
     // The first entry at `position` or behind it. A walk that begins at 0 and goes on behind the
     // entry that it was given stays safe when the table changes meanwhile.
     Position firstFrom(Position position) const;
@@ -59,9 +72,12 @@ public:
     bool equals(const HashTable& other) const;
 
 private:
+    // The upper half of a product that differs there for neighbouring hashes: 2^64 divided by the
+    // golden ratio spaces the multiples of small numbers most evenly. Hashes are addresses more
+    // often than not, in steps of 16: such steps are taken for steps of 1.
     static uint32_t tagOf(CFHashCode hash) {
-        // 2^64 divided by the golden ratio: it sends neighbouring hashes far apart.
-        return static_cast<uint32_t>((hash * UINT64_C(0x9E3779B97F4A7C15)) >> 32) | 1;
+        const uint64_t product = std::rotr(uint64_t{hash}, 4) * UINT64_C(0x9E3779B97F4A7C15);
+        return static_cast<uint32_t>(product >> 32) | 1;
     }
     CFHashCode hashOf(const void* key) const {
         return keyCallBacks_.hash ? keyCallBacks_.hash(key) : reinterpret_cast<CFHashCode>(key);
@@ -70,9 +86,22 @@ private:
         return a == b || (keyCallBacks_.equal && keyCallBacks_.equal(a, b));
     }
 
-    Position homeOf(uint32_t tag) const { return tag >> shift_; }
-    Position after(Position position) const { return (position + 1) & (capacity_ - 1); }
+    // The tag's top bits, as many as places have. A multiplication by the power of two, since a
+    // shift by a variable makes each look-up wait for the one before it: it is compiled to read one
+    // byte of a register that the previous call's last load has written.
+    Position homeOf(uint32_t tag) const {
+        return static_cast<Position>((uint64_t{tag} * places_) >> 32);
+    }
+    Position after(Position position) const { return (position + 1) & (places_ - 1); }
+    std::size_t capacity() const { return slots_ == kNoSlots ? 0 : places_; }
+    bool hasValues() const { return strideBits_ == 1; }
+    // The value of an entry; the key in a table without values.
+    const void* lastAt(Position position) const {
+        return slots_[(position << strideBits_) + strideBits_];
+    }
     Position find(uint32_t tag, const void* key) const;
+    const void* valueByTag(const void* key) const;
+    void forgetMemory();
     void place(uint32_t tag, const void* key, const void* value);
     void closeGap(Position gap);
     bool insert(uint32_t tag, const void* key, const void* value);
@@ -81,25 +110,20 @@ private:
     bool retainValue(const void*& value) const;
     void releaseEntry(const void* key, const void* value) const;
 
-    CFAllocatorRef allocator_;
-    const void** slots_ = nullptr;
-    uint32_t* tags_ = nullptr;
-    std::size_t capacity_ = 0; // A power of two, of which a quarter stays free; or 0.
+    // The places of a table without memory: free, and never filled.
+    static constexpr const void* kNoSlots[4] = {};
+    static constexpr uint32_t kNoTags[2] = {};
+
+    // What a look-up reads comes first, to lie together.
+    const void** slots_ = const_cast<const void**>(kNoSlots);
+    uint32_t* tags_ = const_cast<uint32_t*>(kNoTags);
+    std::size_t places_ = 2;   // A power of two; a quarter of the places stays free.
+    const uint8_t strideBits_; // 1 when a value follows each key, else 0.
+    const bool hasCallBacks_;  // Whether keys are hashed or compared by callbacks.
     std::size_t count_ = 0;
-    uint32_t shift_ = 0; // From a tag to the place it names: 32 less the capacity's bits.
-    const uint32_t stride_;
+    CFAllocatorRef allocator_;
     const CFDictionaryKeyCallBacks keyCallBacks_;
     const CFDictionaryValueCallBacks valueCallBacks_;
 };
-
-inline HashTable::Position HashTable::find(uint32_t tag, const void* key) const {
-    if (count_ == 0)
-        return kNowhere;
-    for (Position at = homeOf(tag); tags_[at] != 0; at = after(at)) {
-        if (tags_[at] == tag && keysAreEqual(keyAt(at), key))
-            return at;
-    }
-    return kNowhere;
-}
 
 } // namespace cf
