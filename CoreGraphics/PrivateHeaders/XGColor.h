@@ -13,7 +13,8 @@ CG_EXPORT bool XGColorEqualToColorComponents(CGColorRef color, CGColorSpaceRef s
 /** The colour expressed in `space`; the colour itself, retained, when its space is equal. Device
  *  gray, RGB and sRGB convert directly: gray to three equal components, RGB to its luma (ITU-R
  *  BT.709-6, 3.2: 0.2126, 0.7152, 0.0722). Indexed colours go through their table, pattern colours
- *  through their base. NULL when no transform between the two can be made. */
+ *  through their base, all others through the profiles of the two spaces. NULL when no transform
+ *  between the two can be made. */
 CG_EXPORT CGColorRef XGColorCreateWithColor(CGColorSpaceRef space, CGColorRef color,
                                             CGColorRenderingIntent intent);
 

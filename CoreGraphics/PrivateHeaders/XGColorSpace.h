@@ -11,6 +11,8 @@ CG_EXPORT CGColorSpaceRef XGColorSpaceGetDeviceGray(void);
 CG_EXPORT CGColorSpaceRef XGColorSpaceGetDeviceRGB(void);
 CG_EXPORT CGColorSpaceRef XGColorSpaceGetDeviceCMYK(void);
 
+/** The sRGB space, made the first time by its name; NULL as long as it cannot be made. */
+CG_EXPORT CGColorSpaceRef XGColorSpaceGetSRGB(void);
 /** Whether the space was made by the name kCGColorSpaceSRGB; the same profile by other means does
  *  not count. */
 CG_EXPORT bool XGColorSpaceIsSRGB(CGColorSpaceRef space);

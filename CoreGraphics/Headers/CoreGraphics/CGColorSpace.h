@@ -1,34 +1,26 @@
 /* CGColorSpace.h: what the components of a colour mean. */
 #pragma once
 
+#include <CoreFoundation/CFData.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreGraphics/CGBase.h>
+#include <CoreGraphics/CGDataProvider.h>
 
 CG_BEGIN_DECLS
 
 typedef struct CGColorSpace* CGColorSpaceRef;
 
 /** How colours outside the destination's range are mapped into it (ICC.1, rendering intents). */
-CG_ENUM(int32_t, CGColorRenderingIntent) {
-    kCGRenderingIntentDefault = 0,
-    kCGRenderingIntentAbsoluteColorimetric = 1,
-    kCGRenderingIntentRelativeColorimetric = 2,
-    kCGRenderingIntentPerceptual = 3,
-    kCGRenderingIntentSaturation = 4
-};
+CG_ENUM(int32_t, CGColorRenderingIntent){
+    kCGRenderingIntentDefault = 0, kCGRenderingIntentAbsoluteColorimetric = 1,
+    kCGRenderingIntentRelativeColorimetric = 2, kCGRenderingIntentPerceptual = 3,
+    kCGRenderingIntentSaturation = 4};
 
 /** What kind of components a colour space has. */
-CG_ENUM(int32_t, CGColorSpaceModel) {
-    kCGColorSpaceModelUnknown = -1,
-    kCGColorSpaceModelMonochrome = 0,
-    kCGColorSpaceModelRGB = 1,
-    kCGColorSpaceModelCMYK = 2,
-    kCGColorSpaceModelLab = 3,
-    kCGColorSpaceModelDeviceN = 4,
-    kCGColorSpaceModelIndexed = 5,
-    kCGColorSpaceModelPattern = 6,
-    kCGColorSpaceModelXYZ = 7
-};
+CG_ENUM(int32_t, CGColorSpaceModel){
+    kCGColorSpaceModelUnknown = -1, kCGColorSpaceModelMonochrome = 0, kCGColorSpaceModelRGB = 1,
+    kCGColorSpaceModelCMYK = 2,     kCGColorSpaceModelLab = 3,        kCGColorSpaceModelDeviceN = 4,
+    kCGColorSpaceModelIndexed = 5,  kCGColorSpaceModelPattern = 6,    kCGColorSpaceModelXYZ = 7};
 
 /** The largest number of colours in an indexed space. */
 #define kCGColorSpaceIndexedMaximumCount 256
@@ -92,6 +84,14 @@ CG_EXPORT CGColorSpaceRef CGColorSpaceCreateIndexed(CGColorSpaceRef baseSpace, s
 /** The space of patterns: uncoloured ones take their colour's components from `baseSpace`, coloured
  *  ones need none (NULL). NULL when the base is a pattern space. */
 CG_EXPORT CGColorSpaceRef CGColorSpaceCreatePattern(CGColorSpaceRef baseSpace);
+/** The space of an ICC profile with gray, RGB, CMYK or Lab components, which is kept. NULL when
+ *  `data` is none or, with a warning, when its components are others. */
+CG_EXPORT CGColorSpaceRef CGColorSpaceCreateWithICCProfile(CFDataRef data);
+/** `alternate` itself, retained: the profile is not read. NULL when it is missing or a pattern
+ *  space. */
+CG_EXPORT CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range,
+                                                     CGDataProviderRef profile,
+                                                     CGColorSpaceRef alternate);
 /** The space of a name: the generic gray, RGB and CMYK names give the device's spaces, which are
  *  known by that name from then on. NULL for every other name, and for kCGColorSpaceSRGB when the
  *  library's sRGB profile cannot be had, which is logged as an error. */
@@ -118,6 +118,9 @@ CG_EXPORT size_t CGColorSpaceGetColorTableCount(CGColorSpaceRef space);
 CG_EXPORT void CGColorSpaceGetColorTable(CGColorSpaceRef space, uint8_t* table);
 /** The name by which the space was asked for, or NULL. */
 CG_EXPORT CFStringRef CGColorSpaceCopyName(CGColorSpaceRef space);
+/** The ICC profile that the space was made of, or NULL; both functions are the same. */
+CG_EXPORT CFDataRef CGColorSpaceCopyICCData(CGColorSpaceRef space);
+CG_EXPORT CFDataRef CGColorSpaceCopyICCProfile(CGColorSpaceRef space);
 /** Always false: no wide-gamut space can be made. */
 CG_EXPORT bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space);
 /** Always true. */

@@ -4,7 +4,6 @@
 #include <CoreGraphics/CGColorSpace.h>
 
 #include "Core/Color/CGColorSpaceRecord.h"
-#include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
 #include <array>
@@ -36,14 +35,6 @@ DEFINE_NAME(kCGColorSpaceROMMRGB);
 
 namespace {
 
-// The profile's resource is not part of the library.
-CGColorSpaceRef createSRGB() {
-    if (HostLogIsEnabled(kHostLogError))
-        cg::logMessage(kHostLogError, "__CGColorSpaceCreateSRGB",
-                       "Failed to create sRGB colorspace");
-    return nullptr;
-}
-
 struct NamedSpace {
     const CFStringRef* name;
     CGColorSpaceRef (*create)();
@@ -54,7 +45,7 @@ constexpr std::array kNamedSpaces = {
     NamedSpace{&kCGColorSpaceGenericGray, CGColorSpaceCreateDeviceGray},
     NamedSpace{&kCGColorSpaceGenericRGB, CGColorSpaceCreateDeviceRGB},
     NamedSpace{&kCGColorSpaceGenericCMYK, CGColorSpaceCreateDeviceCMYK},
-    NamedSpace{&kCGColorSpaceSRGB, createSRGB},
+    NamedSpace{&kCGColorSpaceSRGB, cg::createSRGB},
 };
 
 } // namespace

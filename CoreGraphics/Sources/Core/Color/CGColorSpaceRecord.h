@@ -1,9 +1,12 @@
 // CGColorSpaceRecord.h: what a colour space is made of.
 #pragma once
 
+#include "XGColorSpaceProfile.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 #include <CoreGraphics/CGColorSpace.h>
+
+#include "Core/Object/RuntimeObject.h"
 
 #include <array>
 #include <atomic>
@@ -52,11 +55,16 @@ struct CGColorSpace {
     // name, on whichever thread does.
     std::atomic<CFStringRef> name = nullptr;
     cf::Ref<CGColorSpaceRef> baseSpace; // Of indexed and pattern spaces.
+    // The one reference to it is the space's. Of ICC spaces from the start, of others once it is
+    // asked for, on whichever thread is first.
+    std::atomic<XGColorSpaceProfileRef> profile = nullptr;
     CGColorSpaceModel model = kCGColorSpaceModelUnknown;
     std::size_t componentCount = 0;
     std::variant<std::monostate, cg::GrayCalibration, cg::RGBCalibration, cg::LabCalibration,
                  cg::ColorTable>
         calibration;
+
+    ~CGColorSpace() { cg::release(profile.load(std::memory_order_relaxed)); }
 };
 
 namespace cg {
@@ -65,5 +73,8 @@ namespace cg {
 // runs out.
 CGColorSpace* createColorSpace(CGColorSpaceModel model, std::size_t componentCount,
                                std::size_t trailingBytes = 0);
+
+// The space of the library's sRGB profile; NULL, with an error in the log, when it cannot be had.
+CGColorSpaceRef createSRGB();
 
 } // namespace cg

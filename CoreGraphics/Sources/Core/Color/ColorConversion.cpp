@@ -6,6 +6,7 @@
 
 #include "Core/Color/CGColorRecord.h"
 #include "Core/Color/CGColorSpaceRecord.h"
+#include "Core/Color/ColorTransform.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
@@ -60,6 +61,21 @@ Color lookUp(CGColor& color, const cg::ColorTable& table) {
     return cg::makeColor(base, components.data());
 }
 
+// ---- Through profiles
+
+Color convertByProfiles(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent intent) {
+    const CGColorSpaceRef from = color.space.get();
+    cg::ColorComponents components = {};
+    std::copy_n(color.components().begin(), from->componentCount, components.begin());
+    const auto converted = cg::transformed(from, space, intent, components);
+    if (!converted)
+        return nullptr;
+    std::array<CGFloat, 5> withAlpha = {};
+    std::ranges::copy(*converted, withAlpha.begin());
+    withAlpha[space->componentCount] = color.alpha();
+    return cg::makeColor(space, withAlpha.data());
+}
+
 Color convert(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent intent) {
     CGColorSpace& from = *color.space.get();
     if (const auto* const table = std::get_if<cg::ColorTable>(&from.calibration))
@@ -71,7 +87,7 @@ Color convert(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent inte
         return cf::adopt(XGColorCreateWithColor(space, inBase.get(), intent));
     }
     if (!isDeviceLike(&from) || !isDeviceLike(space))
-        return nullptr;
+        return convertByProfiles(space, color, intent);
     return from.model == kCGColorSpaceModelMonochrome ? grayToRGB(space, color)
                                                       : rgbToGray(space, color);
 }
