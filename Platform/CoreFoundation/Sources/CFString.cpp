@@ -25,8 +25,8 @@ constexpr uint64_t mix(uint64_t hash, uint64_t block) {
     return product ^ (product >> 29);
 }
 
-// Goes by the values of the units, so that narrow and wide storage of one text agree. Never 0, which
-// stands for a hash that is not known yet.
+// Goes by the values of the units, so that narrow and wide storage of one text agree. Never 0,
+// which stands for a hash that is not known yet.
 template <typename Unit>
 CFHashCode hashOf(const Unit* units, CFIndex length) {
     uint64_t hash = static_cast<uint64_t>(length);

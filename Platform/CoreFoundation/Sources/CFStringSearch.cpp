@@ -129,6 +129,24 @@ bool appendPart(CFMutableArrayRef array, CFAllocatorRef allocator, const Text& p
     return CFArrayGetCount(array) == before + 1;
 }
 
+// The character that the unit at `index` belongs to: a surrogate pair or the unit alone.
+CFRange characterAt(const Text& text, CFIndex index) {
+    const auto isPairAt = [&](CFIndex i) {
+        return i >= 0 && i + 1 < text.length() && CFStringIsSurrogateHighCharacter(text[i]) &&
+               CFStringIsSurrogateLowCharacter(text[i + 1]);
+    };
+    if (isPairAt(index))
+        return CFRangeMake(index, 2);
+    return isPairAt(index - 1) ? CFRangeMake(index - 1, 2) : CFRangeMake(index, 1);
+}
+
+UTF32Char longCharacter(const Text& text, CFRange character) {
+    const UniChar first = text[character.location];
+    return character.length == 1
+               ? first
+               : CFStringGetLongCharacterForSurrogatePair(first, text[character.location + 1]);
+}
+
 } // namespace
 
 CFRange CFStringFind(CFStringRef string, CFStringRef sought, CFStringCompareFlags options) {
@@ -195,6 +213,27 @@ CFIndex CFStringFindAndReplace(CFMutableStringRef string, CFStringRef sought,
     if (count <= 0 || result.failed() || !cf::replace(string, range, result.text()))
         return 0;
     return count;
+}
+
+Boolean CFStringFindCharacterFromSet(CFStringRef string, CFCharacterSetRef set, CFRange range,
+                                     CFStringCompareFlags options, CFRange* result) {
+    if (!cf::isString(string) || !CF_RANGE_IS_WITHIN(range, string->length))
+        return false;
+    const Text text = Text(string).part(range.location, range.length);
+    const bool isBackwards = (options & kCFCompareBackwards) != 0;
+    CFIndex looked = 0;
+    while (looked < text.length()) {
+        const CFRange found = characterAt(text, isBackwards ? text.length() - 1 - looked : looked);
+        if (CFCharacterSetIsLongCharacterMember(set, longCharacter(text, found))) {
+            if (result)
+                *result = CFRangeMake(range.location + found.location, found.length);
+            return true;
+        }
+        if (options & kCFCompareAnchored)
+            return false;
+        looked += found.length;
+    }
+    return false;
 }
 
 CFArrayRef CFStringCreateArrayBySeparatingStrings(CFAllocatorRef allocator, CFStringRef string,

@@ -47,6 +47,6 @@ enum {
         (CFIndex)sizeof("" text "") - 1,                                                           \
         "" text ""};                                                                               \
     _CF_CONST_STRING_LINKAGE __attribute__((visibility("default"))) const CFStringRef symbol;      \
-    const CFStringRef symbol = (CFStringRef)&symbol##_storage
+    const CFStringRef symbol = (CFStringRef)(const void*)&symbol##_storage
 
 CF_EXTERN_C_END
