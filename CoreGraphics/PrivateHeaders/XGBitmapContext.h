@@ -9,8 +9,9 @@ CG_BEGIN_DECLS
 typedef void* (*XGBitmapContextAllocateCallback)(void* info, size_t size);
 
 /** CGBitmapContextCreateWithData whose memory, when `data` is NULL, comes from `allocate(info,
- *  size)`. `release(info, pixels)` is called once with that memory, or with `data`, when the context
- *  is gone; it may be NULL. With `allocate` NULL as well the context allocates for itself. */
+ *  size)`. `release(info, pixels)` is called once with that memory, or with `data`, when the
+ * context is gone; it may be NULL. With `allocate` NULL as well the context allocates for itself.
+ */
 CG_EXPORT CGContextRef _CGBitmapContextCreateWithDataAllocator(
     void* data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
     CGColorSpaceRef space, CGBitmapInfo bitmapInfo, XGBitmapContextAllocateCallback allocate,

@@ -11,8 +11,8 @@ typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data
 
 /** A context that draws into `width` × `height` pixels of `bitsPerComponent` bits each component.
  *
- *  `data` holds the pixels, the picture's top row first, and must outlive the context; what it holds
- *  stays until it is drawn over. With NULL the context allocates pixels of its own, all zero.
+ *  `data` holds the pixels, the picture's top row first, and must outlive the context; what it
+ * holds stays until it is drawn over. With NULL the context allocates pixels of its own, all zero.
  *  `bytesPerRow` is the distance between rows; 0 means packed rows. `space` gives the number and
  *  meaning of the components and may be NULL for alpha-only pixels; the context keeps it.
  *  `bitmapInfo` says where the alpha is and in which order bytes lie. User space has its origin at
@@ -26,10 +26,11 @@ CG_EXPORT CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t he
                                              CGColorSpaceRef space, CGBitmapInfo bitmapInfo);
 /** CGBitmapContextCreate that calls `release(releaseInfo, data)` once the context is gone and needs
  *  `data` no longer. When NULL is returned `release` has not been called. */
-CG_EXPORT CGContextRef CGBitmapContextCreateWithData(
-    void* data, size_t width, size_t height, size_t bitsPerComponent, size_t bytesPerRow,
-    CGColorSpaceRef space, CGBitmapInfo bitmapInfo, CGBitmapContextReleaseDataCallback release,
-    void* releaseInfo);
+CG_EXPORT CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t height,
+                                                     size_t bitsPerComponent, size_t bytesPerRow,
+                                                     CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
+                                                     CGBitmapContextReleaseDataCallback release,
+                                                     void* releaseInfo);
 
 /* Of contexts that are not bitmap contexts the following answer 0 or NULL. */
 

@@ -38,12 +38,8 @@ typedef struct CGRect {
 } CGRect;
 
 /** The sides of a rectangle, as CGRectDivide takes them. */
-CG_ENUM(uint32_t, CGRectEdge) {
-    CGRectMinXEdge = 0,
-    CGRectMinYEdge = 1,
-    CGRectMaxXEdge = 2,
-    CGRectMaxYEdge = 3
-};
+CG_ENUM(uint32_t, CGRectEdge){CGRectMinXEdge = 0, CGRectMinYEdge = 1, CGRectMaxXEdge = 2,
+                              CGRectMaxYEdge = 3};
 
 CG_EXPORT const CGPoint CGPointZero;
 CG_EXPORT const CGSize CGSizeZero;
@@ -153,8 +149,9 @@ CG_EXPORT void CGRectDivide(CGRect rect, CGRect* slice, CGRect* remainder, CGFlo
 CG_EXPORT CFDictionaryRef CGPointCreateDictionaryRepresentation(CGPoint point);
 CG_EXPORT CFDictionaryRef CGSizeCreateDictionaryRepresentation(CGSize size);
 CG_EXPORT CFDictionaryRef CGRectCreateDictionaryRepresentation(CGRect rect);
-/** Reads such a dictionary. False when it is NULL, lacks a key, or holds a value that is no number or
- *  not exactly a float; fields read up to there are written (of a rectangle the size comes first). */
+/** Reads such a dictionary. False when it is NULL, lacks a key, or holds a value that is no number
+ * or not exactly a float; fields read up to there are written (of a rectangle the size comes
+ * first). */
 CG_EXPORT bool CGPointMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGPoint* point);
 CG_EXPORT bool CGSizeMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGSize* size);
 CG_EXPORT bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* rect);
