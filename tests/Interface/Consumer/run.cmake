@@ -13,15 +13,19 @@ endfunction()
 file(REMOVE_RECURSE ${SCRATCH})
 set(prefix ${SCRATCH}/prefix)
 set(flags "")
+set(link_flags "")
 if(SANITIZE)
     set(flags "-fsanitize=${SANITIZE}")
+    # The libraries need the sanitizers' runtime for C++, in programs of C as well.
+    set(link_flags "-fsanitize-link-c++-runtime -lstdc++")
 endif()
 
 run("install" ${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
 set(ENV{PKG_CONFIG_PATH} ${prefix}/${LIBDIR}/pkgconfig)
 run("configure" ${CMAKE_COMMAND} -G Ninja -S ${SOURCE} -B ${SCRATCH}/build
     -DCMAKE_PREFIX_PATH=${prefix} -DCMAKE_C_COMPILER=${C_COMPILER}
-    -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_C_FLAGS=${flags} -DCMAKE_CXX_FLAGS=${flags})
+    -DCMAKE_CXX_COMPILER=${CXX_COMPILER} -DCMAKE_C_FLAGS=${flags} -DCMAKE_CXX_FLAGS=${flags}
+    -DCMAKE_EXE_LINKER_FLAGS=${link_flags})
 run("build" ${CMAKE_COMMAND} --build ${SCRATCH}/build)
 file(GLOB programs ${SCRATCH}/build/consumer_*)
 list(LENGTH programs count)
