@@ -43,11 +43,11 @@ public:
     // The value of `key` in a table that has values, or nullptr. Looking pointers up is what is
     // done most: a hit reads the entry alone, and what calls back is kept apart from it.
     const void* valueOf(const void* key) const {
-        if (hasCallBacks_ || !key)
+        if (hasCallBacks_ || !key) [[unlikely]]
             return valueByTag(key);
         for (Position at = homeOf(tagOf(reinterpret_cast<CFHashCode>(key)));; at = after(at)) {
             const void* const* const entry = slots_ + at * 2;
-            if (entry[0] == key)
+            if (entry[0] == key) [[likely]]
                 return entry[1];
             if (!entry[0] && tags_[at] == 0)
                 return nullptr;
