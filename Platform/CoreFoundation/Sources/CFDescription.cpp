@@ -2,6 +2,7 @@
 
 #include "CFDescription.h"
 
+#include "CFForeignObject.h"
 #include "CFRuntimeInternal.h"
 #include "StringBytes.h"
 
@@ -55,8 +56,11 @@ CFStringRef Description::finish() {
 CFStringRef CFCopyDescription(CFTypeRef object) {
     if (!object)
         return nullptr;
-    if (!_CFRuntimeIsNative(object))
-        return CFStringCreateWithFormat(nullptr, nullptr, CFSTR("<%p>"), object);
+    if (!_CFRuntimeIsNative(object)) {
+        const CFStringRef text = cf::foreign::description(object);
+        return text ? static_cast<CFStringRef>(CFRetain(text))
+                    : CFStringCreateWithFormat(nullptr, nullptr, CFSTR("<%p>"), object);
+    }
     const CFRuntimeClass* const record = _CFRuntimeGetClass(object);
     if (record->copyDebugDescription)
         return record->copyDebugDescription(object);

@@ -5,6 +5,7 @@
 #include <CoreFoundation/CFConstantString.h>
 
 #include "CFAllocatorInternal.h"
+#include "CFForeignObject.h"
 #include "CFRuntimeInternal.h"
 
 #include <sys/single_threaded.h>
@@ -160,8 +161,8 @@ Boolean _CFRuntimeIsImmortal(CFTypeRef object) {
 // A count that climbs to the immortal ones by itself stays there, instead of wrapping around and
 // freeing an object in use.
 CFTypeRef CFRetain(CFTypeRef object) {
-    if (!_CFRuntimeIsNative(object))
-        return object;
+    if (!_CFRuntimeIsNative(object)) [[unlikely]]
+        return cf::foreign::retain(object);
     const auto count = countOf(object);
     const uint32_t before = count.load(std::memory_order_relaxed);
     if (before >= cf::kImmortalCount) [[unlikely]]
@@ -176,8 +177,8 @@ CFTypeRef CFRetain(CFTypeRef object) {
 // Each release publishes what its thread did to the object, and the last one acquires all of it
 // before the finaliser runs.
 void CFRelease(CFTypeRef object) {
-    if (!_CFRuntimeIsNative(object))
-        return;
+    if (!_CFRuntimeIsNative(object)) [[unlikely]]
+        return cf::foreign::release(object);
     const auto count = countOf(object);
     uint32_t before = count.load(std::memory_order_relaxed);
     if (before >= cf::kImmortalCount) [[unlikely]]
@@ -215,17 +216,20 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b) {
         return false;
     if (a == b)
         return true;
-    if (!_CFRuntimeIsNative(a) || !_CFRuntimeIsNative(b) ||
-        _CFRuntimeGetClass(a) != _CFRuntimeGetClass(b))
+    if (!_CFRuntimeIsNative(a))
+        return cf::foreign::areEqual(a, b);
+    if (!_CFRuntimeIsNative(b))
+        return cf::foreign::areEqual(b, a);
+    if (_CFRuntimeGetClass(a) != _CFRuntimeGetClass(b))
         return false;
     const auto equal = _CFRuntimeGetClass(a)->equal;
     return equal && equal(a, b);
 }
 
 CFHashCode CFHash(CFTypeRef object) {
-    if (_CFRuntimeIsNative(object)) {
-        if (const auto hash = _CFRuntimeGetClass(object)->hash)
-            return hash(object);
-    }
+    if (!_CFRuntimeIsNative(object))
+        return cf::foreign::hash(object);
+    if (const auto hash = _CFRuntimeGetClass(object)->hash)
+        return hash(object);
     return reinterpret_cast<CFHashCode>(object);
 }
