@@ -5,11 +5,10 @@
 //
 // Prints for each pair its mean and its worst block, or "error" and the reason. Compared are
 // premultiplied components, alpha among them, so that the colour of what is transparent does not
-// count. The mean is the mean absolute difference over all components, from 0 to 255. A block is 8
-// by 8 pixels, less at the right and bottom edges; its difference is that of its mean component
-// values, so that a picture that is only shifted by a fraction of a pixel does not show, and one
-// that lacks a part does; the worst block is the largest of them. The difference picture is white
-// where both agree and goes to red.
+// count. The mean is the mean absolute difference over all components, from 0 to 255. The worst
+// block is the largest mean absolute difference that one component has in a block of 8 by 8 pixels
+// (fewer at the right and bottom edges); it is never less than the difference of the block's means.
+// The difference picture is white where both agree and goes to red.
 
 #include <png.h>
 
@@ -69,20 +68,17 @@ double meanDifference(const Picture& a, const Picture& b) {
     return double(sum) / double(a.pixels.size() * 4);
 }
 
-// The largest difference of the components' means over the block that starts at (left, top).
+// The component that differs most in the block that starts at (left, top).
 double blockDifference(const Picture& a, const Picture& b, std::size_t left, std::size_t top,
                        std::size_t side) {
     const std::size_t right = std::min(left + side, a.width);
     const std::size_t bottom = std::min(top + side, a.height);
-    std::array<std::int64_t, 4> sums = {};
+    std::array<int, 4> sums = {};
     for (std::size_t y = top; y < bottom; ++y)
         for (std::size_t x = left; x < right; ++x)
             for (std::size_t c = 0; c < 4; ++c)
-                sums[c] += a.at(x, y)[c] - b.at(x, y)[c];
-    std::int64_t largest = 0;
-    for (const std::int64_t sum : sums)
-        largest = std::max(largest, std::abs(sum));
-    return double(largest) / double((right - left) * (bottom - top));
+                sums[c] += std::abs(a.at(x, y)[c] - b.at(x, y)[c]);
+    return double(std::ranges::max(sums)) / double((right - left) * (bottom - top));
 }
 
 double worstBlock(const Picture& a, const Picture& b) {
