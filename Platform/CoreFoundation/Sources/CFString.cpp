@@ -130,7 +130,8 @@ bool isRangeWithin(CFRange range, CFIndex length, const char* function) {
 UniChar* TextBuilder::extend(CFIndex count) {
     const auto needed = static_cast<size_t>(length_) + static_cast<size_t>(count);
     if (!failed_ && needed > units_.capacity())
-        failed_ = !units_.reserve(std::max(needed, units_.capacity() * 2));
+        failed_ =
+            !units_.reserve(std::max(needed, units_.capacity() * 2), static_cast<size_t>(length_));
     if (failed_)
         return nullptr;
     UniChar* const room = units_.data() + length_;

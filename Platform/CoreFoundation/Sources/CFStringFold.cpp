@@ -167,7 +167,8 @@ void FoldedText::addPiece(const Text& source, CFIndex location) {
         units_.append(piece.text());
     }
     if (!locations_.reserve(
-            std::max(static_cast<size_t>(units_.length()), static_cast<size_t>(before) * 2)))
+            std::max(static_cast<size_t>(units_.length()), static_cast<size_t>(before) * 2),
+            static_cast<size_t>(before)))
         failed_ = true;
     else if (!units_.failed())
         std::fill(locations_.data() + before, locations_.data() + units_.length(), location);

@@ -188,7 +188,7 @@ ArgumentType typeOf(const FormatSpec& spec) {
 } // namespace
 
 bool ParsedFormat::addSpec(const FormatSpec& spec) {
-    if (specCount_ == specs_.capacity() && !specs_.reserve(specCount_ * 2))
+    if (specCount_ == specs_.capacity() && !specs_.reserve(specCount_ * 2, specCount_))
         return false;
     specs_.data()[specCount_++] = spec;
     return setType(spec.widthArgument, ArgumentType::Int) &&
@@ -200,7 +200,8 @@ bool ParsedFormat::setType(int argument, ArgumentType type) {
     if (argument == FormatSpec::kNone || type == ArgumentType::None)
         return true;
     const auto index = static_cast<size_t>(argument);
-    if (index >= types_.capacity() && !types_.reserve(std::max(index + 1, types_.capacity() * 2)))
+    if (index >= types_.capacity() &&
+        !types_.reserve(std::max(index + 1, types_.capacity() * 2), argumentCount_))
         return false;
     while (argumentCount_ <= index)
         types_.data()[argumentCount_++] = ArgumentType::None;

@@ -90,8 +90,8 @@ public:
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
 
-    // Room for `count` items, the first ones kept.
-    [[nodiscard]] bool reserve(size_t count) {
+    // Room for `count` items, of which the first `kept` stay as they are.
+    [[nodiscard]] bool reserve(size_t count, size_t kept = 0) {
         if (count <= capacity_)
             return true;
         if (count > SIZE_MAX / 2 / sizeof(Item))
@@ -99,8 +99,8 @@ public:
         auto* const moved = static_cast<Item*>(std::realloc(heap_, count * sizeof(Item)));
         if (!moved)
             return false;
-        if (!heap_)
-            std::memcpy(moved, inline_, sizeof inline_);
+        if (!heap_ && kept > 0)
+            std::memcpy(moved, inline_, kept * sizeof(Item));
         heap_ = moved;
         capacity_ = count;
         return true;

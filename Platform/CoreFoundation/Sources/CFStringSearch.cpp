@@ -88,7 +88,7 @@ using Ranges = cf::Scratch<CFRange, 32>;
 CFIndex findAll(cf::Searcher searcher, bool isBackwards, Ranges& ranges) {
     size_t count = 0;
     while (const auto found = searcher.next()) {
-        if (count == ranges.capacity() && !ranges.reserve(count * 2))
+        if (count == ranges.capacity() && !ranges.reserve(count * 2, count))
             return -1;
         ranges.data()[count++] = *found;
     }

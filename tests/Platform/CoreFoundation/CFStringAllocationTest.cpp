@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace {
 
 using test::String;
@@ -92,19 +94,49 @@ TEST(CFStringAllocation, FailuresLeakNothingAndCrashNothing) {
     }
 }
 
-TEST(CFStringAllocation, MutableStringStaysAsItWasWithoutMemory) {
-    const auto changed = cf::adopt(CFStringCreateMutableCopy(nullptr, 0, CFSTR("before")));
-    const String more = test::string(kLong);
-    bool happened = false;
-    {
-        const test::AllocationFailure failure(1);
-        CFStringAppend(changed.get(), more.get());
-        happened = failure.happened();
+// Memory from malloc until it is told to refuse.
+struct MoodyMemory {
+    bool refuses = false;
+    int blocks = 0;
+
+    cf::Ref<CFAllocatorRef> allocator() {
+        CFAllocatorContext context = {};
+        context.info = this;
+        context.allocate = [](CFIndex size, CFOptionFlags, void* info) -> void* {
+            auto* const self = static_cast<MoodyMemory*>(info);
+            self->blocks += self->refuses ? 0 : 1;
+            return self->refuses ? nullptr : std::malloc(size_t(size));
+        };
+        context.reallocate = [](void* memory, CFIndex size, CFOptionFlags, void* info) -> void* {
+            return static_cast<MoodyMemory*>(info)->refuses ? nullptr
+                                                            : std::realloc(memory, size_t(size));
+        };
+        context.deallocate = [](void* memory, void* info) {
+            --static_cast<MoodyMemory*>(info)->blocks;
+            std::free(memory);
+        };
+        return cf::adopt(CFAllocatorCreate(nullptr, &context));
     }
-    EXPECT_TRUE(happened);
-    EXPECT_EQ(test::text(changed.get()), u"before");
-    CFStringAppend(changed.get(), more.get());
-    EXPECT_EQ(CFStringGetLength(changed.get()), 606);
+};
+
+TEST(CFStringAllocation, MutableStringStaysAsItWasWithoutMemory) {
+    MoodyMemory memory;
+    const auto allocator = memory.allocator();
+    {
+        const auto changed =
+            cf::adopt(CFStringCreateMutableCopy(allocator.get(), 0, CFSTR("before")));
+        const String more = test::string(kLong);
+        EXPECT_EQ(memory.blocks, 2) << "the object and its contents";
+        memory.refuses = true;
+        CFStringAppend(changed.get(), more.get());
+        EXPECT_EQ(CFStringCreateCopy(allocator.get(), changed.get()), nullptr);
+        EXPECT_EQ(CFStringCreateMutableCopy(allocator.get(), 0, more.get()), nullptr);
+        EXPECT_EQ(test::text(changed.get()), u"before");
+        memory.refuses = false;
+        CFStringAppend(changed.get(), more.get());
+        EXPECT_EQ(CFStringGetLength(changed.get()), 606);
+    }
+    EXPECT_EQ(memory.blocks, 0);
 }
 
 } // namespace
