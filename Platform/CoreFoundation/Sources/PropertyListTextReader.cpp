@@ -27,14 +27,6 @@ int digitValue(UniChar unit) {
     return unit < 0x80 ? url::hexadecimalDigit(static_cast<char>(unit)) : -1;
 }
 
-// What a byte escape stands for: the format is older than Unicode, and its bytes are of the
-// encoding of its time.
-UniChar characterOfByte(unsigned byte) {
-    const auto letter = static_cast<char>(byte);
-    const auto string = makeString(nullptr, {&letter, 1}, kCFStringEncodingNextStepLatin);
-    return string ? CFStringGetCharacterAtIndex(string.get(), 0) : static_cast<UniChar>(byte);
-}
-
 class TextReader {
 public:
     TextReader(CFStringRef text, const Maker& maker, Problem& problem)
@@ -68,6 +60,7 @@ private:
         for (size_t i = 0; i < at_ && i < units_.size(); ++i)
             line += units_[i] == '\n';
         problem_.set(kCFPropertyListReadCorruptError, "line %d: %s", line, what);
+        hasFailed_ = true;
         return nullptr;
     }
 
@@ -170,6 +163,8 @@ private:
         }
         if (high >= 0)
             return fail("data with half a byte");
+        if (bytes.failed())
+            return nullptr;
         return maker_.data(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
     }
 
@@ -189,7 +184,7 @@ private:
         if (atEnd())
             return fail("a string that does not end");
         ++at_;
-        return makeText(text);
+        return hasFailed_ ? nullptr : makeText(text);
     }
 
     UniChar readNumber(unsigned base, int count) {
@@ -202,6 +197,16 @@ private:
             ++at_;
         }
         return static_cast<UniChar>(value);
+    }
+
+    // What a byte escape stands for: the format is older than Unicode, and its bytes are of the
+    // encoding of its time.
+    UniChar characterOfByte(unsigned byte) {
+        const auto letter = static_cast<char>(byte);
+        const auto string = makeString(nullptr, {&letter, 1}, kCFStringEncodingNextStepLatin);
+        if (!string)
+            fail("a byte escape that stands for no character");
+        return CFStringGetCharacterAtIndex(string.get(), 0);
     }
 
     // The character of an escape whose backslash was taken; others stand for themselves.
@@ -236,6 +241,8 @@ private:
 
     Value makeText(const Units& text) {
         static constexpr UniChar kNothing = 0;
+        if (text.failed())
+            return nullptr;
         return maker_.string(adopt(
             CFStringCreateWithCharacters(maker_.allocator(), text.empty() ? &kNothing : text.data(),
                                          static_cast<CFIndex>(text.size()))));
@@ -245,6 +252,7 @@ private:
     Problem& problem_;
     Units units_;
     size_t at_ = 0;
+    bool hasFailed_ = false;
 };
 
 } // namespace

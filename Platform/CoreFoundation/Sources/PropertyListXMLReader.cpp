@@ -94,16 +94,45 @@ bool decodeBase64(std::string_view text, TextBuffer& result) {
     return count % 4 != 1 && padding <= 2 && !result.failed();
 }
 
+void ignoreMessage(void*, const char*, ...) {}
+
+// Sends the errors of libxml2 that belong to no parser, as those for want of memory, to the scope's
+// owner instead of stderr. The handlers are the calling thread's own.
+class ErrorScope {
+public:
+    ErrorScope(xmlStructuredErrorFunc function, void* context)
+        : structured_(xmlStructuredError), structuredContext_(xmlStructuredErrorContext),
+          generic_(xmlGenericError), genericContext_(xmlGenericErrorContext) {
+        xmlSetStructuredErrorFunc(context, function);
+        xmlSetGenericErrorFunc(nullptr, ignoreMessage);
+    }
+    ~ErrorScope() {
+        xmlSetGenericErrorFunc(genericContext_, generic_);
+        xmlSetStructuredErrorFunc(structuredContext_, structured_);
+        xmlResetLastError();
+    }
+    ErrorScope(const ErrorScope&) = delete;
+    ErrorScope& operator=(const ErrorScope&) = delete;
+
+private:
+    xmlStructuredErrorFunc structured_;
+    void* structuredContext_;
+    xmlGenericErrorFunc generic_;
+    void* genericContext_;
+};
+
 class XMLReader {
 public:
     XMLReader(const Maker& maker, Problem& problem) : maker_(maker), problem_(problem) {}
 
     Value read(std::string_view text) {
-        constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE;
+        // The text is UTF-8 by now, whatever it still says of itself.
+        constexpr int kOptions = XML_PARSE_NONET | XML_PARSE_HUGE | XML_PARSE_IGNORE_ENC;
         if (hasDeclarations(text))
             return fail("declarations are not allowed");
         if (text.size() > INT_MAX)
             return fail("a document of more than 2 GiB");
+        const ErrorScope errors(takeError, this);
         reader_.reset(xmlReaderForMemory(text.data(), static_cast<int>(text.size()), nullptr,
                                          "UTF-8", kOptions));
         if (!reader_)
