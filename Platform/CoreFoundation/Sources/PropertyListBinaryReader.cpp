@@ -11,6 +11,7 @@
 #include "StringBytes.h"
 
 #include <bit>
+#include <cmath>
 #include <memory>
 #include <new>
 
@@ -207,7 +208,9 @@ private:
     Value readDate(size_t at, uint8_t power) {
         if (power != 3 || !contentAt(at + 1, 1, 8))
             return fail("the date at offset %zu is not well-formed", at);
-        return maker_.date(std::bit_cast<double>(numberAt(at + 1, 8)));
+        const auto time = std::bit_cast<double>(numberAt(at + 1, 8));
+        return std::isnan(time) ? fail("the date at offset %zu is no instant", at)
+                                : maker_.date(time);
     }
 
     Value readData(size_t at) {

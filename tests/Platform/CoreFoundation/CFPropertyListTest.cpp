@@ -363,6 +363,7 @@ TEST(CFPropertyList, BinaryReferencesAndSizesAreChecked) {
         {"a count that is no number", binaryList({"\x4F\x51x"})},
         {"an integer of 32 bytes", binaryList({"\x15" + std::string(32, 'x')})},
         {"a real of two bytes", binaryList({"\x21xx"})},
+        {"a date that is none", binaryList({"\x33\x7F\xFF" + std::string(6, '\xFF')})},
         {"letters beyond ASCII", binaryList({"\x51\xE9"})},
         {"a list that unfolds to millions",
          binaryList({laughs[0],  laughs[1],  laughs[2],  laughs[3],  laughs[4],  laughs[5],
