@@ -7,21 +7,18 @@
 
 #include "Support/Bitmaps.h"
 #include "Support/CollectedLog.h"
-#include "Support/Picture.h"
+#include "Support/FailingAllocator.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <string>
-#include <thread>
 #include <vector>
 
 using test::kBGRA;
 using test::makeContext;
-using test::Picture;
 
 namespace {
 
@@ -249,28 +246,29 @@ TEST(BitmapContext, GettersAnswerNothingForOtherContexts) {
     EXPECT_EQ(CGBitmapContextGetBitmapInfo(bitmap.get()), kBGRA | 0x10000000);
 }
 
-TEST(BitmapContext, ThreadsDrawInContextsOfTheirOwn) {
-    const auto draw = [](CGContextRef context) {
-        for (int round = 0; round < 200; ++round) {
-            CGContextSaveGState(context);
-            CGContextSetRGBFillColor(context, 0, 0, static_cast<CGFloat>(round % 2), 1);
-            CGContextRotateCTM(context, 0.1f);
-            CGContextAddEllipseInRect(context, CGRectMake(4, 4, 50, 40));
-            CGContextClip(context);
-            CGContextBeginTransparencyLayer(context, nullptr);
-            CGContextFillRect(context, CGRectMake(0, 0, 60, 60));
-            CGContextEndTransparencyLayer(context);
-            CGContextRestoreGState(context);
-            CGContextStrokeRect(context, CGRectMake(3.5f, 3.5f, 40, 40));
-        }
+TEST(BitmapContext, CostsLittleBeyondItsPixels) {
+    constexpr std::ptrdiff_t kMost = 4096;
+    const auto drawSome = [](CGContextRef context) {
+        CGContextSetRGBFillColor(context, 1, 0, 0, 0.5f);
+        CGContextClipToRect(context, CGRectMake(3, 3, 50, 50));
+        CGContextFillRect(context, CGRectMake(2.5f, 2.5f, 30, 30));
     };
-    const auto first = makeContext(64, 64);
-    const auto second = makeContext(64, 64);
-    std::thread other([&] { draw(second.get()); });
-    draw(first.get());
-    other.join();
-    EXPECT_EQ(Picture(first.get()), Picture(second.get()));
-    EXPECT_EQ(std::memcmp(CGBitmapContextGetData(first.get()), CGBitmapContextGetData(second.get()),
-                          64 * 64 * 4),
-              0);
+    drawSome(makeContext(64, 64).get()); // Makes what is made only once.
+    const test::AllocationMeter meter;
+    const auto context = makeContext(64, 64);
+    EXPECT_LE(meter.liveBytes(), 64 * 64 * 4 + kMost);
+    drawSome(context.get());
+    EXPECT_LE(meter.liveBytes(), 64 * 64 * 4 + kMost);
+}
+
+TEST(BitmapContext, IsWholeOrNothingWhenMemoryRunsOut) {
+    bool isWhole = true;
+    const test::FailureSweep sweep = test::failEachAllocation([&isWhole] {
+        const auto context = makeContext(16, 16);
+        isWhole = isWhole && (!context || (CGBitmapContextGetData(context.get()) &&
+                                           CGBitmapContextGetWidth(context.get()) == 16));
+    });
+    EXPECT_GT(sweep.failures, 3u);
+    EXPECT_EQ(sweep.leakedBytes, 0);
+    EXPECT_TRUE(isWhole);
 }
