@@ -28,11 +28,25 @@ bool Searcher::isAt(CFIndex position) const {
                             foldedText_->isBoundary(position + sought_.length()));
 }
 
+// The first place from `begin` to `last` where the sought text may begin, past `last` when there is
+// none: narrow text is looked through by the C library.
+CFIndex Searcher::firstCandidate(CFIndex begin, CFIndex last) const {
+    if (!text_.narrow())
+        return begin;
+    if (sought_[0] > 0xFF)
+        return last + 1;
+    const void* const found =
+        std::memchr(text_.narrow() + begin, sought_[0], static_cast<size_t>(last - begin + 1));
+    return found ? static_cast<const uint8_t*>(found) - text_.narrow() : last + 1;
+}
+
 std::optional<CFIndex> Searcher::findForwards() const {
     const CFIndex last = flags_ & kCFCompareAnchored ? begin_ : end_ - sought_.length();
-    for (CFIndex i = begin_; i <= last; ++i)
-        if (isAt(i))
+    for (CFIndex i = begin_; i <= last; ++i) {
+        i = firstCandidate(i, last);
+        if (i <= last && isAt(i))
             return i;
+    }
     return {};
 }
 

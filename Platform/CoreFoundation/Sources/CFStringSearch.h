@@ -19,6 +19,7 @@ public:
 
 private:
     bool isAt(CFIndex position) const;
+    CFIndex firstCandidate(CFIndex begin, CFIndex last) const;
     std::optional<CFIndex> findForwards() const;
     std::optional<CFIndex> findBackwards() const;
 
