@@ -41,7 +41,9 @@ typedef struct XGContextCallbacks {
     void (*flush)(XGGStateRef state, uint32_t flags, void* info);
     void (*synchronize)(XGGStateRef state, uint32_t flags, void* info);
     /** Fills `fill` by the even-odd or the winding rule, then strokes `stroke`; either may be NULL.
-     */
+     *  Both are in device space, `stroke` is dashed already and the state's line width holds there.
+     *  The stroke of a transform that does not keep shapes arrives as its outline to be filled,
+     *  with the stroke's colour as the state's fill colour for the call. */
     void (*drawPath)(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                      bool evenOdd, void* info);
     /** Fills rectangles, in user space unless the flags say device space. */
