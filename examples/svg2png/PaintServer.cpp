@@ -71,14 +71,20 @@ void accumulate(Color& sum, const Color& color, double weight) {
     sum.alpha += color.alpha * weight;
 }
 
-// The mean over the gradient's whole length: every stop reaches half-way to its neighbours, the
-// outer ones to the ends.
-Color average(const std::vector<Stop>& stops) {
+// How much of a gradient lies between two offsets: for a linear one that is a share of its length,
+// for a radial one of its disc's area.
+double share(Element gradient, double from, double to) {
+    return gradient.is("radialGradient") ? to * to - from * from : to - from;
+}
+
+// The mean over the whole gradient: every stop reaches half-way to its neighbours, the outer ones
+// to the ends.
+Color average(Element gradient, const std::vector<Stop>& stops) {
     Color sum = {0, 0, 0, 0};
     for (std::size_t i = 0; i < stops.size(); ++i) {
         const double from = i == 0 ? 0 : (stops[i - 1].offset + stops[i].offset) / 2;
         const double to = i + 1 == stops.size() ? 1 : (stops[i].offset + stops[i + 1].offset) / 2;
-        accumulate(sum, stops[i].color, to - from);
+        accumulate(sum, stops[i].color, share(gradient, from, to));
     }
     if (sum.alpha > 0) {
         sum.red /= sum.alpha;
@@ -108,7 +114,7 @@ std::optional<Color> colorOfServer(Scene& scene, const Style& style, const Paint
     if (stops.size() == 1)
         return stops.front().color; // One stop is a plain colour.
     scene.report.cannotDraw(server.name(), "the average of its colours is used");
-    return average(stops);
+    return average(server, stops);
 }
 
 } // namespace svg

@@ -229,11 +229,13 @@ TEST(Render, FallsBackWhereItCannotPaintYet) {
                                  "</linearGradient><radialGradient id='h' href='#g'/>";
     // Half red, half blue of alpha 0.5: alpha 0.75, red 0.5 and blue 0.25, premultiplied.
     constexpr std::uint32_t average = 0xBF800040;
+    // A disc's inner half holds a quarter of its area: alpha 0.625, red 0.25, blue 0.375.
+    constexpr std::uint32_t averageOfDisc = 0x9F400060;
     const auto draw = [&](const char* what, const std::string& rest, std::uint32_t pixel) {
         expectPixels(what, gradient + rest, {{20, 20, pixel}});
     };
     draw("average", "<rect width='40' height='40' fill='url(#g)'/>", average);
-    draw("stops along links", "<rect width='40' height='40' fill='url(#h)'/>", average);
+    draw("stops along links", "<rect width='40' height='40' fill='url(#h)'/>", averageOfDisc);
     draw("the document's fallback", "<rect width='40' height='40' fill='url(#g) lime'/>", kLime);
     draw("no fallback for nothing", "<rect width='40' height='40' fill='url(#no)'/>", kClear);
     draw("one stop is a plain colour",
