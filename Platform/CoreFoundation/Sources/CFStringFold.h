@@ -15,7 +15,7 @@ inline constexpr CFStringCompareFlags kFoldingFlags =
 // between two pieces is a place between characters in the source.
 class FoldedText {
 public:
-    // Folds `source` by the flags; `languageCode` decides how "I" is lower-cased.
+    // Folds `source` by the flags; `language` decides how "I" is lower-cased.
     FoldedText(const Text& source, CFStringCompareFlags flags, const char* language);
 
     // True when memory ran out.
