@@ -92,6 +92,22 @@ TEST(CGPathStroke, IsAsSmoothAsItsTransformNeeds) {
     }
 }
 
+// Floats cannot be as fine as such transforms ask for. Trying took a minute.
+TEST(CGPathStroke, EndsUnderAnyTransform) {
+    const MutablePath circles = makePath();
+    for (const float radius : {1.f, 1000.f, 3500.f})
+        CGPathAddArc(circles.get(), nullptr, 3, -4, radius, 0, 60, false);
+    for (const float scale : {236.f, 1e6f, 5e8f, kInfinity, kNaN, 0.f}) {
+        const CGAffineTransform m = {scale, 2, 80, scale, 100, -141};
+        EXPECT_TRUE(stroked(circles, 0, kCGLineCapRound, kCGLineJoinRound, 4, &m)) << scale;
+    }
+}
+
+TEST(CGPathStroke, OfPointsThatAreNotFiniteIsEmpty) {
+    const MutablePath path = makeLines({{0, 0}, {kNaN, 4}, {4, 4}});
+    EXPECT_TRUE(CGPathIsEmpty(stroked(path, 2).get()));
+}
+
 TEST(CGPathStroke, ReportsUnknownCapsAndJoins) {
     const CollectedLog log;
     const MutablePath path = wave();

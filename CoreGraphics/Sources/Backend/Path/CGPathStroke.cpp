@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <memory>
 #include <new>
 #include <span>
@@ -44,6 +45,21 @@ SkPaint::Join skiaJoin(CGLineJoin join) {
         return static_cast<SkPaint::Join>(join);
     CG_LOG_WARNING("there is no line join %d", static_cast<int>(join));
     return SkPaint::kMiter_Join;
+}
+
+// How many steps of the result's smoothness a coordinate of the stroke may span. Skia subdivides
+// curves until they are smooth enough, and does not end in any useful time where floats are too
+// coarse for that.
+constexpr float kMostSteps = 1 << 14;
+
+// Curves are to be as smooth as they have to be after the mapping, not before: so many times finer
+// than Skia's usual quarter of a unit.
+float resolution(const SkPath& path, float width, const CGAffineTransform* m) {
+    const float wanted = m ? SkMatrixPriv::ComputeResScaleForStroking(cg::skiaMatrix(*m)) : 1;
+    const SkRect& r = path.getBounds();
+    const float extent = std::max(
+        {std::abs(r.fLeft), std::abs(r.fTop), std::abs(r.fRight), std::abs(r.fBottom), width});
+    return std::min(wanted, std::max(1.0f, kMostSteps / extent));
 }
 
 // A dash's lengths twice over, in memory of its own where the stack has no room.
@@ -78,16 +94,15 @@ CGPathRef CGPathCreateCopyByStrokingPath(CGPathRef path, const CGAffineTransform
     if (!path)
         return nullptr;
     const CGMutablePathRef outline = cg::createPath(0);
-    if (!outline)
-        return nullptr;
+    // A path with points that are not finite covers nothing, and neither does its stroke.
+    if (!outline || !path->path.isFinite())
+        return outline;
 
     SkStrokeRec stroke(SkStrokeRec::kFill_InitStyle);
     // NaN is not above 0 either.
     stroke.setStrokeStyle(lineWidth > 0 ? lineWidth : kThinnestStroke);
     stroke.setStrokeParams(skiaCap(lineCap), skiaJoin(lineJoin), miterLimit);
-    // Curves are as smooth as they have to be after the mapping, not before.
-    if (m)
-        stroke.setResScale(SkMatrixPriv::ComputeResScaleForStroking(cg::skiaMatrix(*m)));
+    stroke.setResScale(resolution(path->path, stroke.getWidth(), m));
     stroke.applyToPath(&outline->path, path->path);
     if (m)
         outline->path.transform(cg::skiaMatrix(*m));
