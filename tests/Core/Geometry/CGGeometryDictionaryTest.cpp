@@ -7,6 +7,7 @@
 #include <CoreFoundation/CFString.h>
 
 #include "GeometryValues.h"
+#include "Support/FailingAllocator.h"
 
 namespace {
 
@@ -78,6 +79,18 @@ TEST(CGGeometryDictionary, AFailureLeavesTheFieldsReadSoFar) {
     EXPECT_FALSE(CGRectMakeWithDictionaryRepresentation(lossy.get(), &rect));
     EXPECT_FALSE(CGRectMakeWithDictionaryRepresentation(nullptr, &rect));
     EXPECT_FALSE(CGRectMakeWithDictionaryRepresentation(whole.get(), nullptr));
+}
+
+TEST(CGGeometryDictionary, WithoutMemoryThereIsNoDictionaryAndNoLeak) {
+    bool isWhole = true;
+    const auto sweep = test::failEachAllocation([&isWhole] {
+        const Dictionary made =
+            cf::adopt(CGRectCreateDictionaryRepresentation({{0.1f, 2}, {3.5f, 4}}));
+        isWhole = isWhole && (!made || CFDictionaryGetCount(made.get()) == 4);
+    });
+    EXPECT_GE(sweep.failures, 1u);
+    EXPECT_EQ(sweep.leakedBytes, 0);
+    EXPECT_TRUE(isWhole);
 }
 
 TEST(XGNumber, ReversesByTheWidthOfTheType) {

@@ -5,11 +5,14 @@
 #include "Core/Object/Diagnostics.h"
 #include "Core/Object/RuntimeOptions.h"
 #include "Support/CollectedLog.h"
+#include "Support/FailingAllocator.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -40,6 +43,30 @@ TEST(Diagnostics, LongLinesStayWhole) {
     CG_LOG_ERROR("%s", text.c_str());
     CG_LOG_ERROR("%s%@", text.c_str(), CFSTR("!"));
     EXPECT_THAT(log.lines(), ElementsAre("3 TestBody: " + text, "3 TestBody: " + text + "!"));
+}
+
+TEST(Diagnostics, WithoutMemoryALineIsStillSaid) {
+    static std::size_t shortest = 0;
+    static std::size_t lines = 0;
+    HostLogSetSink(
+        [](HostLogLevel, const char*, const char*, const char* text, void*) {
+            shortest = std::min(shortest, std::strlen(text));
+            ++lines;
+        },
+        nullptr);
+    const std::string text(3000, 'x');
+    shortest = text.size();
+    std::size_t runs = 0;
+    const auto sweep = test::failEachAllocation([&text, &runs] {
+        ++runs;
+        CG_LOG_ERROR("%s", text.c_str());
+        CG_LOG_ERROR("a format that names %@ and is said as it stands", CFSTR("an object"));
+    });
+    HostLogSetSink(nullptr, nullptr);
+    EXPECT_EQ(lines, 2 * runs);
+    EXPECT_GE(shortest, 40u);
+    EXPECT_EQ(sweep.leakedBytes, 0);
+    EXPECT_GE(sweep.failures, 2u);
 }
 
 TEST(Diagnostics, QuietLevelsDoNotEvaluateTheirArguments) {

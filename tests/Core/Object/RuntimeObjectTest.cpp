@@ -3,6 +3,7 @@
 #include <CoreFoundation/CFString.h>
 
 #include "Core/Object/RuntimeObject.h"
+#include "Support/FailingAllocator.h"
 
 #include <gtest/gtest.h>
 
@@ -99,6 +100,17 @@ TEST(RuntimeObject, SizesThatOverflowGiveNoObject) {
                                     std::size_t{1} << (8 * sizeof(CFIndex) - 1)})
         EXPECT_EQ(cg::create<Widget>(kWidgetClass, bytes), nullptr) << bytes;
     EXPECT_EQ(livingParts, 0);
+}
+
+TEST(RuntimeObject, WithoutMemoryNothingIsConstructed) {
+    bool isNeutral = true;
+    const auto sweep = test::failEachAllocation([&isNeutral] {
+        const Handle widget = cf::adopt(cg::create<Widget>(kWidgetClass));
+        isNeutral = isNeutral && livingParts == (widget ? 1 : 0);
+    });
+    EXPECT_EQ(sweep.failures, 1u);
+    EXPECT_EQ(sweep.leakedBytes, 0);
+    EXPECT_TRUE(isNeutral);
 }
 
 TEST(RuntimeObject, RetainAndReleaseTakeNull) {
