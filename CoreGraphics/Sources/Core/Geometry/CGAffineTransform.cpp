@@ -91,8 +91,9 @@ bool CGAffineTransformEqualToTransform(CGAffineTransform a, CGAffineTransform b)
     return a.a == b.a && a.b == b.b && a.c == b.c && a.d == b.d && a.tx == b.tx && a.ty == b.ty;
 }
 
-// Deliberate: a goes with c and b with d, the lengths of the matrix's columns rather than of the
-// mapped axes. Line widths are derived with it everywhere, so that all agree.
+// Deliberate: a goes with c and b with d, so that sx says how much of either axis ends up along x.
+// The lengths of the mapped axes pair a with b; under a turn of unequal scales the two differ, and
+// callers count on this one.
 CGAffineTransform _CGAffineTransfromExtractScale(CGAffineTransform t) {
     if (CGAffineTransformIsIdentity(t))
         return t;

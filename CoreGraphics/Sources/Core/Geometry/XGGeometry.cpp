@@ -71,7 +71,7 @@ CGFloat XGPointDistance(CGPoint a, CGPoint b) {
 }
 
 // Deliberate: only the x range of the segment is tested, so that on a vertical one every point of
-// the line passes. Callers have bounded y by then.
+// the line passes; callers count on that answer.
 bool XGPointIsOnLine(CGPoint point, CGPoint a, CGPoint b) {
     const CGFloat u = (a.x - point.x) * (b.y - point.y);
     const CGFloat v = (a.y - point.y) * (b.x - point.x);
