@@ -120,7 +120,7 @@ CFIndex find(std::span<const UInt8> bytes, std::span<const UInt8> sought,
     const UInt8* const found =
         backwards ? std::find_end(first, end, sought.data(), sought.data() + sought.size())
                   : std::search(first, end, sought.data(), sought.data() + sought.size());
-    return found == end ? kCFNotFound : static_cast<CFIndex>(found - whole);
+    return found == end ? CFIndex{kCFNotFound} : static_cast<CFIndex>(found - whole);
 }
 
 bool isWithin(const UInt8* bytes, const cf::Buffer<UInt8>& storage) {

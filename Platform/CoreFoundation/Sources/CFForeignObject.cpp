@@ -29,9 +29,11 @@ Function find(std::atomic<Function>& known, const char* name) {
 uintptr_t send(CFTypeRef receiver, const char* name, const void* argument = nullptr) {
     static constinit std::atomic<RegisterName> registerName = nullptr;
     static constinit std::atomic<Send> sendMessage = nullptr;
+    if (!receiver)
+        return 0;
     const RegisterName toSelector = find(registerName, "sel_registerName");
     const Send toObject = find(sendMessage, "objc_msgSend");
-    return receiver && toSelector && toObject ? toObject(receiver, toSelector(name), argument) : 0;
+    return toSelector && toObject ? toObject(receiver, toSelector(name), argument) : 0;
 }
 
 } // namespace

@@ -20,6 +20,11 @@ struct Foreign {
 
 constexpr double kClass = 0;
 
+bool isEqual(const Foreign& object, const void* argument) {
+    const auto& other = *static_cast<const Foreign*>(argument);
+    return other.isa == &kClass && other.value == object.value;
+}
+
 } // namespace
 
 // The two functions of the runtime. The library finds them by name, as it would the real ones.
@@ -29,19 +34,19 @@ sel_registerName(const char* name) {
 }
 
 extern "C" __attribute__((visibility("default"), used)) uintptr_t
-objc_msgSend(Foreign* receiver, const char* selector, const Foreign* argument) {
-    const std::string_view name = selector;
+objc_msgSend(const void* receiver, const void* selector, const void* argument) {
+    auto& object = *static_cast<Foreign*>(const_cast<void*>(receiver));
+    const std::string_view name = static_cast<const char*>(selector);
     if (name == "retain")
-        ++receiver->references;
+        ++object.references;
     else if (name == "release")
-        --receiver->references;
+        --object.references;
     else if (name == "hash")
-        return static_cast<uintptr_t>(receiver->value);
+        return static_cast<uintptr_t>(object.value);
     else if (name == "description")
         return reinterpret_cast<uintptr_t>(CFSTR("a foreign object"));
     else if (name == "isEqual:")
-        // Only the low byte of the answer counts.
-        return 0xff00 | (argument->isa == &kClass && argument->value == receiver->value ? 1 : 0);
+        return 0xff00 | (isEqual(object, argument) ? 1 : 0); // Only the low byte counts.
     return reinterpret_cast<uintptr_t>(receiver);
 }
 
