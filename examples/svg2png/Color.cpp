@@ -27,6 +27,7 @@ std::optional<unsigned> hexDigit(char c) {
     return std::nullopt;
 }
 
+// Three or four digits stand for doubled ones: #f80 is #ff8800.
 std::optional<Color> parseHex(std::string_view digits) {
     if (digits.size() != 3 && digits.size() != 4 && digits.size() != 6 && digits.size() != 8)
         return std::nullopt;
@@ -42,6 +43,7 @@ std::optional<Color> parseHex(std::string_view digits) {
     return fromBytes(bytes[0], bytes[1], bytes[2], bytes[3]);
 }
 
+// Names are matched in any case. The list is searched from the start: few documents name many.
 std::optional<Color> findNamed(std::string_view name) {
     if (equalsIgnoringCase(name, "transparent"))
         return Color{0, 0, 0, 0};
@@ -67,6 +69,7 @@ struct Arguments {
     std::size_t count = 0;
 };
 
+// Both forms of CSS: "1, 2, 3, 0.5" and "1 2 3 / 0.5".
 std::optional<Arguments> parseArguments(std::string_view text) {
     Scanner scanner(trimmed(text));
     Arguments arguments;
@@ -98,6 +101,7 @@ Color fromHsl(double hue, double saturation, double lightness, double alpha) {
     return {channel(0), channel(8), channel(4), alpha};
 }
 
+// What is out of range is brought back into it.
 std::optional<Color> parseFunction(std::string_view name, std::string_view text) {
     const auto arguments = parseArguments(text);
     if (!arguments)

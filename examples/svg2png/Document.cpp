@@ -21,6 +21,7 @@ xmlParserInputPtr refuseEntity(const char*, const char*, xmlParserCtxtPtr) {
     return nullptr;
 }
 
+// libxml2 objects are freed when their scope ends.
 struct FreeParser {
     void operator()(xmlParserCtxt* parser) const { xmlFreeParserCtxt(parser); }
 };
@@ -38,6 +39,7 @@ struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
+// The whole file. A folder opens like a file, and fails at the first read.
 std::optional<std::string> readFile(const std::string& fileName, std::string& error) {
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName.c_str(), "rb"));
     std::string content;

@@ -12,6 +12,7 @@ namespace {
 constexpr char kSvgNamespace[] = "http://www.w3.org/2000/svg";
 constexpr char kLinkNamespace[] = "http://www.w3.org/1999/xlink";
 
+// libxml2 has characters of its own, which are UTF-8.
 const xmlChar* xml(const char* text) {
     return reinterpret_cast<const xmlChar*>(text);
 }
@@ -29,6 +30,7 @@ std::optional<std::string> adoptText(xmlChar* text) {
     return text ? std::optional<std::string>(plain(text)) : std::nullopt;
 }
 
+// This node or the first after it that is an element: text and comments lie between.
 const xmlNode* nextElement(const xmlNode* node) {
     while (node && node->type != XML_ELEMENT_NODE)
         node = node->next;

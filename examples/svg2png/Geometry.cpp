@@ -14,6 +14,7 @@ namespace svg {
 
 namespace {
 
+// matrix() has the most of all.
 constexpr std::size_t kMostArguments = 6;
 
 struct Arguments {
@@ -41,6 +42,7 @@ CGAffineTransform rotation(const Arguments& a) {
                          y - sine * x - cosine * y);
 }
 
+// One function of a transform list; nothing for an unknown name or a wrong number of arguments.
 std::optional<CGAffineTransform> makeFunction(std::string_view name, const Arguments& a) {
     const auto has = [&](std::size_t least, std::size_t most) {
         return a.count == least || a.count == most;
@@ -60,6 +62,7 @@ std::optional<CGAffineTransform> makeFunction(std::string_view name, const Argum
     return std::nullopt;
 }
 
+// Numbers with white space or single commas between them, to the end of the text.
 std::optional<Arguments> parseArguments(std::string_view text) {
     Scanner scanner(trimmed(text));
     Arguments arguments;
@@ -83,6 +86,7 @@ std::optional<CGAffineTransform> scanFunction(Scanner& scanner) {
     return arguments ? makeFunction(name, *arguments) : std::nullopt;
 }
 
+// The three words for a side, as the share of free space before the picture.
 std::optional<double> parseAlignment(std::string_view text) {
     return text == "Min"   ? std::optional(0.0)
            : text == "Mid" ? std::optional(0.5)

@@ -9,6 +9,7 @@ namespace svg {
 
 namespace {
 
+// A unit of CSS. The table is indexed by Unit.
 struct UnitRow {
     std::string_view name;
     Unit unit;

@@ -17,6 +17,7 @@ constexpr std::size_t kDeepest = 400;
 // What a document that gives no size at all gets, as any replaced element on a CSS page.
 constexpr Size kDefaultSize = {300, 150};
 
+// Symbols, and the sizes of nested pictures, depend on whether a use brought them in.
 bool isInstanceOfUse(const Occurrence& occurrence) {
     return occurrence.parent && occurrence.parent->element.is("use");
 }
@@ -29,6 +30,7 @@ bool isWithin(const Occurrence& occurrence, Element element) {
     return false;
 }
 
+// Every child is counted: what a few lines can ask for must end in reasonable time.
 void addChild(Scene& scene, const Occurrence& parent, Element element, const Viewport& viewport,
               Interior& interior) {
     if (scene.budget == 0 || parent.depth >= kDeepest) {
@@ -63,6 +65,7 @@ bool speaksOneOf(std::string_view languages) {
     return false;
 }
 
+// The conditional processing attributes of a switch's child. We know no extension at all.
 bool passesConditions(Element element) {
     if (element.name().empty())
         return false;
@@ -71,6 +74,7 @@ bool passesConditions(Element element) {
     return !element.attribute("requiredExtensions");
 }
 
+// The first child that passes, whatever it is.
 Interior interiorOfSwitch(Scene& scene, const Occurrence& occurrence) {
     Interior interior;
     for (Element child = occurrence.element.firstChild(); child; child = child.nextSibling()) {
@@ -82,6 +86,7 @@ Interior interiorOfSwitch(Scene& scene, const Occurrence& occurrence) {
     return interior;
 }
 
+// The linked element, moved by x and y.
 Interior interiorOfUse(Scene& scene, const Occurrence& use) {
     Interior interior;
     const auto id = use.element.linkedId();
@@ -189,6 +194,8 @@ CGAffineTransform transformOf(Element element) {
     return (text ? parseTransform(*text) : std::nullopt).value_or(CGAffineTransformIdentity);
 }
 
+// Each child's box is mapped before they are united: a turned child counts with the box around its
+// turned box, as bounding boxes are upright in the space that asks.
 CGRect boundsOf(Scene& scene, const Occurrence& occurrence) {
     if (!occurrence.style.isDisplayed)
         return CGRectNull;

@@ -11,6 +11,7 @@ namespace svg {
 
 namespace {
 
+// Indexed by our own enumerations, which follow the standard's order.
 constexpr CGLineCap kLineCaps[] = {kCGLineCapButt, kCGLineCapRound, kCGLineCapSquare};
 constexpr CGLineJoin kLineJoins[] = {kCGLineJoinMiter, kCGLineJoinRound, kCGLineJoinBevel};
 
@@ -26,6 +27,7 @@ std::optional<Color> colorOf(Scene& scene, const Style& style, const Paint& pain
     return color && color->alpha > 0 ? color : std::nullopt;
 }
 
+// Adding the path consumes nothing: painting does, and the next one adds it again.
 void fill(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
           double opacity) {
     const Style& style = shape.style;
@@ -59,6 +61,7 @@ std::vector<CGFloat> dashesOf(const Occurrence& shape) {
     return lengths;
 }
 
+// Every line attribute is set anew for each stroke, so that none is left over from the last.
 void setLine(CGContextRef context, const Occurrence& shape, double width) {
     const Style& style = shape.style;
     CGContextSetLineWidth(context, toCoordinate(width));

@@ -9,6 +9,7 @@ namespace svg {
 
 namespace {
 
+// A place along a gradient, from 0 to 1, and the colour there.
 struct Stop {
     double offset = 0;
     Color color;
@@ -38,6 +39,7 @@ Element findStops(const Document& document, Element gradient) {
     return Element();
 }
 
+// Stops have styles of their own: class, style attribute and currentColor count.
 Stop readStop(const Scene& scene, const Occurrence& gradient, Element element) {
     const Occurrence occurrence = occurIn(scene, gradient, element, {});
     const auto offset = parseLength(element.attribute("offset").value_or(std::string()));
@@ -49,6 +51,7 @@ Stop readStop(const Scene& scene, const Occurrence& gradient, Element element) {
     return stop;
 }
 
+// Offsets never go back: one that would is moved up to the one before it.
 std::vector<Stop> readStops(const Scene& scene, Element element) {
     const Occurrence gradient = occurInPlace(scene, element);
     std::vector<Stop> stops;

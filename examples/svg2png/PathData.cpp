@@ -14,6 +14,7 @@ namespace svg {
 
 namespace {
 
+// In double precision, unlike CGPoint.
 struct Point {
     double x = 0;
     double y = 0;
@@ -38,6 +39,7 @@ public:
 private:
     // Each answers false at a mistake, having drawn nothing.
     bool readCommand(char command);
+    // One for each letter of the grammar; `relative` for the small ones.
     bool readMove(bool relative);
     bool readLine(bool relative);
     bool readHorizontal(bool relative);
@@ -49,11 +51,13 @@ private:
     bool readArc(bool relative);
     void close();
 
+    // The next arguments, made absolute; nothing at the end or at a mistake.
     std::optional<Point> nextPoint(bool relative);
     std::optional<double> nextCoordinate(double origin);
     // The control point that continues the previous curve smoothly, if that was one of `kind`.
     Point reflectedControl(char kind) const;
     void beginSegment();
+    // Each appends one segment and moves the current point to its end.
     void lineTo(Point end);
     void cubicTo(Point control1, Point control2, Point end);
     void quadraticTo(Point control, Point end);
@@ -67,6 +71,8 @@ private:
     bool afterClose_ = false;
 };
 
+// A letter stays in force while numbers follow, so that "L1 1 2 2" draws two lines. The grammar
+// lets a path start with a "move to" only.
 void PathReader::readAll() {
     scanner_.skipSpace();
     char command = 0;
@@ -119,6 +125,7 @@ bool PathReader::readCommand(char command) {
     }
 }
 
+// Adding the origin here keeps the commands themselves free of the two ways of writing.
 std::optional<double> PathReader::nextCoordinate(double origin) {
     const auto value = scanner_.nextNumber();
     return value ? std::optional(*value + origin) : std::nullopt;
@@ -130,6 +137,8 @@ std::optional<Point> PathReader::nextPoint(bool relative) {
     return y ? std::optional(Point{*x, *y}) : std::nullopt;
 }
 
+// Without such a curve before it, a smooth curve starts as if the control point were the current
+// one.
 Point PathReader::reflectedControl(char kind) const {
     const bool continues =
         kind == 'C' ? previous_ == 'C' || previous_ == 'S' : previous_ == 'Q' || previous_ == 'T';
@@ -229,6 +238,7 @@ bool PathReader::readSmoothQuadratic(bool relative) {
     return end.has_value();
 }
 
+// The flags are single digits: "a1 1 0 0110 10" has the flags 0 and 1 and the end (10, 10).
 bool PathReader::readArc(bool relative) {
     const auto radiusX = scanner_.nextNumber();
     const auto radiusY = radiusX ? scanner_.nextNumber() : std::nullopt;
@@ -245,6 +255,7 @@ bool PathReader::readArc(bool relative) {
     return true;
 }
 
+// The path object knows where its subpath started; we keep our own copy for what is relative to it.
 void PathReader::close() {
     CGPathCloseSubpath(path_);
     current_ = start_;

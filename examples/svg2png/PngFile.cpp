@@ -17,10 +17,12 @@ namespace svg {
 
 namespace {
 
+// Rounded to nearest. Of a transparent pixel no colour is left.
 std::uint8_t unpremultiply(unsigned component, unsigned alpha) {
     return alpha == 0 ? 0 : std::uint8_t(std::min(255u, (component * 255 + alpha / 2) / alpha));
 }
 
+// The same picture with red first, rows without gaps.
 std::vector<std::uint8_t> toRgba(const Bitmap& bitmap) {
     std::vector<std::uint8_t> result;
     result.reserve(bitmap.width * bitmap.height * 4);
@@ -55,6 +57,7 @@ public:
 
     std::FILE* get() const { return file_; }
 
+    // Gives the file its name. Closing may fail as well, when the last bytes find no room.
     bool finish() {
         std::FILE* file = file_;
         file_ = nullptr;

@@ -12,6 +12,7 @@ namespace svg {
 
 namespace {
 
+// CSS has no name for the library's other modes.
 struct BlendRow {
     std::string_view name;
     CGBlendMode mode;
@@ -43,6 +44,7 @@ bool leavesMarks(Element element) {
 
 } // namespace
 
+// Visibility hides a shape alone, as children may be visible again; display hides a whole branch.
 void Renderer::draw(const Occurrence& occurrence) {
     const Style& style = occurrence.style;
     if (!style.isDisplayed || style.opacity == 0)
@@ -86,6 +88,7 @@ void Renderer::drawContent(const Occurrence& occurrence, CGPathRef path, double 
         drawInterior(occurrence);
 }
 
+// The viewport's clip is given in the space outside, before the view box maps the children.
 void Renderer::drawInterior(const Occurrence& occurrence) {
     const SavedState saved(context_);
     const Interior interior = interiorOf(scene_, occurrence);
@@ -96,6 +99,7 @@ void Renderer::drawInterior(const Occurrence& occurrence) {
         draw(child);
 }
 
+// A reference to what does not exist has no effect, and is no loss.
 void Renderer::reportEffects(const Occurrence& occurrence) {
     const Style& style = occurrence.style;
     if (scene_.document.find(style.maskId).is("mask"))

@@ -16,6 +16,7 @@ Path newPath() {
     return Path(CGPathCreateMutable());
 }
 
+// One function for each element; all read their attributes in user units.
 Path pathShape(const Occurrence& shape) {
     return parsePathData(shape.element.attribute("d").value_or(std::string()));
 }
@@ -44,6 +45,7 @@ Path roundedRectangle(double x, double y, double width, double height, double rx
     return path;
 }
 
+// A width or height of 0 or less draws nothing, and radii reach to the middle of a side at most.
 Path rectangleShape(const Occurrence& shape) {
     const double width = shape.length("width", Axis::X);
     const double height = shape.length("height", Axis::Y);
@@ -72,6 +74,7 @@ Path ellipse(const Occurrence& shape, double rx, double ry) {
     return path;
 }
 
+// A percentage of a circle's radius is one of the viewport's diagonal.
 Path circleShape(const Occurrence& shape) {
     const double radius = shape.length("r", Axis::Diagonal);
     return ellipse(shape, radius, radius);
@@ -109,6 +112,7 @@ Path polylineShape(const Occurrence& shape) {
     return path;
 }
 
+// The same, closed. Closing a path without points would be a mistake.
 Path polygonShape(const Occurrence& shape) {
     Path path = polylineShape(shape);
     if (!CGPathIsEmpty(path.get()))

@@ -12,6 +12,7 @@ namespace svg {
 
 namespace {
 
+// The values that a property spells out, in any mix of capital and small letters.
 template <typename T, std::size_t N>
 using Keywords = std::array<std::pair<std::string_view, T>, N>;
 
@@ -35,6 +36,7 @@ std::optional<LineCap> parseLineCap(std::string_view text) {
     return findKeyword(keywords, text);
 }
 
+// The joins that SVG 2 added look like miters where they do not cut anything off.
 std::optional<LineJoin> parseLineJoin(std::string_view text) {
     constexpr Keywords<LineJoin, 5> keywords = {{{"miter", LineJoin::Miter},
                                                  {"miter-clip", LineJoin::Miter},
@@ -44,12 +46,14 @@ std::optional<LineJoin> parseLineJoin(std::string_view text) {
     return findKeyword(keywords, text);
 }
 
+// A bare number and nothing else.
 std::optional<double> parseNumber(std::string_view text) {
     Scanner scanner(text);
     const auto value = scanner.number();
     return scanner.atEnd() ? value : std::nullopt;
 }
 
+// A number or a percentage, brought between 0 and 1.
 std::optional<double> parseOpacity(std::string_view text) {
     const auto length = parseLength(text);
     if (!length || (length->unit != Unit::None && length->unit != Unit::Percent))
@@ -58,6 +62,7 @@ std::optional<double> parseOpacity(std::string_view text) {
                       1.0);
 }
 
+// Below 1 no join could be sharp at all: the standard calls that a mistake.
 std::optional<double> parseMiterLimit(std::string_view text) {
     const auto value = parseNumber(text);
     return value && *value >= 1 ? value : std::nullopt;
@@ -68,6 +73,7 @@ std::optional<Length> parseStrokeWidth(std::string_view text) {
     return length && length->value >= 0 ? length : std::nullopt;
 }
 
+// One negative length spoils the list, and the line stays as it was.
 std::optional<std::vector<Length>> parseDashes(std::string_view text) {
     std::vector<Length> dashes;
     if (text == "none")
@@ -114,6 +120,7 @@ std::optional<std::string> parseReference(std::string_view text) {
     return scanReference(scanner);
 }
 
+// "none", a colour, or a reference with a fallback behind it.
 std::optional<Paint> parsePaint(std::string_view text) {
     if (text == "none")
         return Paint{};
@@ -141,6 +148,8 @@ std::optional<PaintOrder> parsePaintOrder(std::string_view text) {
     return stroke < fill ? PaintOrder::StrokeFirst : PaintOrder::FillFirst;
 }
 
+// The steps of the size keywords are those of CSS Fonts 4, for a medium of 16 pixels. No text is
+// drawn yet, but lengths in em hang on this.
 std::optional<Length> parseFontSize(std::string_view text) {
     constexpr Keywords<Length, 9> keywords = {{{"xx-small", {9, Unit::Pixel}},
                                                {"x-small", {10, Unit::Pixel}},
@@ -185,6 +194,7 @@ struct Property {
     void (*reset)(Style& style);
 };
 
+// A row of the table, for a member of Style and the parser of its values.
 template <auto Member, auto Parse>
 constexpr Property property(std::string_view name) {
     return {name,
@@ -196,6 +206,8 @@ constexpr Property property(std::string_view name) {
             [](Style& style) { style.*Member = Style().*Member; }};
 }
 
+// Sorted by name for the binary search below. Properties that are not here change nothing that this
+// program draws.
 constexpr std::array kProperties = {
     property<&Style::clipPathId, parseReference>("clip-path"),
     property<&Style::clipRule, parseFillRule>("clip-rule"),
@@ -231,6 +243,8 @@ constexpr std::array kProperties = {
 };
 static_assert(std::ranges::is_sorted(kProperties, {}, &Property::name));
 
+// Sets one property by name. The keywords that every property knows come first; for color, the
+// current colour can only be the parent's.
 void apply(Style& style, const Style& parent, std::string_view name, std::string_view value) {
     const auto found = std::ranges::lower_bound(kProperties, name, {}, &Property::name);
     if (found == kProperties.end() || found->name != name)
@@ -246,6 +260,7 @@ void apply(Style& style, const Style& parent, std::string_view name, std::string
         found->inherit(style, parent);
 }
 
+// Any attribute may be a presentation attribute: the table knows which ones are.
 void applyAttributes(Style& style, const Style& parent, Element element) {
     for (const xmlAttr* attribute = element.node()->properties; attribute;
          attribute = attribute->next) {

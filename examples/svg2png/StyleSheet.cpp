@@ -11,6 +11,7 @@ namespace svg {
 
 namespace {
 
+// Comments separate what stands on their two sides, hence the space.
 std::string withoutComments(std::string_view text) {
     std::string result;
     for (;;) {
@@ -54,6 +55,7 @@ std::string_view takeUntil(std::string_view& text, char end) {
     return result;
 }
 
+// "property: value !important"; nothing when either side is missing.
 std::optional<Declaration> parseDeclaration(std::string_view text) {
     const std::string_view property = trimmed(takeUntil(text, ':'));
     std::string_view value = trimmed(text);
@@ -70,6 +72,7 @@ std::optional<Declaration> parseDeclaration(std::string_view text) {
     return result;
 }
 
+// A type or "*", then any number of classes and ids, without space between them.
 std::optional<CompoundSelector> scanCompound(Scanner& scanner) {
     CompoundSelector result;
     const bool isUniversal = scanner.accept('*');
@@ -87,6 +90,7 @@ std::optional<CompoundSelector> scanCompound(Scanner& scanner) {
     return isEmpty ? std::nullopt : std::optional(std::move(result));
 }
 
+// Compounds with a combinator between each two; nothing for anything beyond those.
 std::optional<Selector> parseSelector(std::string_view text) {
     Scanner scanner(trimmed(text));
     Selector selector;
@@ -108,6 +112,7 @@ std::optional<Selector> parseSelector(std::string_view text) {
     }
 }
 
+// Whether a name is one of the words of a class attribute.
 bool hasClass(std::string_view classes, std::string_view name) {
     for (classes = trimmed(classes); !classes.empty(); classes = trimmed(classes)) {
         const auto end = std::min(classes.find_first_of(" \t\n\r\f"), classes.size());
@@ -145,6 +150,8 @@ bool CompoundSelector::matches(Element element) const {
                           classes, [&](const auto& wanted) { return hasClass(*present, wanted); });
 }
 
+// Whether the first `count` compounds fit a chain that ends at `element`. Right to left, as the
+// last compound is the one that the element itself must meet.
 bool Selector::matchesUpTo(std::size_t count, Element element) const {
     if (count == 0)
         return true;

@@ -25,13 +25,16 @@ constexpr char kUsage[] =
     "is left out follows from the drawing. Each line of LIST holds the same arguments, with a tab\n"
     "between one and the next.\n";
 
+// What the shell sees.
 enum ExitCode { Success = 0, Failure = 1, Usage = 2 };
 
+// Beyond these a picture is more likely a mistake than a wish; they keep every size within 32 bits.
 constexpr double kLargestSide = 32767;
 constexpr double kMostPixels = 1 << 28;
 
 using Arguments = std::span<const std::string>;
 
+// Says what is wrong with a file, in one line; always false, to be returned.
 bool fail(const std::string& fileName, const std::string& message) {
     std::fprintf(stderr, "svg2png: %s: %s\n", fileName.c_str(), message.c_str());
     return false;
@@ -57,6 +60,7 @@ svg::Size pictureSize(const svg::Document& document, std::optional<double> width
             std::max(1.0, std::round(height.value_or(own.height * scale)))};
 }
 
+// One picture from beginning to end. Arguments: input, output, and up to two sides.
 bool convert(Arguments arguments) {
     const std::string& input = arguments[0];
     const std::string& output = arguments[1];
