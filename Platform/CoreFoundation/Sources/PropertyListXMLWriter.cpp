@@ -15,6 +15,12 @@ namespace {
 
 constexpr size_t kBytesPerLine = 57; // 76 letters of base 64.
 
+// The two characters above the control ones that XML leaves out.
+bool hasNoncharacters(std::string_view utf8) {
+    return utf8.find("\xEF\xBF\xBE") != std::string_view::npos ||
+           utf8.find("\xEF\xBF\xBF") != std::string_view::npos;
+}
+
 class XMLWriter {
 public:
     XMLWriter(TextBuffer& result, Problem& problem) : result_(result), problem_(problem) {}
@@ -102,6 +108,8 @@ private:
         TextBuffer text;
         if (!appendUTF8(string, text))
             return fail("text with lone surrogates");
+        if (hasNoncharacters(view(text)))
+            return fail("the characters U+FFFE and U+FFFF");
         put("<");
         put(element);
         put(">");

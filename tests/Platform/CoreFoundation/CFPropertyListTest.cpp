@@ -216,6 +216,7 @@ TEST(CFPropertyList, RefusesWhatItCannotHold) {
         {"a key that is no string", cf::retain<CFTypeRef>(odd.get()),
          kCFPropertyListBinaryFormat_v1_0, false},
         {"a control character in XML", text("\x01"), kCFPropertyListXMLFormat_v1_0, true},
+        {"a noncharacter in XML", text("\xEF\xBF\xBF"), kCFPropertyListXMLFormat_v1_0, true},
         {"a lone surrogate in XML", lone, kCFPropertyListXMLFormat_v1_0, true},
         {"a date too late for XML", date(1e15), kCFPropertyListXMLFormat_v1_0, true},
         {"a date that is none in XML", date(std::nan("")), kCFPropertyListXMLFormat_v1_0, true},
