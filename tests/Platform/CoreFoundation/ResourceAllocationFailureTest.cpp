@@ -1,12 +1,16 @@
-// ResourceAllocationFailureTest.cpp: every allocation of URLs, errors, streams and property lists
-// fails in turn.
+// ResourceAllocationFailureTest.cpp: every allocation of URLs, errors, streams, property lists,
+// bundles and settings fails in turn.
 
+#include <CoreFoundation/CFBundle.h>
+#include <CoreFoundation/CFPreferences.h>
 #include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CFURL.h>
 #include <Host/Host.h>
 
 #include "PropertyListFixtures.h"
 #include "Support/FailingAllocator.h"
+#include "Support/TemporaryFolder.h"
+#include "Text.h"
 
 #include <gtest/gtest.h>
 
@@ -51,13 +55,18 @@ void useURLs() {
     drop(CFURLCreateData(nullptr, url.get(), kCFStringEncodingUTF8, false));
 }
 
+// Describes each kind of error, so that one run makes the constant strings of all.
 void useErrors() {
     const void* const key = kCFErrorDescriptionKey;
     const void* const value = kPath;
-    const auto error = cf::adopt(
-        CFErrorCreateWithUserInfoKeysAndValues(nullptr, kCFErrorDomainPOSIX, 2, &key, &value, 1));
-    drop(CFErrorCopyDescription(error.get()));
-    drop(CFErrorCopyUserInfo(error.get()));
+    for (const CFErrorDomain domain : {kCFErrorDomainPOSIX, kCFErrorDomainCocoa}) {
+        const auto error =
+            cf::adopt(CFErrorCreateWithUserInfoKeysAndValues(nullptr, domain, 2, &key, &value, 1));
+        const auto plain = cf::adopt(CFErrorCreate(nullptr, domain, 2, nullptr));
+        drop(CFErrorCopyDescription(error.get()));
+        drop(CFErrorCopyDescription(plain.get()));
+        drop(CFErrorCopyUserInfo(error.get()));
+    }
 }
 
 void useStreams() {
@@ -131,6 +140,55 @@ TEST(ResourceAllocationFailure, GivesWholeListsOrNone) {
         EXPECT_EQ(sweep.leakedBytes, 0) << what;
         EXPECT_EQ(user.incomplete(), 0) << what;
     }
+}
+
+TEST(ResourceAllocationFailure, LeavesBundlesWhole) {
+    const Silence silence;
+    const test::TemporaryFolder folder;
+    folder.write("b/Info.plist", "{ CFBundleDevelopmentRegion = xx; CFBundleExecutable = e; }");
+    folder.write("b/xx.lproj/a.txt", "");
+    folder.write("b/xx.lproj/Localizable.strings", "k = v;");
+    const auto url = cf::adopt(CFURLCreateWithFileSystemPath(
+        nullptr, test::makeText(folder.path("b")).get(), kCFURLPOSIXPathStyle, true));
+    const CFStringRef name = CFSTR("a");
+    const CFStringRef key = CFSTR("k");
+    const auto search = [&] {
+        drop(CFBundleCopyResourceURLInDirectory(url.get(), name, nullptr, nullptr));
+        drop(CFBundleCopyInfoDictionaryInDirectory(url.get()));
+    };
+    // Bundles keep what they were asked for, so that only what they answer is looked at.
+    const auto use = [&] {
+        const auto bundle = cf::adopt(CFBundleCreate(nullptr, url.get()));
+        drop(CFBundleCopyResourceURL(bundle.get(), nullptr, CFSTR("txt"), nullptr));
+        drop(CFBundleCopyResourceURLsOfType(bundle.get(), CFSTR("txt"), nullptr));
+        drop(CFBundleCopyBundleLocalizations(bundle.get()));
+        drop(CFBundleCopyExecutableURL(bundle.get()));
+        drop(CFBundleCopyLocalizedString(bundle.get(), key, nullptr, nullptr));
+    };
+    const test::FailureSweep searching = test::failEachAllocation(search);
+    EXPECT_GT(searching.failures, 20u);
+    EXPECT_EQ(searching.leakedBytes, 0);
+    EXPECT_GT(test::failEachAllocation(use).failures, 20u);
+    const auto bundle = cf::adopt(CFBundleCreate(nullptr, url.get()));
+    EXPECT_EQ(test::takeText(CFBundleCopyLocalizedString(bundle.get(), key, nullptr, nullptr)),
+              "v");
+}
+
+TEST(ResourceAllocationFailure, LosesNoSettingThatWasTaken) {
+    const Silence silence;
+    const CFStringRef application = CFSTR("org.example.failing");
+    const CFStringRef key = CFSTR("k");
+    const auto use = [&] {
+        CFPreferencesSetAppValue(key, kBase, application);
+        CFPreferencesAppSynchronize(application);
+        drop(CFPreferencesCopyAppValue(key, application));
+        drop(CFPreferencesCopyMultiple(nullptr, application, kCFPreferencesCurrentUser,
+                                       kCFPreferencesAnyHost));
+    };
+    EXPECT_GT(test::failEachAllocation(use).failures, 20u);
+    EXPECT_TRUE(CFPreferencesAppSynchronize(application));
+    const auto value = cf::adopt<CFTypeRef>(CFPreferencesCopyAppValue(key, application));
+    EXPECT_TRUE(value && CFEqual(value.get(), kBase));
 }
 
 } // namespace
