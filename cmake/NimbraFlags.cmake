@@ -42,7 +42,9 @@ if(NIMBRA_SANITIZE)
     # C functions are called through pointers to their exact types; Skia is built without the
     # sanitizer, so the vptr check has nothing to look at.
     add_compile_options(-fsanitize=${NIMBRA_SANITIZE} -fno-omit-frame-pointer -g1)
-    add_link_options(-fsanitize=${NIMBRA_SANITIZE})
+    # Programs of C need the part of the runtime that the libraries' C++ calls, too.
+    add_link_options(-fsanitize=${NIMBRA_SANITIZE} -fsanitize-link-c++-runtime)
+    string(APPEND CMAKE_C_STANDARD_LIBRARIES " -lstdc++")
     if(NIMBRA_SANITIZE MATCHES "undefined")
         add_compile_options(-fno-sanitize-recover=undefined -fno-sanitize=vptr)
         add_link_options(-fno-sanitize=vptr)

@@ -49,15 +49,9 @@ struct FailureSweep {
     std::ptrdiff_t leakedBytes = 0; // Memory not given back, over all runs; 0 when all is well.
 };
 
-// Runs `operation` with its first allocation failing, then its second, and so on, until it runs
-// through. It must give back what it made. One run before the first makes what is made only once.
-// It must use no test assertions, which allocate: it notes what it sees in plain variables.
+// One pass of failEachAllocation.
 template <typename Operation>
-FailureSweep failEachAllocation(Operation operation) {
-    {
-        const AllocationFailure none(0);
-        operation();
-    }
+FailureSweep sweepOnce(Operation& operation) {
     FailureSweep sweep;
     for (bool happened = true; happened;) {
         const AllocationMeter meter;
@@ -70,6 +64,16 @@ FailureSweep failEachAllocation(Operation operation) {
         sweep.failures += happened ? 1 : 0;
     }
     return sweep;
+}
+
+// Runs `operation` with its first allocation failing, then its second, and so on, until it runs
+// through. It must give back what it made. A whole pass goes before the one that counts: it makes
+// what is made only once, on the ways that failures take, too. The operation must use no test
+// assertions, which allocate: it notes what it sees in plain variables.
+template <typename Operation>
+FailureSweep failEachAllocation(Operation operation) {
+    sweepOnce(operation);
+    return sweepOnce(operation);
 }
 
 } // namespace test
