@@ -2,7 +2,7 @@
 
 #include <CoreFoundation/CFRef.h>
 
-#include "CFStringFormatSpec.h"
+#include "CFStringFormatDirective.h"
 
 #include <locale.h>
 
@@ -80,58 +80,60 @@ public:
 
     void run(const Text& format) {
         CFIndex copied = 0;
-        for (size_t i = 0; i < parsed_.specCount(); ++i) {
-            FormatSpec spec = parsed_.spec(i);
-            result_.append(format.part(copied, spec.begin - copied));
-            resolveStars(spec);
-            convert(spec);
-            copied = spec.end;
+        for (size_t i = 0; i < parsed_.directiveCount(); ++i) {
+            FormatDirective directive = parsed_.directive(i);
+            result_.append(format.part(copied, directive.begin - copied));
+            resolveStars(directive);
+            convert(directive);
+            copied = directive.end;
         }
         result_.append(format.part(copied, format.length() - copied));
     }
 
 private:
     // A negative width given by an argument means left-aligned, a negative precision none.
-    void resolveStars(FormatSpec& spec) const {
-        if (spec.widthArgument != FormatSpec::kNone) {
-            const auto width = static_cast<int>(arguments_[spec.widthArgument].integer);
-            spec.width = width < 0 ? -std::max(width, -std::numeric_limits<int>::max()) : width;
+    void resolveStars(FormatDirective& directive) const {
+        if (directive.widthArgument != FormatDirective::kNone) {
+            const auto width = static_cast<int>(arguments_[directive.widthArgument].integer);
+            directive.width =
+                width < 0 ? -std::max(width, -std::numeric_limits<int>::max()) : width;
             if (width < 0)
-                spec.flags |= FormatSpec::kLeft;
+                directive.flags |= FormatDirective::kLeft;
         }
-        if (spec.precisionArgument != FormatSpec::kNone)
-            spec.precision = std::max(static_cast<int>(arguments_[spec.precisionArgument].integer),
-                                      FormatSpec::kNone);
+        if (directive.precisionArgument != FormatDirective::kNone)
+            directive.precision =
+                std::max(static_cast<int>(arguments_[directive.precisionArgument].integer),
+                         FormatDirective::kNone);
     }
 
-    void convert(const FormatSpec& spec) {
-        if (spec.conversion == '%') {
+    void convert(const FormatDirective& directive) {
+        if (directive.conversion == '%') {
             result_.append('%');
             return;
         }
-        const Argument& argument = arguments_[spec.argument];
-        switch (spec.conversion) {
+        const Argument& argument = arguments_[directive.argument];
+        switch (directive.conversion) {
         case '@':
-            return appendObject(spec, argument.pointer);
+            return appendObject(directive, argument.pointer);
         case 'p':
-            return appendPointer(spec, argument.pointer);
+            return appendPointer(directive, argument.pointer);
         case 'c':
         case 'C':
-            return appendCharacter(spec, argument.integer);
+            return appendCharacter(directive, argument.integer);
         case 's':
-            return spec.length == LengthModifier::Long
-                       ? appendUnits(spec, static_cast<const wchar_t*>(argument.pointer))
-                       : appendBytes(spec, static_cast<const char*>(argument.pointer));
+            return directive.length == LengthModifier::Long
+                       ? appendUnits(directive, static_cast<const wchar_t*>(argument.pointer))
+                       : appendBytes(directive, static_cast<const char*>(argument.pointer));
         case 'S':
-            return appendUnits(spec, static_cast<const UniChar*>(argument.pointer));
+            return appendUnits(directive, static_cast<const UniChar*>(argument.pointer));
         default:
-            return appendNumber(spec, argument);
+            return appendNumber(directive, argument);
         }
     }
 
-    void appendPadded(const FormatSpec& spec, const Text& text) {
-        const CFIndex missing = std::max(spec.width - text.length(), CFIndex{0});
-        const bool isLeft = (spec.flags & FormatSpec::kLeft) != 0;
+    void appendPadded(const FormatDirective& directive, const Text& text) {
+        const CFIndex missing = std::max(directive.width - text.length(), CFIndex{0});
+        const bool isLeft = (directive.flags & FormatDirective::kLeft) != 0;
         if (!isLeft)
             result_.appendRepeated(' ', missing);
         result_.append(text);
@@ -139,22 +141,22 @@ private:
             result_.appendRepeated(' ', missing);
     }
 
-    void appendASCII(const FormatSpec& spec, const char* bytes) {
+    void appendASCII(const FormatDirective& directive, const char* bytes) {
         TextBuilder text;
         text.appendASCII(bytes, std::strlen(bytes));
-        appendPadded(spec, text.text());
+        appendPadded(directive, text.text());
     }
 
     // Cut to the precision, but never inside a surrogate pair.
-    void appendCut(const FormatSpec& spec, const Text& text) {
+    void appendCut(const FormatDirective& directive, const Text& text) {
         CFIndex length = text.length();
-        if (spec.precision != FormatSpec::kNone && spec.precision < length) {
-            length = spec.precision;
+        if (directive.precision != FormatDirective::kNone && directive.precision < length) {
+            length = directive.precision;
             if (length > 0 && CFStringIsSurrogateHighCharacter(text[length - 1]) &&
                 CFStringIsSurrogateLowCharacter(text[length]))
                 --length;
         }
-        appendPadded(spec, text.part(0, length));
+        appendPadded(directive, text.part(0, length));
     }
 
     Ref<CFStringRef> copyDescription(CFTypeRef object) const {
@@ -166,49 +168,50 @@ private:
         return adopt(CFCopyDescription(object));
     }
 
-    void appendObject(const FormatSpec& spec, CFTypeRef object) {
+    void appendObject(const FormatDirective& directive, CFTypeRef object) {
         const auto text = object ? copyDescription(object) : nullptr;
         if (text)
-            appendCut(spec, Text(text.get()));
+            appendCut(directive, Text(text.get()));
         else
-            appendASCII(spec, "(null)");
+            appendASCII(directive, "(null)");
     }
 
-    void appendPointer(const FormatSpec& spec, const void* pointer) {
+    void appendPointer(const FormatDirective& directive, const void* pointer) {
         char digits[2 + sizeof(void*) * 2 + 1];
         std::snprintf(digits, sizeof digits, "0x%llx",
                       static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(pointer)));
-        appendASCII(spec, digits);
+        appendASCII(directive, digits);
     }
 
     // %c is a byte, %C a unit, %lc any character.
-    void appendCharacter(const FormatSpec& spec, long long value) {
+    void appendCharacter(const FormatDirective& directive, long long value) {
         TextBuilder text;
-        if (spec.conversion == 'c' && spec.length == LengthModifier::Long && value >= 0 &&
+        if (directive.conversion == 'c' && directive.length == LengthModifier::Long && value >= 0 &&
             value <= 0x10FFFF)
             text.appendCodePoint(static_cast<UTF32Char>(value));
-        else if (spec.conversion == 'c')
+        else if (directive.conversion == 'c')
             text.append(static_cast<UniChar>(static_cast<uint8_t>(value)));
         else
             text.append(static_cast<UniChar>(value));
-        appendPadded(spec, text.text());
+        appendPadded(directive, text.text());
     }
 
     // The bytes that may be looked at: up to the NUL, or to the precision if that comes first.
-    void appendBytes(const FormatSpec& spec, const char* bytes) {
+    void appendBytes(const FormatDirective& directive, const char* bytes) {
         if (!bytes)
-            return appendASCII(spec, "(null)");
-        const size_t count = spec.precision == FormatSpec::kNone
+            return appendASCII(directive, "(null)");
+        const size_t count = directive.precision == FormatDirective::kNone
                                  ? std::strlen(bytes)
-                                 : ::strnlen(bytes, static_cast<size_t>(spec.precision));
+                                 : ::strnlen(bytes, static_cast<size_t>(directive.precision));
         const auto* const data = reinterpret_cast<const uint8_t*>(bytes);
-        const size_t whole = spec.precision == FormatSpec::kNone ? count : wholeUTF8(data, count);
+        const size_t whole =
+            directive.precision == FormatDirective::kNone ? count : wholeUTF8(data, count);
         TextBuilder text;
         if (!decode(data, whole, kCFStringEncodingUTF8, ByteOrderMark::Ignore, text)) {
             text.truncate(0);
             text.appendASCII(bytes, count); // Not UTF-8: as Latin-1, so that nothing is lost.
         }
-        appendPadded(spec, text.text());
+        appendPadded(directive, text.text());
     }
 
     // `count` without a sequence that the precision has cut at the end.
@@ -224,23 +227,24 @@ private:
     }
 
     template <typename Unit>
-    void appendUnits(const FormatSpec& spec, const Unit* units) {
+    void appendUnits(const FormatDirective& directive, const Unit* units) {
         if (!units)
-            return appendASCII(spec, "(null)");
+            return appendASCII(directive, "(null)");
         TextBuilder text;
-        for (int i = 0; (spec.precision == FormatSpec::kNone || i < spec.precision) && units[i];
+        for (int i = 0;
+             (directive.precision == FormatDirective::kNone || i < directive.precision) && units[i];
              ++i)
             if constexpr (sizeof(Unit) == sizeof(UniChar))
                 text.append(static_cast<UniChar>(units[i]));
             else
                 text.appendCodePoint(static_cast<UTF32Char>(units[i]));
-        appendPadded(spec, text.text());
+        appendPadded(directive, text.text());
     }
 
     // Integers arrive as they were promoted: cut back to what the modifier says, all at 64 bits.
-    static long long cut(const FormatSpec& spec, long long value) {
-        const bool isSigned = spec.conversion == 'd' || spec.conversion == 'i';
-        switch (spec.length) {
+    static long long cut(const FormatDirective& directive, long long value) {
+        const bool isSigned = directive.conversion == 'd' || directive.conversion == 'i';
+        switch (directive.length) {
         case LengthModifier::Char:
             return isSigned ? static_cast<signed char>(value) : static_cast<unsigned char>(value);
         case LengthModifier::Short:
@@ -256,44 +260,46 @@ private:
         }
     }
 
-    void appendNumber(const FormatSpec& spec, const Argument& argument) {
-        switch (spec.conversion) {
+    void appendNumber(const FormatDirective& directive, const Argument& argument) {
+        switch (directive.conversion) {
         case 'd':
         case 'i':
         case 'o':
         case 'u':
         case 'x':
         case 'X':
-            return print(spec, "ll", cut(spec, argument.integer));
+            return print(directive, "ll", cut(directive, argument.integer));
         default:
-            return spec.length == LengthModifier::LongDouble ? print(spec, "L", argument.longReal)
-                                                             : print(spec, "", argument.real);
+            return directive.length == LengthModifier::LongDouble
+                       ? print(directive, "L", argument.longReal)
+                       : print(directive, "", argument.real);
         }
     }
 
     // Has the C library print one number, by a format of its own making.
     template <typename Number>
-    void print(const FormatSpec& spec, const char* length, Number number) {
+    void print(const FormatDirective& directive, const char* length, Number number) {
         char format[16] = "%";
         char* end = format + 1;
         constexpr char kFlags[] = {'-', '+', ' ', '#', '0', '\''};
         for (size_t i = 0; i < sizeof kFlags; ++i)
-            if (spec.flags & 1u << i)
+            if (directive.flags & 1u << i)
                 *end++ = kFlags[i];
         std::snprintf(end, sizeof format - static_cast<size_t>(end - format), "*.*%s%c", length,
-                      spec.conversion);
+                      directive.conversion);
 
         const NeutralNumbers neutral;
-        const int width = std::max(spec.width, 0);
+        const int width = std::max(directive.width, 0);
         Scratch<char> digits;
-        const int count =
-            std::snprintf(digits.data(), digits.capacity(), format, width, spec.precision, number);
+        const int count = std::snprintf(digits.data(), digits.capacity(), format, width,
+                                        directive.precision, number);
         if (count < 0)
             return;
         if (static_cast<size_t>(count) >= digits.capacity()) {
             if (!digits.reserve(static_cast<size_t>(count) + 1))
                 return result_.fail();
-            std::snprintf(digits.data(), digits.capacity(), format, width, spec.precision, number);
+            std::snprintf(digits.data(), digits.capacity(), format, width, directive.precision,
+                          number);
         }
         result_.appendASCII(digits.data(), static_cast<size_t>(count));
     }

@@ -1,6 +1,6 @@
-// CFStringFormatSpec.cpp: taking formats apart.
+// CFStringFormatDirective.cpp: taking formats apart.
 
-#include "CFStringFormatSpec.h"
+#include "CFStringFormatDirective.h"
 
 #include <algorithm>
 #include <limits>
@@ -14,29 +14,29 @@ namespace {
 constexpr int kMaximumPosition = 1024;
 
 // Reads one conversion from behind its "%".
-class SpecReader {
+class DirectiveReader {
 public:
-    SpecReader(const Text& format, CFIndex begin, int nextArgument)
+    DirectiveReader(const Text& format, CFIndex begin, int nextArgument)
         : format_(format), at_(begin + 1), next_(nextArgument) {
-        spec_.begin = begin;
+        directive_.begin = begin;
     }
 
     // False for what is not a conversion.
     bool read() {
-        spec_.argument = readPosition();
+        directive_.argument = readPosition();
         readFlags();
         readWidth();
         readPrecision();
         readLength();
         if (at_ >= format_.length() || !readConversion())
             return false;
-        spec_.end = at_;
-        if (spec_.conversion != '%' && spec_.argument == FormatSpec::kNone)
-            spec_.argument = next_++;
+        directive_.end = at_;
+        if (directive_.conversion != '%' && directive_.argument == FormatDirective::kNone)
+            directive_.argument = next_++;
         return !failed_;
     }
 
-    const FormatSpec& spec() const { return spec_; }
+    const FormatDirective& directive() const { return directive_; }
     int nextArgument() const { return next_; }
 
 private:
@@ -51,7 +51,7 @@ private:
     // A number, or kNone without digits; it stops growing at what an int holds.
     int readNumber() {
         if (peek() < '0' || peek() > '9')
-            return FormatSpec::kNone;
+            return FormatDirective::kNone;
         int64_t value = 0;
         for (; peek() >= '0' && peek() <= '9'; ++at_)
             value = std::min<int64_t>(value * 10 + (peek() - '0'), std::numeric_limits<int>::max());
@@ -62,12 +62,12 @@ private:
     int readPosition() {
         const CFIndex start = at_;
         const int position = readNumber();
-        if (position != FormatSpec::kNone && take('$')) {
+        if (position != FormatDirective::kNone && take('$')) {
             failed_ |= position < 1 || position > kMaximumPosition;
             return position - 1;
         }
         at_ = start;
-        return FormatSpec::kNone;
+        return FormatDirective::kNone;
     }
 
     void readFlags() {
@@ -77,47 +77,47 @@ private:
                                                     : std::string_view::npos;
             if (flag == std::string_view::npos)
                 return;
-            spec_.flags = static_cast<uint8_t>(spec_.flags | 1u << flag);
+            directive_.flags = static_cast<uint8_t>(directive_.flags | 1u << flag);
         }
     }
 
     int readStar() {
         const int position = readPosition();
-        return position == FormatSpec::kNone ? next_++ : position;
+        return position == FormatDirective::kNone ? next_++ : position;
     }
 
     void readWidth() {
         if (take('*'))
-            spec_.widthArgument = readStar();
+            directive_.widthArgument = readStar();
         else
-            spec_.width = readNumber();
+            directive_.width = readNumber();
     }
 
     void readPrecision() {
         if (!take('.'))
             return;
         if (take('*'))
-            spec_.precisionArgument = readStar();
+            directive_.precisionArgument = readStar();
         else
-            spec_.precision = std::max(readNumber(), 0);
+            directive_.precision = std::max(readNumber(), 0);
     }
 
     void readLength() {
         using enum LengthModifier;
         if (take('h'))
-            spec_.length = take('h') ? Char : Short;
+            directive_.length = take('h') ? Char : Short;
         else if (take('l'))
-            spec_.length = take('l') ? LongLong : Long;
+            directive_.length = take('l') ? LongLong : Long;
         else if (take('q'))
-            spec_.length = LongLong;
+            directive_.length = LongLong;
         else if (take('j'))
-            spec_.length = IntMax;
+            directive_.length = IntMax;
         else if (take('z'))
-            spec_.length = Size;
+            directive_.length = Size;
         else if (take('t'))
-            spec_.length = Difference;
+            directive_.length = Difference;
         else if (take('L'))
-            spec_.length = LongDouble;
+            directive_.length = LongDouble;
     }
 
     bool readConversion() {
@@ -125,12 +125,12 @@ private:
         constexpr std::string_view kKnown = "%@diouxXDOUeEfFgGaAcCsSp";
         if (unit >= 0x80 || kKnown.find(static_cast<char>(unit)) == std::string_view::npos)
             return false;
-        spec_.conversion = static_cast<char>(unit);
+        directive_.conversion = static_cast<char>(unit);
         // The capital integers are the long ones.
         constexpr std::string_view kLong = "DOU";
-        if (kLong.find(spec_.conversion) != std::string_view::npos) {
-            spec_.conversion = static_cast<char>(spec_.conversion - 'A' + 'a');
-            spec_.length = LengthModifier::Long;
+        if (kLong.find(directive_.conversion) != std::string_view::npos) {
+            directive_.conversion = static_cast<char>(directive_.conversion - 'A' + 'a');
+            directive_.length = LengthModifier::Long;
         }
         return true;
     }
@@ -139,7 +139,7 @@ private:
     CFIndex at_;
     int next_;
     bool failed_ = false;
-    FormatSpec spec_;
+    FormatDirective directive_;
 };
 
 ArgumentType integerType(LengthModifier length) {
@@ -160,8 +160,8 @@ ArgumentType integerType(LengthModifier length) {
 
 static_assert(sizeof(intmax_t) == sizeof(long long) && sizeof(size_t) == sizeof(ptrdiff_t));
 
-ArgumentType typeOf(const FormatSpec& spec) {
-    switch (spec.conversion) {
+ArgumentType typeOf(const FormatDirective& directive) {
+    switch (directive.conversion) {
     case '%':
         return ArgumentType::None;
     case '@':
@@ -178,26 +178,27 @@ ArgumentType typeOf(const FormatSpec& spec) {
     case 'u':
     case 'x':
     case 'X':
-        return integerType(spec.length);
+        return integerType(directive.length);
     default:
-        return spec.length == LengthModifier::LongDouble ? ArgumentType::LongDouble
-                                                         : ArgumentType::Double;
+        return directive.length == LengthModifier::LongDouble ? ArgumentType::LongDouble
+                                                              : ArgumentType::Double;
     }
 }
 
 } // namespace
 
-bool ParsedFormat::addSpec(const FormatSpec& spec) {
-    if (specCount_ == specs_.capacity() && !specs_.reserve(specCount_ * 2, specCount_))
+bool ParsedFormat::addDirective(const FormatDirective& directive) {
+    if (directiveCount_ == directives_.capacity() &&
+        !directives_.reserve(directiveCount_ * 2, directiveCount_))
         return false;
-    specs_.data()[specCount_++] = spec;
-    return setType(spec.widthArgument, ArgumentType::Int) &&
-           setType(spec.precisionArgument, ArgumentType::Int) &&
-           setType(spec.argument, typeOf(spec));
+    directives_.data()[directiveCount_++] = directive;
+    return setType(directive.widthArgument, ArgumentType::Int) &&
+           setType(directive.precisionArgument, ArgumentType::Int) &&
+           setType(directive.argument, typeOf(directive));
 }
 
 bool ParsedFormat::setType(int argument, ArgumentType type) {
-    if (argument == FormatSpec::kNone || type == ArgumentType::None)
+    if (argument == FormatDirective::kNone || type == ArgumentType::None)
         return true;
     const auto index = static_cast<size_t>(argument);
     if (index >= types_.capacity() &&
@@ -212,15 +213,15 @@ bool ParsedFormat::setType(int argument, ArgumentType type) {
 bool ParsedFormat::parse(const Text& format) {
     int nextArgument = 0;
     for (CFIndex i = 0; i < format.length();) {
-        SpecReader reader(format, i, nextArgument);
+        DirectiveReader reader(format, i, nextArgument);
         if (format[i] != '%' || !reader.read()) {
             ++i;
             continue;
         }
         nextArgument = reader.nextArgument();
-        if (!addSpec(reader.spec()))
+        if (!addDirective(reader.directive()))
             return false;
-        i = reader.spec().end;
+        i = reader.directive().end;
     }
     return true;
 }

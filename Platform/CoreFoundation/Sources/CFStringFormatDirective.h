@@ -1,4 +1,5 @@
-// CFStringFormatSpec.h: a format taken apart into its conversions and the arguments that they read.
+// CFStringFormatDirective.h: a format taken apart into its conversions and the arguments that they
+// read.
 #pragma once
 
 #include "CFStringInternal.h"
@@ -21,7 +22,7 @@ enum class LengthModifier : uint8_t {
 };
 
 // One conversion: format[begin, end). What lies between two of them is copied.
-struct FormatSpec {
+struct FormatDirective {
     enum Flag : uint8_t {
         kLeft = 1,
         kPlus = 2,
@@ -49,18 +50,18 @@ public:
     // False when memory runs out.
     [[nodiscard]] bool parse(const Text& format);
 
-    size_t specCount() const { return specCount_; }
-    const FormatSpec& spec(size_t index) const { return specs_.data()[index]; }
+    size_t directiveCount() const { return directiveCount_; }
+    const FormatDirective& directive(size_t index) const { return directives_.data()[index]; }
     size_t argumentCount() const { return argumentCount_; }
     // None for positions that no conversion names.
     ArgumentType argumentType(size_t index) const { return types_.data()[index]; }
 
 private:
-    bool addSpec(const FormatSpec& spec);
+    bool addDirective(const FormatDirective& directive);
     bool setType(int argument, ArgumentType type);
 
-    Scratch<FormatSpec, 16> specs_;
-    size_t specCount_ = 0;
+    Scratch<FormatDirective, 16> directives_;
+    size_t directiveCount_ = 0;
     Scratch<ArgumentType, 32> types_;
     size_t argumentCount_ = 0;
 };
