@@ -1,9 +1,9 @@
 // OperatorNew.cpp: plain `new` inside this library, which must not throw.
 //
 // Skia takes memory with plain `new` and does not expect it to fail. The standard library would
-// throw then, through code that knows no exceptions and out of the C boundary. Inside this library
-// the process ends with a line in the log instead; the names are not exported, so that nobody else's
-// `new` changes. Our own code asks with std::nothrow and answers NULL.
+// throw then, through code that knows no exceptions and out of the C boundary. Inside this
+// library the process ends with a line in the log instead; the names are not exported, so that
+// nobody else's `new` changes. Our own code asks with std::nothrow and answers NULL.
 
 #include <Host/Host.h>
 
