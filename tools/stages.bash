@@ -3,18 +3,29 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 stage_times=()
+running=
+started=
 
 stage() { # stage NAME COMMAND…: runs the command and notes how long it took.
-    local name=$1 start=$EPOCHREALTIME status=0
+    local status=0
+    running=$1
+    started=$EPOCHREALTIME
     shift
-    say "$name"
+    say "$running"
     "$@" || status=$?
-    stage_times+=("$(awk -v a="$start" -v b="$EPOCHREALTIME" -v name="$name" \
-        'BEGIN { printf "%7.1f s  %s", b - a, name }')")
+    note_stage ""
     return "$status"
 }
 
+note_stage() { # note_stage REMARK
+    stage_times+=("$(awk -v a="$started" -v b="$EPOCHREALTIME" -v name="$running$1" \
+        'BEGIN { printf "%7.1f s  %s", b - a, name }')")
+    running=
+}
+
+# Also of the stage that the script is being ended in, if there is one.
 print_stage_times() {
+    [[ -z $running ]] || note_stage " (broken off)"
     ((${#stage_times[@]} == 0)) || printf '%s\n' "${stage_times[@]}" >&2
 }
 
