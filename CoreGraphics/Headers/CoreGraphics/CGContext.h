@@ -77,8 +77,8 @@ CG_ENUM(int32_t, CGBlendMode) {
     kCGBlendModeDestinationOut = 23,  /**< R = D·(1 - Sa) */
     kCGBlendModeDestinationAtop = 24, /**< R = S·(1 - Da) + D·Sa */
     kCGBlendModeXOR = 25,             /**< R = S·(1 - Da) + D·(1 - Sa) */
-    kCGBlendModePlusDarker = 26,      /**< R = max(0, 1 - (1 - D) - (1 - S)) */
-    kCGBlendModePlusLighter = 27      /**< R = min(1, S + D) */
+    kCGBlendModePlusDarker = 26,      /**< Drawn into bitmaps as darken. */
+    kCGBlendModePlusLighter = 27      /**< Drawn into bitmaps as lighten. */
 };
 
 /* What holds for all: drawing is done in user space, which the current transform (CTM) maps to the

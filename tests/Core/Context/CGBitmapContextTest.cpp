@@ -228,8 +228,10 @@ TEST(BitmapContext, TakesPixelsFromTheCallersAllocator) {
 TEST(BitmapContext, GettersAnswerNothingForOtherContexts) {
     const XGContextCallbacks none = {};
     const auto other = cf::adopt(XGContextCreate(77, &none, nullptr, 0));
-    ASSERT_TRUE(other);
-    for (const CGContextRef context : {CGContextRef{nullptr}, other.get()}) {
+    // Calls itself a bitmap context, but has not the fields of one.
+    const auto impostor = cf::adopt(XGContextCreate(kXGContextKindBitmap, &none, nullptr, 0));
+    ASSERT_TRUE(other && impostor);
+    for (const CGContextRef context : {CGContextRef{nullptr}, other.get(), impostor.get()}) {
         EXPECT_EQ(CGBitmapContextGetData(context), nullptr);
         EXPECT_EQ(CGBitmapContextGetWidth(context), 0u);
         EXPECT_EQ(CGBitmapContextGetHeight(context), 0u);

@@ -33,9 +33,9 @@ struct BitmapContext {
     BitmapFields bitmap;
 };
 
-// The bitmap's fields, or NULL of a context of another kind.
+// The bitmap's fields, or NULL of a context without them.
 BitmapFields* fieldsOf(CGContextRef context) {
-    const bool isBitmap = context && context->kind == kXGContextKindBitmap;
+    const bool isBitmap = context && context->holdsBitmap;
     return isBitmap ? &reinterpret_cast<BitmapContext*>(context)->bitmap : nullptr;
 }
 
@@ -106,6 +106,7 @@ BitmapContext* makeContext(const cg::Bitmap& bitmap) {
     }
     auto* const made = reinterpret_cast<BitmapContext*>(context);
     new (&made->bitmap) BitmapFields{};
+    context->holdsBitmap = true;
     return made;
 }
 
@@ -225,8 +226,8 @@ void XGBitmapContextDispose(CGContextRef context) {
         return;
     if (bitmap->release)
         bitmap->release(bitmap->releaseInfo, bitmap->pixels);
+    context->holdsBitmap = false;
     bitmap->~BitmapFields();
-    new (bitmap) BitmapFields{};
 }
 
 // ---- Accessors

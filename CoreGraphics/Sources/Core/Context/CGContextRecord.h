@@ -12,6 +12,8 @@
 struct CGContext {
     CFRuntimeBase base;
     uint32_t kind = 0;
+    // Whether a bitmap's fields follow these: the kind alone is whatever a caller says.
+    bool holdsBitmap = false;
     // Smoothing is not allowed until asked for.
     uint32_t allowsFlags = kXGContextAllowsAntialiasing | kXGContextAllowsFontSubpixelPositioning |
                            kXGContextAllowsFontSubpixelQuantization;

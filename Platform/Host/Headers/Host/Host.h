@@ -25,13 +25,20 @@
 #define HOST_EXPORT extern __attribute__((visibility("default")))
 #define HOST_PRINTF(position, first) __attribute__((format(printf, position, first)))
 
+/* An enumeration of which every int is a value: a wild number from a caller is only wrong. */
+#if defined(__cplusplus)
+#define HOST_ENUM(name) enum name : int
+#else
+#define HOST_ENUM(name) enum name
+#endif
+
 HOST_BEGIN_DECLS
 
 /* ---- Locks ------------------------------------------------------------------------------- */
 
 typedef pthread_mutex_t HostMutex;
 
-typedef enum HostMutexKind {
+typedef HOST_ENUM(HostMutexKind) {
     kHostMutexPlain = 0,     /**< A second lock by the owner deadlocks. */
     kHostMutexRecursive = 1, /**< The owner may lock again, and unlocks as often. */
 } HostMutexKind;
@@ -69,7 +76,7 @@ HOST_EXPORT void HostTaskWaitForAll(void);
 
 /* ---- Log --------------------------------------------------------------------------------- */
 
-typedef enum HostLogLevel {
+typedef HOST_ENUM(HostLogLevel) {
     kHostLogFault = 2, /**< Always printed, then the process aborts with a backtrace. */
     kHostLogError = 3,
     kHostLogWarning = 4,
@@ -106,7 +113,7 @@ HOST_EXPORT void* HostSymbolFind(const char* name);
 
 /* ---- Runtime options --------------------------------------------------------------------- */
 
-typedef enum HostOptionKind {
+typedef HOST_ENUM(HostOptionKind) {
     kHostOptionBoolean = 0,
     kHostOptionInteger = 1,
 } HostOptionKind;
