@@ -1,4 +1,4 @@
-// TemporaryFolder.h: a folder of a test's own, gone with it.
+// TemporaryFolder.h: a folder of a test's own, gone with all its files when the test ends.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,13 +26,14 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     // The path of a file or folder in it; of the folder itself for "".
-    std::string path(const std::string& name) const {
+    std::string path(const std::string& name = {}) const {
         return name.empty() ? root_ : root_ + "/" + name;
     }
-    // Makes a file, with the folders that it lies in.
-    void write(const std::string& name, const std::string& bytes) const {
+    // Makes a file, with the folders that it lies in, and gives its path.
+    std::string write(const std::string& name, const std::string& bytes) const {
         std::filesystem::create_directories(std::filesystem::path(path(name)).parent_path());
         std::ofstream(path(name), std::ios::binary) << bytes;
+        return path(name);
     }
     std::string read(const std::string& name) const {
         std::stringstream bytes;

@@ -2,7 +2,7 @@
 
 #include <Host/Host.h>
 
-#include "TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 namespace {
 
 TEST(HostFile, ReadsFromAnyOffsetAndInTurn) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const host::Descriptor file(HostFileOpenForReading(folder.write("f", "0123456789").c_str()));
     ASSERT_TRUE(file);
     EXPECT_EQ(HostFileGetSize(file.get()), 10);
@@ -33,7 +33,7 @@ TEST(HostFile, ReadsFromAnyOffsetAndInTurn) {
 }
 
 TEST(HostFile, WritesOverWhatWasThere) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const std::string path = folder.write("f", "a long text");
     {
         const host::Descriptor file(HostFileOpenForWriting(path.c_str()));
@@ -65,7 +65,7 @@ TEST(HostFile, ReadsWhatAPipeGivesBitByBit) {
 }
 
 TEST(HostFile, MapsWholeFilesThatOutliveTheDescriptor) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     HostMapping mapping = {};
     {
         const host::Descriptor file(HostFileOpenForReading(folder.write("f", "mapped").c_str()));
@@ -82,19 +82,19 @@ TEST(HostFile, MapsWholeFilesThatOutliveTheDescriptor) {
 }
 
 TEST(HostFile, TellsFilesFromFoldersAndWhenTheyWereWritten) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const std::string path = folder.write("f", "x");
     EXPECT_TRUE(HostFileExists(path.c_str()));
     EXPECT_FALSE(HostFileIsDirectory(path.c_str()));
     EXPECT_TRUE(HostFileIsDirectory(folder.path().c_str()));
-    EXPECT_FALSE(HostFileExists((folder / "absent").c_str()));
+    EXPECT_FALSE(HostFileExists(folder.path("absent").c_str()));
 
     const timespec times[2] = {{1000, 0}, {2000, 500000000}};
     ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), times, 0), 0);
     double seconds = 0;
     EXPECT_TRUE(HostFileGetModificationTime(path.c_str(), &seconds));
     EXPECT_EQ(seconds, 2000.5);
-    EXPECT_FALSE(HostFileGetModificationTime((folder / "absent").c_str(), &seconds));
+    EXPECT_FALSE(HostFileGetModificationTime(folder.path("absent").c_str(), &seconds));
 }
 
 TEST(HostFile, RefusesMissingAndImpossibleArguments) {

@@ -2,7 +2,7 @@
 
 #include <Host/Host.h>
 
-#include "TemporaryFolder.h"
+#include "Support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -81,21 +81,21 @@ TEST(HostPath, FindsTheProgramAndItsLibraries) {
 }
 
 TEST(HostPath, MakesTheUsersFolders) {
-    const TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     char buffer[4096];
     {
-        const Environment cache("XDG_CACHE_HOME", (folder / "x/cache").c_str());
+        const Environment cache("XDG_CACHE_HOME", (folder.path("x/cache")).c_str());
         EXPECT_TRUE(HostPathGetCachesDirectory(buffer, sizeof buffer));
-        EXPECT_EQ(buffer, folder / "x/cache/HostTests");
+        EXPECT_EQ(buffer, folder.path("x/cache/HostTests"));
         EXPECT_TRUE(HostFileIsDirectory(buffer));
     }
     const Environment home("HOME", folder.path().c_str());
     const Environment cache("XDG_CACHE_HOME", "relative, so without meaning");
     const Environment config("XDG_CONFIG_HOME", nullptr);
     EXPECT_TRUE(HostPathGetCachesDirectory(buffer, sizeof buffer));
-    EXPECT_EQ(buffer, folder / ".cache/HostTests");
+    EXPECT_EQ(buffer, folder.path(".cache/HostTests"));
     EXPECT_TRUE(HostPathGetPreferencesDirectory(buffer, sizeof buffer));
-    EXPECT_EQ(buffer, folder / ".config");
+    EXPECT_EQ(buffer, folder.path(".config"));
     EXPECT_TRUE(HostFileIsDirectory(buffer));
 
     const Environment homeless("HOME", nullptr);
