@@ -46,7 +46,7 @@ public:
         if (first == '{' || first == '(' || first == '<')
             return readWhole();
         // A string may be the whole list, or begin a table.
-        const Value string = readString();
+        Value string = readString();
         skipSpace();
         if (!string || atEnd())
             return string;
