@@ -268,8 +268,9 @@ TEST(BitmapContext, IsWholeOrNothingWhenMemoryRunsOut) {
     bool isWhole = true;
     const test::FailureSweep sweep = test::failEachAllocation([&isWhole] {
         const auto context = makeContext(16, 16);
+        const CGRect clip = CGContextGetClipBoundingBox(context.get());
         isWhole = isWhole && (!context || (CGBitmapContextGetData(context.get()) &&
-                                           CGBitmapContextGetWidth(context.get()) == 16));
+                                           CGRectEqualToRect(clip, CGRectMake(0, 0, 16, 16))));
     });
     EXPECT_GT(sweep.failures, 3u);
     EXPECT_EQ(sweep.leakedBytes, 0);

@@ -93,7 +93,7 @@ cf::Ref<CFDataRef> obtainPixels(const PixelSource& source, void* given, std::siz
 }
 
 // A context with the bitmap's backend, which the context frees from then on.
-BitmapContext* makeContext(const cg::Bitmap& bitmap) {
+CGContextRef makeContext(const cg::Bitmap& bitmap) {
     void* const backend = cg::createRasterBackend(bitmap);
     if (!backend)
         return nullptr;
@@ -104,10 +104,25 @@ BitmapContext* makeContext(const cg::Bitmap& bitmap) {
         callbacks.releaseInfo(backend);
         return nullptr;
     }
-    auto* const made = reinterpret_cast<BitmapContext*>(context);
-    new (&made->bitmap) BitmapFields{};
+    new (&reinterpret_cast<BitmapContext*>(context)->bitmap) BitmapFields{};
     context->holdsBitmap = true;
-    return made;
+    return context;
+}
+
+void setUp(CGContextRef context, const cg::Bitmap& bitmap, const cf::Ref<CFDataRef>& data) {
+    *fieldsOf(context) = {.width = bitmap.width,
+                          .height = bitmap.height,
+                          .bitsPerComponent = bitmap.bitsPerComponent,
+                          .bytesPerRow = bitmap.bytesPerRow,
+                          .bitsPerPixel = bitmap.bitsPerPixel,
+                          .pixels = bitmap.pixels,
+                          .space = cf::retain(bitmap.space),
+                          .data = data,
+                          .info = bitmap.info};
+    CGContextSetFillColorSpace(context, bitmap.space);
+    CGContextSetStrokeColorSpace(context, bitmap.space);
+    CGContextClipToRect(context, CGRectMake(0, 0, static_cast<CGFloat>(bitmap.width),
+                                            static_cast<CGFloat>(bitmap.height)));
 }
 
 CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
@@ -121,30 +136,21 @@ CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
     const auto data = obtainPixels(source, given, *size);
     bitmap.pixels =
         given || !data ? given : CFDataGetMutableBytePtr(const_cast<CFMutableDataRef>(data.get()));
-    BitmapContext* const context = data ? makeContext(bitmap) : nullptr;
-    if (!context) {
+    auto made = cf::adopt(data ? makeContext(bitmap) : nullptr);
+    if (made)
+        setUp(made.get(), bitmap, data);
+    // The clip is the whole bitmap's: a context without one had no memory for it.
+    if (!made || !XGGStateGetClipping(made.get()->state.get())) {
+        made = nullptr;
         if (allocated && source.release)
             source.release(source.info, allocated);
         return nullptr;
     }
-
-    context->bitmap = {.width = bitmap.width,
-                       .height = bitmap.height,
-                       .bitsPerComponent = bitmap.bitsPerComponent,
-                       .bytesPerRow = bitmap.bytesPerRow,
-                       .bitsPerPixel = bitmap.bitsPerPixel,
-                       .pixels = bitmap.pixels,
-                       .space = cf::retain(bitmap.space),
-                       .data = data,
-                       .info = bitmap.info,
-                       .release = given ? source.release : nullptr,
-                       .releaseInfo = source.info};
-    const CGContextRef made = &context->common;
-    CGContextSetFillColorSpace(made, bitmap.space);
-    CGContextSetStrokeColorSpace(made, bitmap.space);
-    CGContextClipToRect(made, CGRectMake(0, 0, static_cast<CGFloat>(bitmap.width),
-                                         static_cast<CGFloat>(bitmap.height)));
-    return made;
+    // Only now: a context that is given up leaves the caller's memory alone.
+    BitmapFields& fields = *fieldsOf(made.get());
+    fields.release = given ? source.release : nullptr;
+    fields.releaseInfo = source.info;
+    return made.release();
 }
 
 bool isAlphaSupported(CGBitmapInfo info) {
