@@ -35,6 +35,11 @@ CFTypeID CGColorSpaceGetTypeID(void) {
     return id;
 }
 
+std::uint64_t cg::nextColorSpaceSerial() {
+    static constinit std::atomic<std::uint64_t> last = 0;
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 CGColorSpace* cg::createColorSpace(CGColorSpaceModel model, std::size_t componentCount,
                                    std::size_t trailingBytes) {
     const auto space = cg::create<CGColorSpace>(CGColorSpaceGetTypeID(), trailingBytes);

@@ -14,6 +14,7 @@ CGColorSpaceRef makeDeviceSpace(cg::StaticInstance<CGColorSpace>& storage, CGCol
     CGColorSpace* const space = storage.make(CGColorSpaceGetTypeID());
     space->model = model;
     space->componentCount = componentCount;
+    space->isDevice = true;
     return space;
 }
 

@@ -47,6 +47,8 @@ struct ColorTable {
     std::span<const std::uint8_t> bytes;
 };
 
+std::uint64_t nextColorSpaceSerial();
+
 } // namespace cg
 
 struct CGColorSpace {
@@ -54,6 +56,9 @@ struct CGColorSpace {
     // One of the constant names, or NULL. The device's spaces get theirs when they are asked for by
     // name, on whichever thread does.
     std::atomic<CFStringRef> name = nullptr;
+    // Tells the space from all others that there are or ever were.
+    const std::uint64_t serial = cg::nextColorSpaceSerial();
+    bool isDevice = false;              // One of the process's own gray, RGB or CMYK.
     cf::Ref<CGColorSpaceRef> baseSpace; // Of indexed and pattern spaces.
     // The one reference to it is the space's. Of ICC spaces from the start, of others once it is
     // asked for, on whichever thread is first.
@@ -63,6 +68,10 @@ struct CGColorSpace {
     std::variant<std::monostate, cg::GrayCalibration, cg::RGBCalibration, cg::LabCalibration,
                  cg::ColorTable>
         calibration;
+
+    // Whether pixels show as those of sRGB do. Threads that find out at once find the same.
+    enum class Likeness : std::uint8_t { Unknown, Same, Other };
+    std::atomic<Likeness> sRGBLikeness = Likeness::Unknown;
 
     ~CGColorSpace() { cg::release(profile.load(std::memory_order_relaxed)); }
 };

@@ -7,6 +7,8 @@
 #include "Core/Color/CGColorRecord.h"
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/ColorTransform.h"
+#include "Core/Color/DirectRows.h"
+#include "Core/Color/NativeProfile.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
@@ -19,23 +21,15 @@ using Color = cf::Ref<CGColorRef>;
 
 // ---- Between the spaces of the device
 
-bool isDeviceLike(CGColorSpaceRef space) {
-    return space == XGColorSpaceGetDeviceGray() || space == XGColorSpaceGetDeviceRGB() ||
-           XGColorSpaceIsSRGB(space);
-}
-
-// Brightness as gamma-coded components give it (ITU-R BT.709-6, 3.2).
-CGFloat luma(std::span<const CGFloat> rgb) {
-    return 0.2126f * rgb[0] + 0.7152f * rgb[1] + 0.0722f * rgb[2];
-}
-
 Color grayToRGB(CGColorSpaceRef space, CGColor& color) {
     const CGFloat gray = color.components()[0];
     return cg::makeColor(space, std::array{gray, gray, gray, color.alpha()}.data());
 }
 
 Color rgbToGray(CGColorSpaceRef space, CGColor& color) {
-    return cg::makeColor(space, std::array{luma(color.components()), color.alpha()}.data());
+    const auto rgb = color.components();
+    const CGFloat gray = cg::luma(rgb[0], rgb[1], rgb[2]);
+    return cg::makeColor(space, std::array{gray, color.alpha()}.data());
 }
 
 // ---- Through a base
@@ -86,7 +80,7 @@ Color convert(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent inte
         const Color inBase = cg::makeColor(from.baseSpace.get(), color.components().data());
         return cf::adopt(XGColorCreateWithColor(space, inBase.get(), intent));
     }
-    if (!isDeviceLike(&from) || !isDeviceLike(space))
+    if (!cg::isDeviceLike(&from) || !cg::isDeviceLike(space))
         return convertByProfiles(space, color, intent);
     return from.model == kCGColorSpaceModelMonochrome ? grayToRGB(space, color)
                                                       : rgbToGray(space, color);
