@@ -27,10 +27,23 @@ endfunction()
 
 set(NIMBRA_HOST_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/Host/Headers)
 set(NIMBRA_CF_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/CoreFoundation/Headers)
+set(NIMBRA_SERVICES_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/Platform/Services/Headers)
 set(NIMBRA_CG_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Headers)
 set(NIMBRA_CG_PRIVATE_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/PrivateHeaders)
 set(NIMBRA_CG_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/Sources)
+set(NIMBRA_IMAGEIO_HEADERS ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/ImageIO/Headers)
+set(NIMBRA_IMAGEIO_SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/CoreGraphics/ImageIO/Sources)
 set(NIMBRA_TESTS_DIR ${CMAKE_CURRENT_SOURCE_DIR}/tests)
+
+# nimbra_headers(LIBRARY NAME FOLDER): the headers FOLDER/NAME belong to the library's interface.
+function(nimbra_headers library name folder)
+    target_include_directories(${library} INTERFACE
+        $<BUILD_INTERFACE:${folder}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    install(DIRECTORY ${folder}/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+        FILES_MATCHING PATTERN "*.h")
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/${name}.modulemap
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name} RENAME module.modulemap)
+endfunction()
 
 # nimbra_library(NAME HEADERS FOLDER): what our shared libraries have in common: their version, the
 # names that they export (cmake/NAME.map), and how they and their headers are installed and found.
@@ -39,15 +52,10 @@ function(nimbra_library name headers)
     target_link_options(${name} PRIVATE -Wl,--version-script=${map})
     set_target_properties(${name} PROPERTIES
         VERSION ${PROJECT_VERSION} SOVERSION 0 LINK_DEPENDS ${map} INSTALL_RPATH $ORIGIN)
-    target_include_directories(${name} INTERFACE
-        $<BUILD_INTERFACE:${headers}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+    nimbra_headers(${name} ${name} ${headers})
     add_library(Nimbra::${name} ALIAS ${name})
 
     install(TARGETS ${name} EXPORT NimbraTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    install(DIRECTORY ${headers}/${name} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-        FILES_MATCHING PATTERN "*.h")
-    install(FILES ${PROJECT_SOURCE_DIR}/cmake/${name}.modulemap
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${name} RENAME module.modulemap)
     file(RELATIVE_PATH prefix_from_pkgconfig /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
     configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${PROJECT_BINARY_DIR}/${name}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${name}.pc

@@ -2,6 +2,7 @@
  * compiler checks them; PublishedNamesInCxx.cpp does the same for C++. */
 
 #include <CoreGraphics/CoreGraphics.h>
+#include <ImageIO/ImageIO.h>
 
 #if !defined(__cplusplus)
 #define static_assert _Static_assert

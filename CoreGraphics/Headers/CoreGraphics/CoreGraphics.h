@@ -15,7 +15,6 @@
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGGradient.h>
 #include <CoreGraphics/CGImage.h>
-#include <CoreGraphics/CGImageSource.h>
 #include <CoreGraphics/CGLayer.h>
 #include <CoreGraphics/CGPDFContext.h>
 #include <CoreGraphics/CGPDFDocument.h>

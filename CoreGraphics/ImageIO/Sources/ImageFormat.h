@@ -1,0 +1,39 @@
+// ImageFormat.h: the formats of image files, a row each.
+#pragma once
+
+#include <CoreFoundation/CFBase.h>
+#include <CoreGraphics/CGDataProvider.h>
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace imageio {
+
+class ImageReader;
+class ByteSink;
+struct ImageToWrite;
+
+// What is known of a format. Functions that the library lacks for it are NULL.
+struct ImageFormat {
+    const CFStringRef* type;
+    std::array<const char*, 6> extensions; // Lower case; unused places are NULL.
+
+    // Whether a file that begins with `head` is of this format; 12 bytes suffice for all.
+    bool (*hasSignature)(std::span<const std::byte> head);
+    // NULL when the file cannot be read.
+    std::unique_ptr<ImageReader> (*open)(CGDataProviderRef provider);
+    // False, after a line in the log, when the image cannot be written or the sink is broken.
+    bool (*write)(const ImageToWrite& image, ByteSink& sink);
+};
+
+// All formats, in the order in which signatures are tried.
+std::span<const ImageFormat> imageFormats();
+
+// The row of a type identifier; NULL when there is none.
+const ImageFormat* formatOfType(CFStringRef type);
+// The row of a file's first bytes; NULL when no signature fits.
+const ImageFormat* formatOfBytes(std::span<const std::byte> head);
+
+} // namespace imageio
