@@ -6,6 +6,7 @@
 
 #include <CoreFoundation/CFData.h>
 #include <CoreGraphics/CGColorSpace.h>
+#include <CoreGraphics/CGDataProvider.h>
 
 CG_BEGIN_DECLS
 
@@ -15,6 +16,9 @@ typedef struct XGColorSpaceProfile* XGColorSpaceProfileRef;
 CG_EXPORT XGColorSpaceProfileRef XGColorSpaceProfileCreate(const void* bytes, size_t length);
 /** A profile over data, which it keeps. */
 CG_EXPORT XGColorSpaceProfileRef XGColorSpaceProfileCreateFromCFData(CFDataRef data);
+/** A profile over what a provider has, which it keeps. A provider that can be locked stays locked;
+ *  of another the bytes are read. NULL for an empty provider, and when the bytes cannot be had. */
+CG_EXPORT XGColorSpaceProfileRef XGColorSpaceProfileCreateWithProvider(CGDataProviderRef provider);
 /** The profile in a file; its path is UTF-8. */
 CG_EXPORT XGColorSpaceProfileRef XGColorSpaceProfileCreateFromFile(const char* path);
 /** Gray of one exponent. NULL without both points, or for an exponent that is negative or not

@@ -1,6 +1,8 @@
 /* CGDataProvider.h: where images, profiles, fonts and documents get their bytes from. */
 #pragma once
 
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFURL.h>
 #include <CoreGraphics/CGBase.h>
 
 #include <sys/types.h>
@@ -57,5 +59,42 @@ typedef struct CGDataProviderDirectCallbacks {
 
 /** The memory of a provider made with data is no longer needed. */
 typedef void (*CGDataProviderReleaseDataCallback)(void* info, const void* data, size_t size);
+
+/* A provider may be read by any number of threads; its callbacks run one at a time and must not
+ * come back to the same provider. A provider that could not be made (NULL) has called none of them:
+ * `info` is still the caller's. Otherwise the release callback runs once, with the provider's
+ * end. */
+
+CG_EXPORT CFTypeID CGDataProviderGetTypeID(void);
+
+/** Over `size` bytes with random access, of which callbacks may give all, or any range, or both.
+ *  NULL for a negative size, no callbacks, or a version that is not 0. */
+CG_EXPORT CGDataProviderRef
+CGDataProviderCreateDirect(void* info, off_t size, const CGDataProviderDirectCallbacks* callbacks);
+/** Over a stream. Each callback may be NULL; without `rewind` the stream can be read only once.
+ *  NULL without callbacks and for a version that is not 0. */
+CG_EXPORT CGDataProviderRef
+CGDataProviderCreateSequential(void* info, const CGDataProviderSequentialCallbacks* callbacks);
+/** The same with callbacks of the older form. */
+CG_EXPORT CGDataProviderRef CGDataProviderCreate(void* info,
+                                                 const CGDataProviderCallbacks* callbacks);
+/** Over memory that stays as it is until `releaseData` (may be NULL) is called with `info`, `data`
+ *  and `size`. It is not copied. NULL for no data. */
+CG_EXPORT CGDataProviderRef CGDataProviderCreateWithData(
+    void* info, const void* data, size_t size, CGDataProviderReleaseDataCallback releaseData);
+/** Over a CFData, which is retained and must not change. */
+CG_EXPORT CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data);
+/** Over a file, mapped into memory where possible. NULL for an empty path and for what cannot be
+ *  opened or is no regular file. */
+CG_EXPORT CGDataProviderRef CGDataProviderCreateWithFilename(const char* path);
+/** Over the file that a URL names, by a path of at most 1024 bytes. NULL for a URL without scheme
+ *  and, with a warning, of a scheme other than "file", for which there is no loader. */
+CG_EXPORT CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url);
+CG_EXPORT CGDataProviderRef CGDataProviderRetain(CGDataProviderRef provider);
+CG_EXPORT void CGDataProviderRelease(CGDataProviderRef provider);
+
+/** The whole contents: the provider's own memory, lent while the data lives, where it has any, else
+ *  read. NULL when they cannot be had to the last byte. */
+CG_EXPORT CFDataRef CGDataProviderCopyData(CGDataProviderRef provider);
 
 CG_END_DECLS

@@ -1,6 +1,7 @@
 // XGColorSpaceProfile.cpp: profiles over Little CMS.
 
 #include "XGColorSpaceProfile.h"
+
 #include <CoreFoundation/CFString.h>
 
 #include "Core/Color/XGColorSpaceProfileRecord.h"
@@ -48,6 +49,29 @@ cg::NativeProfile openBytes(const void* bytes, std::size_t length) {
     return cg::NativeProfile(cmsOpenProfileFromMem(bytes, static_cast<cmsUInt32Number>(length)));
 }
 
+// All of a provider's bytes as data; empty unless the last one can be read, too.
+cf::Ref<CFMutableDataRef> readProvider(CGDataProviderRef provider, CFIndex size) {
+    auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
+    CFDataSetLength(data.get(), size);
+    const auto wanted = static_cast<std::size_t>(size);
+    std::size_t read = 0;
+    if (!data || CFDataGetLength(data.get()) != size ||
+        !XGDataProviderReadBytes(provider, CFDataGetMutableBytePtr(data.get()), 0, wanted, &read) ||
+        read != wanted)
+        return nullptr;
+    return data;
+}
+
+// A profile over the provider's memory, which stays locked for it.
+Profile makeProfileOverLocked(CGDataProviderRef provider, const void* bytes, std::size_t size) {
+    Profile profile = makeProfile(openBytes(bytes, size));
+    if (profile)
+        profile.get()->provider = cf::retain(provider);
+    else
+        XGDataProviderUnlockData(provider);
+    return profile;
+}
+
 cmsCIExyY nativeWhite(const CGFloat whitePoint[3]) {
     return {whitePoint[0], whitePoint[1], whitePoint[2]};
 }
@@ -68,6 +92,21 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateFromCFData(CFDataRef data) {
     if (profile)
         profile.get()->data = cf::retain(data);
     return profile.release();
+}
+
+XGColorSpaceProfileRef XGColorSpaceProfileCreateWithProvider(CGDataProviderRef provider) {
+    std::int64_t size = XGDataProviderGetSize(provider);
+    if (size == 0)
+        return nullptr;
+    if (const void* const bytes = XGDataProviderLockData(provider)) {
+        size = XGDataProviderGetSize(provider);
+        return makeProfileOverLocked(provider, bytes, static_cast<std::size_t>(size)).release();
+    }
+    // The engine counts bytes in 32 bits; a stream that cannot be measured has far more.
+    if (size < 0 || size > std::numeric_limits<std::int32_t>::max())
+        return nullptr;
+    const auto data = readProvider(provider, static_cast<CFIndex>(size));
+    return XGColorSpaceProfileCreateFromCFData(data.get());
 }
 
 XGColorSpaceProfileRef XGColorSpaceProfileCreateFromFile(const char* path) {

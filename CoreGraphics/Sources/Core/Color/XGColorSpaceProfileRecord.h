@@ -2,6 +2,7 @@
 #pragma once
 
 #include "XGColorSpaceProfile.h"
+#include "XGDataProvider.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 
@@ -31,8 +32,9 @@ cf::Ref<CFDataRef> copyResource(CFStringRef name, CFStringRef type);
 
 struct XGColorSpaceProfile {
     CFRuntimeBase base;
-    cf::Ref<CFDataRef> data;      // What it was read from, when that was data.
-    std::unique_ptr<char[]> path; // Or a file.
+    cf::Ref<CFDataRef> data;             // What it was read from, when that was data.
+    cf::Ref<CGDataProviderRef> provider; // Or a provider, which stays locked.
+    std::unique_ptr<char[]> path;        // Or a file.
     cg::Triple blackPoint = {0, 0, 0};
     std::array<cg::ToneCurve, 3> curves;
     cg::NativeProfile native; // Goes first: it may refer to the data.

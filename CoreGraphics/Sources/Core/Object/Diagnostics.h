@@ -17,11 +17,13 @@ void logMessage(HostLogLevel level, const char* function, const char* format, ..
 
 // The level is tested before the message is formed. Cast every argument to the type that its
 // conversion prints.
-#define CG_LOG(level, ...)                                                                         \
+#define CG_LOG_AS(level, function, ...)                                                            \
     do {                                                                                           \
         if (HostLogIsEnabled(level))                                                               \
-            cg::logMessage(level, __func__, __VA_ARGS__);                                          \
+            cg::logMessage(level, function, __VA_ARGS__);                                          \
     } while (false)
+
+#define CG_LOG(level, ...) CG_LOG_AS(level, __func__, __VA_ARGS__)
 
 #define CG_LOG_ERROR(...) CG_LOG(kHostLogError, __VA_ARGS__)
 #define CG_LOG_WARNING(...) CG_LOG(kHostLogWarning, __VA_ARGS__)
