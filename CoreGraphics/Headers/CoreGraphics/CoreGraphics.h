@@ -6,7 +6,9 @@
 #include <CoreGraphics/CGBitmapContext.h>
 #include <CoreGraphics/CGColor.h>
 #include <CoreGraphics/CGColorConversionInfo.h>
+#include <CoreGraphics/CGColorConverter.h>
 #include <CoreGraphics/CGColorSpace.h>
+#include <CoreGraphics/CGColorTransform.h>
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGDataConsumer.h>
 #include <CoreGraphics/CGDataProvider.h>
