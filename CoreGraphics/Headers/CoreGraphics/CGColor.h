@@ -30,6 +30,12 @@ CG_EXPORT CGColorRef CGColorCreateGenericRGB(CGFloat red, CGFloat green, CGFloat
                                              CGFloat alpha);
 CG_EXPORT CGColorRef CGColorCreateGenericCMYK(CGFloat cyan, CGFloat magenta, CGFloat yellow,
                                               CGFloat black, CGFloat alpha);
+/** A colour that paints with `pattern`. Components as for CGColorCreate: an uncoloured pattern's
+ * are those of the base of the pattern space `space`, or of device gray when `space` has no base; a
+ *  coloured pattern has its opacity alone, in a pattern space without a base. NULL when an argument
+ *  is missing. */
+CG_EXPORT CGColorRef CGColorCreateWithPattern(CGColorSpaceRef space, CGPatternRef pattern,
+                                              const CGFloat* components);
 /** The same colour, retained. */
 CG_EXPORT CGColorRef CGColorCreateCopy(CGColorRef color);
 /** The same colour at another opacity; a negative one keeps the old. */
@@ -68,7 +74,8 @@ CG_EXPORT const CGFloat* CGColorGetComponents(CGColorRef color);
  *  that the mistake is seen. NULL gives zeroes. */
 CG_EXPORT void _CGColorGetRGBA(CGColorRef color, CGFloat* red, CGFloat* green, CGFloat* blue,
                                CGFloat* alpha);
-/** Whether nothing shows through: the opacity is above 0.999. */
+/** Whether nothing shows through: the opacity is above 0.999, or the pattern is said to be opaque.
+ */
 CG_EXPORT bool _CGColorIsOpaque(CGColorRef color);
 
 CG_END_DECLS

@@ -20,4 +20,17 @@ typedef struct CGFunctionCallbacks {
     CGFunctionReleaseInfoCallback releaseInfo;
 } CGFunctionCallbacks;
 
+/** A function from `domainDimension` inputs to `rangeDimension` outputs, which calls the callbacks
+ *  (copied) with `info`. `domain` and `range` hold a least and a greatest value for each input and
+ *  output, and are copied; NULL leaves that side unlimited. Inputs are limited to the domain (a NaN
+ *  becomes its least value), outputs to the range (what is not finite becomes its least value).
+ *  NULL when the callbacks or their `evaluate` are missing, when their version is not 0, or when
+ *  memory runs out; `info` stays the caller's then. */
+CG_EXPORT CGFunctionRef CGFunctionCreate(void* info, size_t domainDimension, const CGFloat* domain,
+                                         size_t rangeDimension, const CGFloat* range,
+                                         const CGFunctionCallbacks* callbacks);
+CG_EXPORT CFTypeID CGFunctionGetTypeID(void);
+CG_EXPORT CGFunctionRef CGFunctionRetain(CGFunctionRef function);
+CG_EXPORT void CGFunctionRelease(CGFunctionRef function);
+
 CG_END_DECLS

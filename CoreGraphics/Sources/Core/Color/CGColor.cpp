@@ -2,6 +2,7 @@
 
 #include "XGColor.h"
 #include "XGColorSpace.h"
+#include "XGPattern.h"
 #include <CoreFoundation/CFConstantString.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreGraphics/CGColor.h>
@@ -96,6 +97,27 @@ CGColorRef createInNamedSpace(CFStringRef name, const std::array<CGFloat, count>
 }
 
 } // namespace
+
+namespace {
+
+// The space that a colour of the pattern has when a caller names `space`.
+cf::Ref<CGColorSpaceRef> spaceForPattern(CGColorSpaceRef space, CGPatternRef pattern) {
+    const bool hasComponents = CGColorSpaceGetNumberOfComponents(space) > 0;
+    const bool isColored = XGPatternIsColored(pattern);
+    if (hasComponents != isColored)
+        return cf::retain(space);
+    return cf::adopt(CGColorSpaceCreatePattern(isColored ? nullptr : XGColorSpaceGetDeviceGray()));
+}
+
+} // namespace
+
+CGColorRef CGColorCreateWithPattern(CGColorSpaceRef space, CGPatternRef pattern,
+                                    const CGFloat* components) {
+    if (!space || !pattern || !components)
+        return nullptr;
+    const auto chosen = spaceForPattern(space, pattern);
+    return chosen ? cg::makeColor(chosen.get(), components, pattern).release() : nullptr;
+}
 
 CGColorRef CGColorCreateGenericGray(CGFloat gray, CGFloat alpha) {
     return createInNamedSpace(kCGColorSpaceGenericGray, std::array{gray, alpha});
@@ -218,6 +240,10 @@ bool hasComponents(CGColor& color, const CGFloat* components) {
     return std::memcmp(color.components().data(), components, color.components().size_bytes()) == 0;
 }
 
+bool samePattern(CGPatternRef a, CGPatternRef b) {
+    return a == b || XGPatternEqualToPattern(a, b);
+}
+
 } // namespace
 
 bool CGColorEqualToColor(CGColorRef a, CGColorRef b) {
@@ -227,7 +253,7 @@ bool CGColorEqualToColor(CGColorRef a, CGColorRef b) {
         return true;
     return left && right && left->count == right->count &&
            hasComponents(*left, right->components().data()) &&
-           cf::equalOrBothAbsent(left->pattern.get(), right->pattern.get()) &&
+           samePattern(left->pattern.get(), right->pattern.get()) &&
            XGColorSpaceEqualToColorSpace(left->space.get(), right->space.get());
 }
 
@@ -238,10 +264,12 @@ bool XGColorEqualToColorComponents(CGColorRef color, CGColorSpaceRef space,
         return false;
     return XGColorSpaceEqualToColorSpace(native->space.get(), space) &&
            hasComponents(*native, components) &&
-           (!pattern || cf::equalOrBothAbsent(native->pattern.get(), pattern));
+           (!pattern || XGPatternEqualToPattern(native->pattern.get(), pattern));
 }
 
 bool _CGColorIsOpaque(CGColorRef color) {
     constexpr double kAlmostOpaque = 0.999;
+    if (const CGPatternRef pattern = CGColorGetPattern(color))
+        return XGPatternIsOpaque(pattern);
     return static_cast<double>(CGColorGetAlpha(color)) > kAlmostOpaque;
 }
