@@ -2,6 +2,8 @@
 #pragma once
 
 #include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
+#include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreGraphics/CGBase.h>
 #include <CoreGraphics/CGDataProvider.h>
@@ -87,6 +89,15 @@ CG_EXPORT CGColorSpaceRef CGColorSpaceCreatePattern(CGColorSpaceRef baseSpace);
 /** The space of an ICC profile with gray, RGB, CMYK or Lab components, which is kept. NULL when
  *  `data` is none or, with a warning, when its components are others. */
 CG_EXPORT CGColorSpaceRef CGColorSpaceCreateWithICCProfile(CFDataRef data);
+/** The same of a CFData or of a CGDataProvider, which is read. NULL, with a warning, for an object
+ *  of another type. */
+CG_EXPORT CGColorSpaceRef CGColorSpaceCreateWithICCData(CFTypeRef data);
+/** The same: here a profile is the data that it was read from. There are no `options` yet: NULL. */
+CG_EXPORT CGColorSpaceRef CGColorSpaceCreateWithColorSyncProfile(CFTypeRef profile,
+                                                                 CFDictionaryRef options);
+/** The space that CGColorSpaceCopyPropertyList described: of a name, or of an ICC profile. NULL for
+ *  anything else. */
+CG_EXPORT CGColorSpaceRef CGColorSpaceCreateWithPropertyList(CFPropertyListRef list);
 /** `alternate` itself, retained: the profile is not read. NULL when it is missing or a pattern
  *  space. */
 CG_EXPORT CGColorSpaceRef CGColorSpaceCreateICCBased(size_t componentCount, const CGFloat* range,
@@ -121,6 +132,9 @@ CG_EXPORT CFStringRef CGColorSpaceCopyName(CGColorSpaceRef space);
 /** The ICC profile that the space was made of, or NULL; both functions are the same. */
 CG_EXPORT CFDataRef CGColorSpaceCopyICCData(CGColorSpaceRef space);
 CG_EXPORT CFDataRef CGColorSpaceCopyICCProfile(CGColorSpaceRef space);
+/** What CGColorSpaceCreateWithPropertyList makes an equal space of: a name (the device's spaces
+ *  have their generic ones), or the data of an ICC profile. NULL for other spaces. */
+CG_EXPORT CFPropertyListRef CGColorSpaceCopyPropertyList(CGColorSpaceRef space);
 /** Always false: no wide-gamut space can be made. */
 CG_EXPORT bool CGColorSpaceIsWideGamutRGB(CGColorSpaceRef space);
 /** Always true. */
