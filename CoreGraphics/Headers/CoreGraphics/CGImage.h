@@ -66,6 +66,96 @@ enum {
 #define kCGImageByteOrder32Host kCGImageByteOrder32Little
 #endif
 
+CG_EXPORT CFTypeID CGImageGetTypeID(void);
+
+/* ---- Creation ------------------------------------------------------------------------------ */
+
+/* Sizes are in pixels. An image retains its provider and space; when it cannot be made they are as
+ * before, and the provider's release callback does not run. Bytes are read when the image is used,
+ * and never copied for it. */
+
+/** An image of `width` x `height` pixels over the bytes of `provider`, the top row first.
+ *
+ *  A pixel has a component for each of the space's and one more for an alpha info other than
+ *  "none"; of "only" it has one. NULL for an empty image, for no provider, for components of more
+ *  than 32 bits, for floats that are not 32 bits alone in their pixel, and for components that do
+ *  not fit into `bitsPerPixel`. Bits left over are accepted from "none", which becomes "none, skip
+ *  last", and from the skipped infos. A `space` of NULL goes with "none" and "only".
+ *
+ *  `bytesPerRow` is not checked, nor whether the provider has as many bytes as the rows take: what
+ *  lies outside the provider is never read, and drawing does without it.
+ *
+ *  `decode` (may be NULL) gives a minimum and a maximum for each component, to which its least and
+ *  its largest value are mapped; it is copied. Where the bytes lie in memory at an address that is
+ *  not a multiple of 4, an error is logged, and the image made. */
+CG_EXPORT CGImageRef CGImageCreate(size_t width, size_t height, size_t bitsPerComponent,
+                                   size_t bitsPerPixel, size_t bytesPerRow, CGColorSpaceRef space,
+                                   CGBitmapInfo bitmapInfo, CGDataProviderRef provider,
+                                   const CGFloat* decode, bool shouldInterpolate,
+                                   CGColorRenderingIntent intent);
+/** An image mask: paint passes where its samples are 0, or by a `decode` of {1, 0} where they are
+ *  greatest. NULL for an empty mask, for no provider, for components that do not have 1, 2, 4 or 8
+ *  bits, and for rows with padding: `bytesPerRow` must be the bytes that the bits of a row need. */
+CG_EXPORT CGImageRef CGImageMaskCreate(size_t width, size_t height, size_t bitsPerComponent,
+                                       size_t bitsPerPixel, size_t bytesPerRow,
+                                       CGDataProviderRef provider, const CGFloat* decode,
+                                       bool shouldInterpolate);
+
+/** The same pixels over the same provider, without mask and masking colours and without what the
+ *  image was noted to come from. */
+CG_EXPORT CGImageRef CGImageCreateCopy(CGImageRef image);
+/** A copy whose components are taken for those of another space. NULL for image masks and images
+ *  without a space, for no space, and when the spaces' counts of components differ. */
+CG_EXPORT CGImageRef CGImageCreateCopyWithColorSpace(CGImageRef image, CGColorSpaceRef space);
+/** A copy masked by `mask`, which is retained and has the same size: an image mask, or an image in
+ *  device gray or without a space that shows where it is white. NULL if `image` is a mask itself,
+ *  or masked already. */
+CG_EXPORT CGImageRef CGImageCreateWithMask(CGImageRef image, CGImageRef mask);
+/** A copy in which colours are see-through whose every component lies in its range. `components`
+ *  are a minimum and a maximum for each component of the space, in sample values before the decode
+ *  array. NULL as above. */
+CG_EXPORT CGImageRef CGImageCreateWithMaskingColors(CGImageRef image, const CGFloat* components);
+/** The part of `image` within `rect`, which is rounded outwards to whole pixels; its origin is the
+ *  top left corner and y goes down. The part shares the image's bytes, and has no mask and no
+ *  masking colours. The image itself, retained, if that is all of it; NULL if they do not overlap,
+ *  and with an error in the log if the left edge does not fall on a whole byte. */
+CG_EXPORT CGImageRef CGImageCreateWithImageInRect(CGImageRef image, CGRect rect);
+
+/** The picture of a PNG or JPEG file (JPEG 2000 as well), with its own decode array unless there
+ *  is one here. NULL for data of another type; with an error in the log unless the image file
+ *  library is loaded. */
+CG_EXPORT CGImageRef CGImageCreateWithPNGDataProvider(CGDataProviderRef provider,
+                                                      const CGFloat* decode, bool shouldInterpolate,
+                                                      CGColorRenderingIntent intent);
+CG_EXPORT CGImageRef CGImageCreateWithJPEGDataProvider(CGDataProviderRef provider,
+                                                       const CGFloat* decode,
+                                                       bool shouldInterpolate,
+                                                       CGColorRenderingIntent intent);
+
+CG_EXPORT CGImageRef CGImageRetain(CGImageRef image);
+CG_EXPORT void CGImageRelease(CGImageRef image);
+
+/* ---- Questions ----------------------------------------------------------------------------- */
+
+/** Whether the image is an image mask, or has no component but opacity. */
+CG_EXPORT bool CGImageIsMask(CGImageRef image);
+CG_EXPORT size_t CGImageGetWidth(CGImageRef image);
+CG_EXPORT size_t CGImageGetHeight(CGImageRef image);
+CG_EXPORT size_t CGImageGetBitsPerComponent(CGImageRef image);
+CG_EXPORT size_t CGImageGetBitsPerPixel(CGImageRef image);
+CG_EXPORT size_t CGImageGetBytesPerRow(CGImageRef image);
+/** Of an image mask NULL. */
+CG_EXPORT CGColorSpaceRef CGImageGetColorSpace(CGImageRef image);
+CG_EXPORT CGImageAlphaInfo CGImageGetAlphaInfo(CGImageRef image);
+CG_EXPORT CGBitmapInfo CGImageGetBitmapInfo(CGImageRef image);
+CG_EXPORT CGDataProviderRef CGImageGetDataProvider(CGImageRef image);
+/** The decode array that the image was given, which lives as long as the image, or NULL. */
+CG_EXPORT const CGFloat* CGImageGetDecode(CGImageRef image);
+CG_EXPORT bool CGImageGetShouldInterpolate(CGImageRef image);
+CG_EXPORT CGColorRenderingIntent CGImageGetRenderingIntent(CGImageRef image);
+/** The uniform type identifier of the file that the image was decoded from, or NULL. */
+CG_EXPORT CFStringRef CGImageGetUTType(CGImageRef image);
+
 CG_END_DECLS
 
 #if defined(__cplusplus)
