@@ -1,0 +1,83 @@
+// PixelSamples.cpp: one reader for every make-up of pixels, and quick ones for whole bytes.
+
+#include "PixelSamples.h"
+
+#include <array>
+
+namespace cg {
+
+namespace {
+
+// Up to 32 bits of the stream from bit `offset` on.
+std::uint32_t sampleAt(const PixelLayout& layout, const std::byte* pixels, std::size_t offset,
+                       unsigned bits) {
+    std::uint64_t value = 0;
+    const std::size_t end = offset + bits;
+    for (std::size_t byte = offset / 8; byte * 8 < end; ++byte)
+        value = value << 8 | std::to_integer<std::uint64_t>(pixels[layout.bytePlace(byte)]);
+    const std::uint64_t mask = (std::uint64_t{1} << bits) - 1;
+    return static_cast<std::uint32_t>(value >> ((8 - end % 8) % 8) & mask);
+}
+
+// Where the fields' bytes lie in a pixel, the first `bytesPerField` for the first field.
+using BytePlaces = std::array<std::size_t, PixelLayout::kMostFields * 2>;
+
+BytePlaces placesOf(const PixelLayout& layout, std::size_t bytesPerField) {
+    BytePlaces places = {};
+    for (std::size_t i = 0; i < layout.fieldCount(); ++i)
+        for (std::size_t byte = 0; byte < bytesPerField; ++byte)
+            places[i * bytesPerField + byte] = layout.bytePlace(layout.field(i).offset / 8 + byte);
+    return places;
+}
+
+// The number of fields is known when compiling, so that the inner loop is unrolled.
+template <std::size_t bytesPerField, std::size_t fields, typename Sample>
+void gather(const BytePlaces& places, const std::byte* pixels, std::size_t stride,
+            std::size_t count, Sample* samples) {
+    for (std::size_t x = 0; x < count; ++x, pixels += stride)
+        for (std::size_t i = 0; i < fields; ++i) {
+            unsigned value = 0;
+            for (std::size_t byte = 0; byte < bytesPerField; ++byte)
+                value = value << 8 |
+                        std::to_integer<unsigned>(pixels[places[i * bytesPerField + byte]]);
+            *samples++ = static_cast<Sample>(value);
+        }
+}
+
+template <std::size_t bytesPerField, typename Sample>
+void gatherFields(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
+                  Sample* samples) {
+    using Gather = void (*)(const BytePlaces&, const std::byte*, std::size_t, std::size_t, Sample*);
+    constexpr std::array<Gather, PixelLayout::kMostFields> byCount = {
+        gather<bytesPerField, 1, Sample>, gather<bytesPerField, 2, Sample>,
+        gather<bytesPerField, 3, Sample>, gather<bytesPerField, 4, Sample>,
+        gather<bytesPerField, 5, Sample>};
+    byCount[layout.fieldCount() - 1](placesOf(layout, bytesPerField), pixels,
+                                     layout.bitsPerPixel() / 8, count, samples);
+}
+
+} // namespace
+
+void unpackSamples(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
+                   std::uint32_t* samples) {
+    if (layout.isMadeOfWhole(8))
+        return gatherFields<1>(layout, pixels, count, samples);
+    const std::size_t fields = layout.fieldCount();
+    for (std::size_t x = 0; x < count; ++x)
+        for (std::size_t i = 0; i < fields; ++i)
+            *samples++ =
+                sampleAt(layout, pixels, x * layout.bitsPerPixel() + layout.field(i).offset,
+                         layout.field(i).bits);
+}
+
+void unpackBytes(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
+                 std::uint8_t* samples) {
+    gatherFields<1>(layout, pixels, count, samples);
+}
+
+void unpackWords(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
+                 std::uint16_t* samples) {
+    gatherFields<2>(layout, pixels, count, samples);
+}
+
+} // namespace cg

@@ -1,0 +1,80 @@
+// PixelStages.h: what happens to spans of components on their way out of an image.
+#pragma once
+
+#include "PixelArithmetic.h"
+
+#include <cstddef>
+
+namespace cg {
+
+// A span's pixels have `colors` components of colour and, where these functions ask for it, one of
+// opacity behind them.
+
+template <typename Component>
+void multiplyByAlpha(Component* pixels, std::size_t count, std::size_t colors) {
+    for (std::size_t x = 0; x < count; ++x, pixels += colors + 1)
+        for (std::size_t i = 0; i < colors; ++i)
+            pixels[i] = multiplied(pixels[i], pixels[colors]);
+}
+
+template <typename Component>
+void divideByAlpha(Component* pixels, std::size_t count, std::size_t colors) {
+    for (std::size_t x = 0; x < count; ++x, pixels += colors + 1)
+        for (std::size_t i = 0; i < colors; ++i)
+            pixels[i] = divided(pixels[i], pixels[colors]);
+}
+
+// Weakens each pixel by its part of a mask, colours as well where they hold their opacity.
+template <typename Component>
+void applyCoverage(Component* pixels, std::size_t count, std::size_t colors, bool isPremultiplied,
+                   const Component* coverage) {
+    for (std::size_t x = 0; x < count; ++x, pixels += colors + 1) {
+        for (std::size_t i = 0; isPremultiplied && i < colors; ++i)
+            pixels[i] = multiplied(pixels[i], coverage[x]);
+        pixels[colors] = multiplied(pixels[colors], coverage[x]);
+    }
+}
+
+// How pixels are taken over into their last form.
+struct PixelStore {
+    std::size_t colors = 0;
+    bool hasAlpha = false;   // Of what is stored.
+    bool keepsAlpha = false; // Otherwise it is left out, or full.
+    bool isBGRX = false;
+};
+
+template <typename Wanted, typename Component>
+void storeInOrder(const Component* pixels, std::size_t count, const PixelStore& store,
+                  bool writesAlpha, Wanted* out) {
+    for (std::size_t x = 0; x < count; ++x) {
+        for (std::size_t i = 0; i < store.colors; ++i)
+            *out++ = widthChanged<Wanted>(pixels[i]);
+        if (writesAlpha)
+            *out++ = store.hasAlpha ? widthChanged<Wanted>(pixels[store.colors]) : kOne<Wanted>;
+        pixels += store.colors + (store.hasAlpha ? 1 : 0);
+    }
+}
+
+template <typename Wanted, typename Component>
+void storeBGRX(const Component* pixels, std::size_t count, const PixelStore& store, Wanted* out) {
+    const std::size_t blue = store.colors == 3 ? 2 : 0;
+    const std::size_t green = store.colors == 3 ? 1 : 0;
+    const bool takesAlpha = store.hasAlpha && store.keepsAlpha;
+    for (std::size_t x = 0; x < count; ++x, out += 4) {
+        out[0] = widthChanged<Wanted>(pixels[blue]);
+        out[1] = widthChanged<Wanted>(pixels[green]);
+        out[2] = widthChanged<Wanted>(pixels[0]);
+        out[3] = takesAlpha ? widthChanged<Wanted>(pixels[store.colors]) : kOne<Wanted>;
+        pixels += store.colors + (store.hasAlpha ? 1 : 0);
+    }
+}
+
+template <typename Wanted, typename Component>
+void storePixels(const Component* pixels, std::size_t count, const PixelStore& store, Wanted* out) {
+    if (store.isBGRX)
+        storeBGRX(pixels, count, store, out);
+    else
+        storeInOrder(pixels, count, store, store.keepsAlpha, out);
+}
+
+} // namespace cg
