@@ -280,6 +280,26 @@ CG_EXPORT void CGContextStrokeEllipseInRect(CGContextRef context, CGRect rect);
 CG_EXPORT void CGContextStrokeLineSegments(CGContextRef context, const CGPoint* points,
                                            size_t count);
 
+/* ---- Gradients and shadings ---------------------------------------------------------------- */
+
+/* They paint everything inside the clip, under the state's alpha and blend mode and without its
+ * shadow. Points and radii are in user space. Outside an end that does not go on nothing is painted;
+ * neither is anything where start and end coincide, a radius is negative, or a number is not finite.
+ * A NULL gradient or shading draws nothing. */
+
+/** Colours along the line from `start` to `end`, the same at right angles to it. */
+CG_EXPORT void CGContextDrawLinearGradient(CGContextRef context, CGGradientRef gradient,
+                                           CGPoint start, CGPoint end,
+                                           CGGradientDrawingOptions options);
+/** Colours from circle to circle; later circles cover earlier ones. */
+CG_EXPORT void CGContextDrawRadialGradient(CGContextRef context, CGGradientRef gradient,
+                                           CGPoint startCenter, CGFloat startRadius,
+                                           CGPoint endCenter, CGFloat endRadius,
+                                           CGGradientDrawingOptions options);
+/** What the shading's function gives; it is asked on the calling thread, and a function of more or
+ *  less than one input draws nothing, after a warning. */
+CG_EXPORT void CGContextDrawShading(CGContextRef context, CGShadingRef shading);
+
 /* ---- Clipping ------------------------------------------------------------------------------ */
 
 /* The clip can only shrink, until the state saved before is restored. */

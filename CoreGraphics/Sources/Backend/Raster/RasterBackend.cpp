@@ -6,6 +6,7 @@
 
 #include "Backend/Raster/DeviceClip.h"
 #include "Backend/Raster/PixelFormat.h"
+#include "Backend/Raster/Shading.h"
 #include "Backend/Raster/SkiaConversions.h"
 #include "Core/Object/Diagnostics.h"
 #include "include/core/SkGraphics.h"
@@ -96,6 +97,10 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
     }
 }
 
+void RasterBackend::drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading) {
+    paintShading(surfaceUnderClip(state, flags), state, flags, shading);
+}
+
 // ---- Transparency layers
 
 void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
@@ -143,6 +148,8 @@ constexpr XGContextCallbacks kCallbacks = {
                    void* info) { backend(info).drawPath(state, flags, fill, stroke, evenOdd); },
     .fillRects = [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
                     void* info) { backend(info).fillRects(state, flags, rects, count); },
+    .drawShading = [](XGGStateRef state, uint32_t flags, CGShadingRef shading,
+                      void* info) { backend(info).drawShading(state, flags, shading); },
     .beginTransparencyLayer =
         [](XGGStateRef state, uint32_t flags, void* info) {
             backend(info).beginTransparencyLayer(state, flags);

@@ -18,6 +18,7 @@ public:
     void drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                   bool evenOdd);
     void fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count);
+    void drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading);
     void beginTransparencyLayer(XGGStateRef state, uint32_t flags);
     void endTransparencyLayer(XGGStateRef state, uint32_t flags);
 
