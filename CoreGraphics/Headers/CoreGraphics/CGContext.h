@@ -283,9 +283,9 @@ CG_EXPORT void CGContextStrokeLineSegments(CGContextRef context, const CGPoint* 
 /* ---- Gradients and shadings ---------------------------------------------------------------- */
 
 /* They paint everything inside the clip, under the state's alpha and blend mode and without its
- * shadow. Points and radii are in user space. Outside an end that does not go on nothing is painted;
- * neither is anything where start and end coincide, a radius is negative, or a number is not finite.
- * A NULL gradient or shading draws nothing. */
+ * shadow. Points and radii are in user space. Outside an end that does not go on nothing is
+ * painted; neither is anything where start and end coincide, a radius is negative, or a number is
+ * not finite. A NULL gradient or shading draws nothing. */
 
 /** Colours along the line from `start` to `end`, the same at right angles to it. */
 CG_EXPORT void CGContextDrawLinearGradient(CGContextRef context, CGGradientRef gradient,
