@@ -24,6 +24,9 @@ enum {
     kXGContextShadowPass = 1u << 4,
     /** The paint's alpha is the state's alone, not multiplied by the colour's. */
     kXGContextIgnoresColorAlpha = 1u << 5,
+    /** The rectangle of drawImage is one of many that fill the plane side by side, all with the
+     *  image. */
+    kXGContextTiledImage = 1u << 28,
     /** The geometry is in device space already: the combined CTM must not be applied again. */
     kXGContextGeometryInDeviceSpace = 1u << 29,
     /** The backend's paint is prepared: it must not be reset. */
@@ -50,6 +53,8 @@ typedef struct XGContextCallbacks {
     void (*fillRects)(XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
                       void* info);
     void (*drawShading)(XGGStateRef state, uint32_t flags, CGShadingRef shading, void* info);
+    /** Draws `image`, whose mask has been applied, first row at the rectangle's largest y in user
+     *  space. An image mask lets the state's fill colour through. */
     void (*drawImage)(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image, void* info);
     void (*drawLayer)(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer, void* info);
     void (*drawSprites)(XGGStateRef state, uint32_t flags, CGFontRef font, const void* glyphs,
@@ -82,5 +87,9 @@ CG_EXPORT void XGContextGetSizeInPoints(CGContextRef context, CGFloat* width, CG
 
 /** Strokes each rectangle's outline, as CGContextStrokeRect does. */
 CG_EXPORT void XGContextStrokeRects(CGContextRef context, const CGRect* rects, size_t count);
+
+/** Draws the shadow that CGContextDrawImage would draw, and not the image. Nothing without a shadow
+ *  in the state. */
+CG_EXPORT void XGContextDrawShadowImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 CG_END_DECLS

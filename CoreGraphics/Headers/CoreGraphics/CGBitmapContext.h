@@ -48,4 +48,12 @@ CG_EXPORT CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context);
 CG_EXPORT CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context);
 CG_EXPORT CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context);
 
+/** An image of the pixels as drawn so far, in the context's own layout and colour space; what is
+ *  drawn later does not change it. NULL for contexts that are not bitmap contexts and when memory
+ *  runs out.
+ *
+ *  The pixels are copied no sooner than the context is drawn to again, unless the caller can reach
+ *  them: because it gave the memory or asked for it with CGBitmapContextGetData. */
+CG_EXPORT CGImageRef CGBitmapContextCreateImage(CGContextRef context);
+
 CG_END_DECLS

@@ -317,6 +317,17 @@ CG_EXPORT CGRect CGContextGetClipBoundingBox(CGContextRef context);
 /** Takes all clipping of the current state back; a bitmap's clip becomes its bounds again. */
 CG_EXPORT void CGContextResetClip(CGContextRef context);
 
+/* ---- Images -------------------------------------------------------------------------------- */
+
+/** Draws `image` into `rect` of user space, its first row at the rectangle's largest y, under the
+ *  state's alpha, blend mode, clip, shadow and interpolation quality. An image mask paints the fill
+ *  colour where its samples are 0. The image's colours are converted to the destination's. What
+ *  cannot be read is drawn as a transparent image, after an error in the log. Nothing for NULL or
+ *  an empty rectangle. */
+CG_EXPORT void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
+/** Fills the clip with copies of `image` side by side, each as large as `rect`, one of them in it. */
+CG_EXPORT void CGContextDrawTiledImage(CGContextRef context, CGRect rect, CGImageRef image);
+
 /* ---- Transparency layers ------------------------------------------------------------------- */
 
 /** What is drawn until the matching end is put together first and then drawn as one, with the

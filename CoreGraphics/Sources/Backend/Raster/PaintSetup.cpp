@@ -71,6 +71,12 @@ const SkPaint& PaintSetup::stroke(XGGStateRef state, uint32_t flags) {
     return paint_;
 }
 
+const SkPaint& PaintSetup::image(XGGStateRef state, uint32_t flags) {
+    setUp(state, flags, SK_ColorBLACK);
+    paint_.setStyle(SkPaint::kFill_Style);
+    return paint_;
+}
+
 SkPaint PaintSetup::shadowOf(const SkPaint& paint, XGGStateRef state) {
     SkPaint shadow = paint;
     const SkColor color = shadowColor_.convert(XGGStateGetShadowColor(state));

@@ -33,6 +33,8 @@ public:
     const SkPaint& fill(XGGStateRef state, uint32_t flags);
     // Stroke style, in the stroke colour with the line attributes.
     const SkPaint& stroke(XGGStateRef state, uint32_t flags);
+    // For pictures, which bring their own colours: the state's alpha and blend mode.
+    const SkPaint& image(XGGStateRef state, uint32_t flags);
     // The shadow of a mark that `paint` makes: its colour and blur instead of the mark's own.
     SkPaint shadowOf(const SkPaint& paint, XGGStateRef state);
     // How a finished group is put down: alpha and blend mode alone.

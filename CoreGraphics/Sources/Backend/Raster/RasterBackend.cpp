@@ -33,13 +33,26 @@ SkVector shadowOffset(XGGStateRef state) {
 
 } // namespace
 
-RasterBackend::RasterBackend(const SkPixmap& pixels) : base_(pixels, pixels.height(), {0, 0}) {
+RasterBackend::RasterBackend(const SkPixmap& pixels, CGColorSpaceRef space)
+    : base_(pixels, pixels.height(), {0, 0}), space_(cf::retain(space)) {
     scratchPath_.setIsVolatile(true);
+}
+
+bool RasterBackend::takeBackPixels() {
+    if (takeBack_ && !takeBack_(pixelOwner_))
+        return false;
+    takeBack_ = nullptr;
+    return true;
 }
 
 // The surface that marks go to, clipped as the state says. The state tells when its clip changed.
 Surface& RasterBackend::surfaceUnderClip(XGGStateRef state, uint32_t flags) {
     Surface& target = surface();
+    if (!layer_ && !takeBackPixels()) {
+        target.clipOut();
+        clipIsStale_ = true;
+        return target;
+    }
     if (clipIsStale_ || XGGStateShouldRasterizeClipRegion(state)) {
         applyClipping(target, XGGStateGetClipping(state),
                       layer_ ? layer_->outerClipping() : nullptr, antialiasing(state, flags));
@@ -105,10 +118,10 @@ void RasterBackend::drawShading(XGGStateRef state, uint32_t flags, CGShadingRef 
 
 void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
     const Surface& parent = surfaceUnderClip(state, flags);
-    auto layer = unmadeLayers_ > 0 ? nullptr
-                                   : TransparencyLayer::create(parent, base_.pixels().height(),
-                                                               XGGStateGetClipping(state),
-                                                               PaintSetup::group(state));
+    auto layer = unmadeLayers_ > 0
+                     ? nullptr
+                     : TransparencyLayer::create(parent, deviceHeight(), XGGStateGetClipping(state),
+                                                 PaintSetup::group(state));
     if (!layer) {
         CG_LOG_ERROR("Failed to allocate a transparency layer, drawing without it");
         ++unmadeLayers_;
@@ -150,6 +163,8 @@ constexpr XGContextCallbacks kCallbacks = {
                     void* info) { backend(info).fillRects(state, flags, rects, count); },
     .drawShading = [](XGGStateRef state, uint32_t flags, CGShadingRef shading,
                       void* info) { backend(info).drawShading(state, flags, shading); },
+    .drawImage = [](XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image,
+                    void* info) { backend(info).drawImage(state, flags, rect, image); },
     .beginTransparencyLayer =
         [](XGGStateRef state, uint32_t flags, void* info) {
             backend(info).beginTransparencyLayer(state, flags);
@@ -174,7 +189,16 @@ void* createRasterBackend(const Bitmap& bitmap) {
     if (!info)
         return nullptr;
     initializeSkia();
-    return new (std::nothrow) RasterBackend(SkPixmap(*info, bitmap.pixels, bitmap.bytesPerRow));
+    return new (std::nothrow)
+        RasterBackend(SkPixmap(*info, bitmap.pixels, bitmap.bytesPerRow), bitmap.space);
+}
+
+void callBeforeNextMark(void* backend, bool (*takeBack)(void* owner), void* owner) {
+    static_cast<RasterBackend*>(backend)->callBeforeNextMark(takeBack, owner);
+}
+
+void movePixels(void* backend, void* pixels) {
+    static_cast<RasterBackend*>(backend)->movePixels(pixels);
 }
 
 const XGContextCallbacks& rasterBackendCallbacks() {

@@ -13,24 +13,39 @@ namespace cg {
 // One per bitmap context, and used on that context's thread alone.
 class RasterBackend {
 public:
-    RasterBackend(const SkPixmap& pixels);
+    // Over `pixels`, whose colours are those of `space`.
+    RasterBackend(const SkPixmap& pixels, CGColorSpaceRef space);
 
     void drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                   bool evenOdd);
     void fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count);
     void drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading);
+    void drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image);
+    void callBeforeNextMark(bool (*takeBack)(void*), void* owner) {
+        takeBack_ = takeBack;
+        pixelOwner_ = owner;
+    }
+    void movePixels(void* pixels) { base_.movePixels(pixels); }
     void beginTransparencyLayer(XGGStateRef state, uint32_t flags);
     void endTransparencyLayer(XGGStateRef state, uint32_t flags);
 
 private:
     Surface& surfaceUnderClip(XGGStateRef state, uint32_t flags);
     Surface& surface() { return layer_ ? layer_->surface() : base_; }
+    bool takeBackPixels();
+    int deviceHeight() const { return base_.pixels().height(); }
     void drawMark(XGGStateRef state, uint32_t flags, const SkPath& path, const SkPaint& paint);
+    void drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
+                    const SkPaint& paint);
+    void drawEmptyImage(XGGStateRef state, uint32_t flags, CGRect rect);
 
     Surface base_;
+    cf::Ref<CGColorSpaceRef> space_;
     std::unique_ptr<TransparencyLayer> layer_; // The innermost open layer.
     int unmadeLayers_ = 0;    // Layers begun, innermost, for which there was no memory.
     bool clipIsStale_ = true; // The surface's clip is not the state's, whatever the state says.
+    bool (*takeBack_)(void* owner) = nullptr; // To be called before the next mark in `base_`.
+    void* pixelOwner_ = nullptr;
     PaintSetup paints_;
     SkPath scratchPath_;
 };

@@ -3,6 +3,8 @@
 #include "Backend/Raster/Surface.h"
 
 #include "include/core/SkBitmap.h"
+#include "include/core/SkShader.h"
+#include "include/core/SkTileMode.h"
 #include "src/core/SkDraw.h"
 #include "src/core/SkMemset.h"
 #include "src/core/SkScan.h"
@@ -153,6 +155,37 @@ void Surface::drawRect(const SkRect& deviceRect, const SkPaint& paint) {
     if (fillOpaquePixels(pixelRect, paint))
         return;
     draw(SkMatrix::I(), [&](const SkDraw& target) { target.drawRect(pixelRect, paint); });
+}
+
+void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
+    const SkMatrix matrix = SkMatrix::Concat(deviceToPixels_, image.toDevice);
+    SkBitmap bitmap;
+    if (clip_.isEmpty() || image.rect.isEmpty() || !image.rect.isFinite() || !matrix.isFinite() ||
+        paint.nothingToDraw() || !bitmap.installPixels(image.pixels))
+        return;
+    const SkMatrix pixelsToRect = image.pixelsToRect();
+    if (image.repeat == Repeat::Once) {
+        draw(matrix, [&](const SkDraw& target) {
+            target.drawBitmap(bitmap, pixelsToRect, &image.rect, image.sampling, paint);
+        });
+        return;
+    }
+    bitmap.setImmutable(); // A shader would copy what may change.
+    SkPaint tiles = paint;
+    tiles.setShader(
+        bitmap.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect));
+    draw(matrix, [&](const SkDraw& target) { target.drawPaint(tiles); });
+}
+
+void Surface::drawMask(const SkMask& mask, const SkPaint& paint) {
+    if (clip_.isEmpty())
+        return;
+    draw(SkMatrix::I(), [&](const SkDraw& target) {
+        const SkIPoint at = {SkScalarRoundToInt(target.fCTM->getTranslateX()),
+                             SkScalarRoundToInt(target.fCTM->getTranslateY())};
+        const SkMask moved(mask.fImage, mask.fBounds.makeOffset(at), mask.fRowBytes, mask.fFormat);
+        target.drawDevMask(moved, paint, nullptr);
+    });
 }
 
 void Surface::drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint) {

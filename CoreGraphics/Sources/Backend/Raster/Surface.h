@@ -5,11 +5,30 @@
 #include "include/core/SkPaint.h"
 #include "include/core/SkPath.h"
 #include "include/core/SkPixmap.h"
+#include "include/core/SkSamplingOptions.h"
+#include "src/core/SkMask.h"
 #include "src/core/SkRasterClip.h"
 
 namespace cg {
 
 enum class Antialias { No, Yes };
+
+enum class Repeat { Once, Tiled };
+
+// Pixels and where they are to be seen: they fill `rect`, first row at its smallest y, in a space
+// that `toDevice` maps to device space. Tiled, copies of the rectangle fill all of the plane.
+struct PlacedImage {
+    SkPixmap pixels;
+    SkRect rect = SkRect::MakeEmpty();
+    SkMatrix toDevice;
+    SkSamplingOptions sampling;
+    Repeat repeat = Repeat::Once;
+
+    // The image's columns and rows to `rect`.
+    SkMatrix pixelsToRect() const {
+        return SkMatrix::RectToRect(SkRect::Make(pixels.dimensions()), rect);
+    }
+};
 
 // Draws with Skia's rasteriser directly. A canvas in front of it would cost more than the pixels of
 // a small shape, and five kilobytes; what it adds, a stack of transforms and clips, the graphics
@@ -28,6 +47,8 @@ public:
     Surface& operator=(const Surface&) = delete;
 
     const SkPixmap& pixels() const { return pixels_; }
+    // The same pixels lie elsewhere.
+    void movePixels(void* to) { pixels_.reset(pixels_.info(), to, pixels_.rowBytes()); }
     SkIPoint origin() const { return origin_; }
     // Device space to the pixels' rows and columns.
     const SkMatrix& deviceToPixels() const { return deviceToPixels_; }
@@ -42,6 +63,11 @@ public:
     // `devicePath` under the paint's style; `offset` moves its marks, in pixels.
     void drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset = {0, 0});
     void drawRect(const SkRect& deviceRect, const SkPaint& paint);
+    // Pixels of coverage alone take the paint's colour.
+    void drawImage(const PlacedImage& image, const SkPaint& paint);
+    // The paint's colour through a mask over rows and columns of these pixels, which the paint's
+    // mask filter may change before.
+    void drawMask(const SkMask& mask, const SkPaint& paint);
     // Puts other pixels' upper left corner at a column and row of these.
     void drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint);
 

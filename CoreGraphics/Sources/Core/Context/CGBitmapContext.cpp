@@ -5,42 +5,18 @@
 #include <CoreFoundation/CFData.h>
 #include <CoreGraphics/CGBitmapContext.h>
 
-#include "Core/Context/CGContextRecord.h"
+#include "Core/Context/CGBitmapContextRecord.h"
 #include "Core/Context/XGBackend.h"
 #include "Core/Object/CheckedSize.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <new>
 
+using cg::BitmapContext;
+using cg::BitmapFields;
+using cg::fieldsOf;
+
 namespace {
-
-struct BitmapFields {
-    std::size_t width = 0;
-    std::size_t height = 0;
-    std::size_t bitsPerComponent = 0;
-    std::size_t bytesPerRow = 0;
-    std::size_t bitsPerPixel = 0;
-    void* pixels = nullptr;
-    cf::Ref<CGColorSpaceRef> space;
-    cf::Ref<CFDataRef> data; // Owns the pixels, or wraps the caller's.
-    CGBitmapInfo info = 0;
-    CGBitmapContextReleaseDataCallback release = nullptr;
-    void* releaseInfo = nullptr;
-};
-
-struct BitmapContext {
-    CGContext common;
-    BitmapFields bitmap;
-};
-
-// The bitmap's fields, or NULL of a context without them.
-BitmapFields* fieldsOf(CGContextRef context) {
-    const bool isBitmap = context && context->holdsBitmap;
-    return isBitmap ? &reinterpret_cast<BitmapContext*>(context)->bitmap : nullptr;
-}
-
-// Set by the library alone, when a context records commands instead of holding pixels.
-constexpr CGBitmapInfo kRecordsCommands = 0x40000000;
 
 CGImageAlphaInfo alphaInfo(CGBitmapInfo info) {
     return static_cast<CGImageAlphaInfo>(info & kCGBitmapAlphaInfoMask);
@@ -150,6 +126,7 @@ CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
     BitmapFields& fields = *fieldsOf(made.get());
     fields.release = given ? source.release : nullptr;
     fields.releaseInfo = source.info;
+    fields.isReachable = given;
     return made.release();
 }
 
@@ -162,7 +139,7 @@ bool isAlphaSupported(CGBitmapInfo info) {
 CGContextRef _CGBitmapContextCreateInternal(cg::Bitmap bitmap, const PixelSource& source) {
     if (bitmap.width == 0 || bitmap.height == 0 || bitmap.bitsPerComponent == 0)
         return nullptr;
-    bitmap.info &= ~kRecordsCommands;
+    bitmap.info &= ~cg::kRecordsCommands;
     const CGImageAlphaInfo alpha = alphaInfo(bitmap.info);
     if (!isAlphaSupported(bitmap.info)) {
         if (alpha <= kCGImageAlphaOnly)
@@ -239,8 +216,11 @@ void XGBitmapContextDispose(CGContextRef context) {
 // ---- Accessors
 
 void* CGBitmapContextGetData(CGContextRef context) {
-    const BitmapFields* const bitmap = fieldsOf(context);
-    return bitmap ? bitmap->pixels : nullptr;
+    BitmapFields* const bitmap = fieldsOf(context);
+    if (!bitmap || !cg::takeBackPixels(context))
+        return nullptr;
+    bitmap->isReachable = true;
+    return bitmap->pixels;
 }
 
 size_t CGBitmapContextGetWidth(CGContextRef context) {

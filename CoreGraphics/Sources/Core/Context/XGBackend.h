@@ -33,6 +33,13 @@ bool rasterBackendAccepts(const Bitmap& bitmap);
 void* createRasterBackend(const Bitmap& bitmap);
 const XGContextCallbacks& rasterBackendCallbacks();
 
+// Before the backend next writes into the bitmap's own pixels it calls `takeBack(owner)`, once;
+// when that is false it keeps the pixels as they are, drops the mark, and asks again before the
+// next.
+void callBeforeNextMark(void* backend, bool (*takeBack)(void* owner), void* owner);
+// The bitmap's pixels, as they are, lie at another place from now on.
+void movePixels(void* backend, void* pixels);
+
 // Empties a path but keeps the memory of its points, for the next path to use.
 void rewindPath(CGMutablePathRef path);
 

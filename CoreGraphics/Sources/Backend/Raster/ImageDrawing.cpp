@@ -1,0 +1,85 @@
+// ImageDrawing.cpp: pictures and image masks drawn by the raster backend.
+
+#include "Backend/Raster/ImagePixels.h"
+#include "Backend/Raster/ImageSampling.h"
+#include "Backend/Raster/ImageShadow.h"
+#include "Backend/Raster/RasterBackend.h"
+#include "Backend/Raster/SkiaConversions.h"
+#include "Core/Object/Diagnostics.h"
+
+namespace cg {
+
+namespace {
+
+// Images count rows from the top, user space counts from the bottom: the first row goes to the
+// rectangle's largest y.
+SkMatrix turnedAround(const SkRect& rect) {
+    return SkMatrix::MakeAll(1, 0, 0, 0, -1, rect.top() + rect.bottom(), 0, 0, 1);
+}
+
+SkMatrix userToDevice(XGGStateRef state, uint32_t flags) {
+    const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
+    return inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
+}
+
+PlacedImage place(const SkPixmap& pixels, CGRect rect, const SkMatrix& userToDevice,
+                  CGInterpolationQuality quality, uint32_t flags) {
+    PlacedImage image = {.pixels = pixels, .rect = toSkia(rect)};
+    image.toDevice = SkMatrix::Concat(userToDevice, turnedAround(image.rect));
+    image.sampling = samplingFor(quality, SkMatrix::Concat(image.toDevice, image.pixelsToRect()));
+    image.repeat = flags & kXGContextTiledImage ? Repeat::Tiled : Repeat::Once;
+    return image;
+}
+
+CGInterpolationQuality qualityFor(XGGStateRef state, CGImageRef image) {
+    return CGImageGetShouldInterpolate(image) ? XGGStateGetInterpolationQuality(state)
+                                              : kCGInterpolationNone;
+}
+
+std::optional<ImagePixels> SkiaContextDrawImage(CGImageRef image, CGColorSpaceRef destination,
+                                                CGColorRenderingIntent intent) {
+    auto pixels = ImagePixels::of(image, destination, intent);
+    if (!pixels)
+        CG_LOG_ERROR("Reading of bitmap failed, drawing empty image instead");
+    return pixels;
+}
+
+} // namespace
+
+void RasterBackend::drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
+                               const SkPaint& paint) {
+    Surface& target = surfaceUnderClip(state, flags);
+    if (!(flags & kXGContextShadowPass)) {
+        target.drawImage(image, paint);
+        return;
+    }
+    const CGSize offset = XGGStateGetShadowOffset(state);
+    drawImageShadow(target, deviceHeight(), image, {offset.width, offset.height},
+                    XGGStateGetShadowBlur(state) / 2, paints_.shadowOf(paint, state));
+}
+
+// Deliberate: an image that cannot be read is transparent, which some blend modes make visible.
+void RasterBackend::drawEmptyImage(XGGStateRef state, uint32_t flags, CGRect rect) {
+    if (flags & (kXGContextShadowPass | kXGContextTiledImage))
+        return;
+    SkPaint paint = paints_.image(state, flags);
+    paint.setAlpha(0);
+    drawMark(state, flags, SkPath::Rect(toSkia(rect)), paint);
+}
+
+void RasterBackend::drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image) {
+    const auto pixels =
+        SkiaContextDrawImage(image, space_.get(), XGGStateGetRenderingIntent(state));
+    if (!pixels) {
+        drawEmptyImage(state, flags, rect);
+        return;
+    }
+    const SkPaint& paint =
+        pixels->isCoverage() ? paints_.fill(state, flags) : paints_.image(state, flags);
+    drawPlaced(
+        state, flags,
+        place(pixels->pixmap(), rect, userToDevice(state, flags), qualityFor(state, image), flags),
+        paint);
+}
+
+} // namespace cg

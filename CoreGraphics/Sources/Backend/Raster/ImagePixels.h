@@ -1,0 +1,34 @@
+// ImagePixels.h: an image's pixels as Skia reads them.
+#pragma once
+
+#include <CoreGraphics/CGImage.h>
+
+#include "Core/Image/DrawablePixels.h"
+#include "include/core/SkBitmap.h"
+#include "include/core/SkPixmap.h"
+
+#include <optional>
+
+namespace cg {
+
+// Keeps the image's bytes reachable while it lives.
+class ImagePixels {
+public:
+    // The pixels in the destination's colours. Nothing when they cannot be read.
+    static std::optional<ImagePixels> of(CGImageRef image, CGColorSpaceRef destination,
+                                         CGColorRenderingIntent intent);
+
+    const SkPixmap& pixmap() const { return pixmap_; }
+    // Whether the pixels say only how much of a colour is let through.
+    bool isCoverage() const { return pixmap_.colorType() == kAlpha_8_SkColorType; }
+
+private:
+    explicit ImagePixels(DrawablePixels drawable);
+    bool makeOpaque();
+
+    DrawablePixels drawable_;
+    SkPixmap pixmap_;
+    SkBitmap opaque_; // A copy, where the unused bytes of pixels would be taken for opacity.
+};
+
+} // namespace cg
