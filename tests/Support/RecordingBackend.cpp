@@ -84,6 +84,15 @@ XGContextCallbacks RecordingBackend::callbacks() {
         from(info).lastFlags_ = flags;
         from(info).note(call + " blend " + std::to_string(XGGStateGetBlendMode(state)));
     };
+    table.drawImage = [](XGGStateRef, uint32_t flags, CGRect rect, CGImageRef image, void* info) {
+        std::string call = flags & kXGContextShadowPass ? "shadow " : "";
+        call += flags & kXGContextTiledImage ? "tiled image " : "image ";
+        call += std::to_string(CGImageGetWidth(image)) + " x " +
+                std::to_string(CGImageGetHeight(image)) + " at " +
+                numbers({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height});
+        from(info).lastFlags_ = flags;
+        from(info).note(call);
+    };
     table.beginTransparencyLayer = [](XGGStateRef state, uint32_t, void* info) {
         from(info).noteLayer("begin", state);
     };

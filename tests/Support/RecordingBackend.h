@@ -16,6 +16,7 @@ namespace test {
 //     shadow stroke M 0 0 L 4 0 width 2 in 0 0 0 1
 //     fill M … even-odd in 1 0 0 1, stroke M … width 1 in 0 0 0 1
 //     rects 0 0 4 4, 5 5 1 1 blend 0
+//     shadow image 2 x 1 at 0 0 4 2 | tiled image 2 x 1 at 0 0 4 2
 //     begin layer alpha 0.5 blend 1 shadowed
 //     end layer alpha 0.5 blend 1 shadowed
 //     prepare | flush | synchronize | release

@@ -9,10 +9,12 @@
 #include "Support/Picture.h"
 #include "Support/SkiaPeer.h"
 #include "include/core/SkImage.h"
+#include "include/core/SkPath.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -120,9 +122,7 @@ struct Quality {
 
 const Quality kQualities[] = {
     {"none", kCGInterpolationNone, {}, {}},
-    {"low",
-     kCGInterpolationLow,
-     SkSamplingOptions(SkFilterMode::kLinear),
+    {"low", kCGInterpolationLow, SkSamplingOptions(SkFilterMode::kLinear),
      SkSamplingOptions(SkFilterMode::kLinear)},
     {"default",
      kCGInterpolationDefault,
@@ -201,34 +201,18 @@ TEST(DrawImage, FollowsBlendModeAndClip) {
         const Context context = makeContext(kSize, kSize);
         SkiaPeer peer(kSize, kSize);
         fillGray(context.get(), peer.canvas());
-        CGContextAddEllipseInRect(context.get(), CGRectMake(20, 20, 30, 24));
+        CGContextMoveToPoint(context.get(), 12, 20);
+        CGContextAddLineToPoint(context.get(), 49, 22.5f);
+        CGContextAddLineToPoint(context.get(), 30, 44);
+        CGContextClosePath(context.get());
         CGContextClip(context.get());
         CGContextSetBlendMode(context.get(), mode.ours);
         CGContextDrawImage(context.get(), kPlacements[0].rect, image.get());
-        // The same ellipse: Skia's own has other control points.
-        const auto ellipse =
-            cf::adopt(CGPathCreateWithEllipseInRect(CGRectMake(20, 20, 30, 24), nullptr));
         SkPath clip;
-        CGPathApply(ellipse.get(), &clip, [](void* info, const CGPathElement* element) {
-            SkPath& path = *static_cast<SkPath*>(info);
-            const CGPoint* const p = element->points;
-            switch (element->type) {
-            case kCGPathElementMoveToPoint:
-                path.moveTo(p[0].x, p[0].y);
-                break;
-            case kCGPathElementAddLineToPoint:
-                path.lineTo(p[0].x, p[0].y);
-                break;
-            case kCGPathElementAddQuadCurveToPoint:
-                path.quadTo(p[0].x, p[0].y, p[1].x, p[1].y);
-                break;
-            case kCGPathElementAddCurveToPoint:
-                path.cubicTo(p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y);
-                break;
-            default:
-                path.close();
-            }
-        });
+        clip.moveTo(12, 20);
+        clip.lineTo(49, 22.5f);
+        clip.lineTo(30, 44);
+        clip.close();
         peer.canvas().clipPath(clip, true);
         SkPaint paint;
         paint.setAntiAlias(true);
@@ -310,17 +294,16 @@ TEST(DrawImage, ThrowsTheShadowOfItsShape) {
     const auto color = cf::adopt(CGColorCreateGenericRGB(0, 0, 0, 1));
     CGContextSetShadowWithColor(context.get(), CGSizeMake(3, 2), 0, color.get());
     CGContextDrawImage(context.get(), CGRectMake(1, 0, 2, 3), makeL().get());
-    EXPECT_EQ(Picture(context.get()), Picture({".......", "....#..", "....#..", ".#..##.",
-                                               ".#.....", ".##...."}));
+    EXPECT_EQ(Picture(context.get()),
+              Picture({".......", "....#..", "....#..", ".#..##.", ".#.....", ".##...."}));
 }
 
 TEST(DrawImage, DrawsNothingForWhatIsNothing) {
     const Context context = makeContext(4, 4);
     const CGFloat nan = std::numeric_limits<CGFloat>::quiet_NaN();
     const CGFloat huge = std::numeric_limits<CGFloat>::max();
-    for (const CGRect& rect :
-         {CGRectMake(0, 0, 0, 4), CGRectNull, CGRectMake(nan, 0, 4, 4), CGRectMake(0, 0, nan, 4),
-          CGRectMake(huge, huge, huge, huge)}) {
+    for (const CGRect& rect : {CGRectMake(0, 0, 0, 4), CGRectNull, CGRectMake(nan, 0, 4, 4),
+                               CGRectMake(0, 0, nan, 4), CGRectMake(huge, huge, huge, huge)}) {
         CGContextDrawImage(context.get(), rect, makeL().get());
         CGContextDrawTiledImage(context.get(), rect, makeL().get());
     }

@@ -1,7 +1,7 @@
 // CGContextImage.cpp: drawing images.
 
 #include "XGContext.h"
-#include "XGImage.h"
+#include "XGImagePixels.h"
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
