@@ -4,6 +4,9 @@
 
 #include <CoreFoundation/CFString.h>
 
+#include "JpegWriter.h"
+#include "PngWriter.h"
+
 #include <MobileCoreServices/UTCoreTypes.h>
 
 #include <cstring>
@@ -31,8 +34,8 @@ bool isJpeg2000(std::span<const std::byte> head) {
 }
 
 constexpr ImageFormat kFormats[] = {
-    {&kUTTypePNG, {"png"}, isPng, nullptr, nullptr},
-    {&kUTTypeJPEG, {"jpg", "jpeg", "jpe", "jfif"}, isJpeg, nullptr, nullptr},
+    {&kUTTypePNG, {"png"}, isPng, nullptr, writePng},
+    {&kUTTypeJPEG, {"jpg", "jpeg", "jpe", "jfif"}, isJpeg, nullptr, writeJpeg},
     {&kUTTypeJPEG2000, {"jp2", "j2k", "jpf", "jpx", "j2c", "jpc"}, isJpeg2000, nullptr, nullptr},
 };
 
