@@ -54,8 +54,8 @@ CG_EXPORT void* XGDataProviderGetInfo(CGDataProviderRef provider);
 /** The URL of a provider made from a file or URL, or NULL. */
 CG_EXPORT CFURLRef XGDataProviderCopyURL(CGDataProviderRef provider);
 /** The size. A stream is measured the first time by rewinding and skipping as far as it goes: one
- *  that cannot report how far it skipped "has" 2^63 - 1 bytes, and of one that cannot do both the
- *  answer is -1, after a warning. */
+ *  that cannot report how far it skipped "has" 2^63 - 1 bytes, and is not read for it. Of one that
+ *  cannot do both the answer is -1, after a warning. */
 CG_EXPORT int64_t XGDataProviderGetSize(CGDataProviderRef provider);
 
 /** The whole contents in memory until unlocked as often, or NULL. The first lock of a stream, or of

@@ -87,8 +87,11 @@ std::int64_t measure(CGDataProvider& provider) {
         return cg::kUnknownSize;
     }
     rewind(provider);
-    if (const auto skipped = skip(provider, kMost))
-        provider.size = *skipped;
+    // Skipping by any other way reports what it was asked for: that much is known without reading
+    // the stream, which may be endless.
+    provider.size = kMost;
+    if (provider.sequential.skipForward)
+        provider.size = skip(provider, kMost).value_or(kMost);
     rewind(provider);
     return provider.size;
 }
