@@ -1,7 +1,8 @@
 // ProviderModelTest.cpp: random access to providers of all kinds, beside the bytes themselves.
 
-#include "Support/CollectedLog.h"
 #include "Support/ProviderModel.h"
+
+#include "Support/CollectedLog.h"
 
 #include <gtest/gtest.h>
 
