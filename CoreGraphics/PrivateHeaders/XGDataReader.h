@@ -36,7 +36,8 @@ CG_EXPORT bool XGDataReaderSkip(XGDataReaderRef reader, int64_t count);
 CG_EXPORT int64_t XGDataReaderTell(XGDataReaderRef reader);
 /** Goes to `offset` from the start, the position or the end, and answers with the position. -1 when
  *  the provider cannot seek, for a target before the start, and for a negative offset from anywhere
- *  but the end. The end itself is only noted: the stream does not move. */
+ *  but the end. The end itself is only noted: the stream does not move. From the end of a stream of
+ *  2^63 - 1 bytes, which could not be measured, there is no way back but to the start. */
 CG_EXPORT int64_t XGDataReaderSeek(XGDataReaderRef reader, int64_t offset, int whence);
 
 CG_EXPORT bool XGDataReaderCanRewind(XGDataReaderRef reader);

@@ -104,6 +104,41 @@ TEST(ColorSpaceProfile, TellsWhatItsComponentsAre) {
 }
 
 // Deliberate: what a profile was read from does not count.
+TEST(ColorSpaceProfile, ReadsProvidersInPlaceOrByCopying) {
+    const Data data = bytesOf(cmsCreate_sRGBProfile());
+    const struct {
+        const char* what;
+        CGDataProviderGetBytePointerCallback lend;
+        CGDataProviderGetBytesAtPositionCallback copy;
+        bool made;
+    } cases[] = {
+        {"lent",
+         [](void* info) -> const void* { return CFDataGetBytePtr(static_cast<CFDataRef>(info)); },
+         nullptr, true},
+        {"copied", nullptr,
+         [](void* info, void* buffer, off_t position, size_t count) {
+             CFDataGetBytes(static_cast<CFDataRef>(info), CFRangeMake(position, CFIndex(count)),
+                            static_cast<UInt8*>(buffer));
+             return count;
+         },
+         true},
+        {"copied in part", nullptr, [](void*, void*, off_t, size_t count) { return count - 1; },
+         false},
+        {"neither", nullptr, nullptr, false},
+    };
+    for (const auto& [what, lend, copy, made] : cases) {
+        const CGDataProviderDirectCallbacks callbacks = {0, lend, nullptr, copy, nullptr};
+        const auto provider = cf::adopt(
+            CGDataProviderCreateDirect(const_cast<void*>(static_cast<const void*>(data.get())),
+                                       CFDataGetLength(data.get()), &callbacks));
+        const Profile profile = cf::adopt(XGColorSpaceProfileCreateWithProvider(provider.get()));
+        EXPECT_EQ(profile != nullptr, made) << what;
+        EXPECT_EQ(XGColorSpaceProfileGetModel(profile.get()),
+                  made ? kCGColorSpaceModelRGB : kCGColorSpaceModelUnknown)
+            << what;
+    }
+}
+
 TEST(ColorSpaceProfile, EqualsByItsBlackPointAlone) {
     const auto gray = [](const CGFloat* black) {
         return cf::adopt(XGColorSpaceProfileCreateCalibratedGray(kWhite, black, 2));

@@ -118,6 +118,8 @@ TEST(DataProvider, MeasuresAnEndlessStreamWithoutReadingIt) {
     source.lie = SIZE_MAX / 2;
     const Provider provider = test::makeProvider(SourceKind::Reading, source);
     EXPECT_EQ(XGDataProviderGetSize(provider.get()), kMost);
+    const auto reader = cf::adopt(XGDataReaderCreate(provider.get()));
+    EXPECT_EQ(XGDataReaderSeek(reader.get(), -1, kXGDataReaderFromEnd), -1);
     EXPECT_TRUE(source.calls.empty());
 }
 

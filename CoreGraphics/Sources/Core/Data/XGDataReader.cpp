@@ -48,7 +48,9 @@ std::int64_t seekFromEnd(XGDataReaderRef reader, std::int64_t offset) {
     const std::int64_t size = XGDataProviderGetSize(reader->provider.get());
     if (offset == 0 && size >= 0)
         return reader->position = size;
-    const auto target = positionAfter(size, offset);
+    // A stream that cannot be measured has no place before its end to go to, perhaps no end.
+    constexpr auto unmeasured = std::numeric_limits<std::int64_t>::max();
+    const auto target = size == unmeasured ? std::nullopt : positionAfter(size, offset);
     return target ? moveTo(reader, *target) : kFailed;
 }
 
