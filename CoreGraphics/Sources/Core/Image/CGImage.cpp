@@ -31,9 +31,6 @@ void cg::setUploadedImageObserver(UploadedImageObserver observer) {
     uploadedImageObserver.store(observer, std::memory_order_release);
 }
 
-// Without the conversion of pixels there are no caches; with it, its own function takes this place.
-[[gnu::weak]] void cg::destroyPixelCache(PixelCache*) {}
-
 CGImage::~CGImage() {
     cg::release(maskedImage.load(std::memory_order_acquire));
     if (const auto cache = pixelCache.load(std::memory_order_acquire))
