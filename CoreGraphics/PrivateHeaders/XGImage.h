@@ -66,6 +66,8 @@ CG_EXPORT CGSize XGImageGetSizeInPoints(CGImageRef image);
 /** The provider that the image was decoded from, retained. */
 CG_EXPORT void XGImageSetSourceDataProvider(CGImageRef image, CGDataProviderRef provider);
 CG_EXPORT CGDataProviderRef XGImageGetSourceDataProvider(CGImageRef image);
+/** The type identifier of the file that the image was decoded from, retained: CGImageGetUTType. */
+CG_EXPORT void XGImageSetUTType(CGImageRef image, CFStringRef type);
 /** Where the image came from, for people who trace drawing; retained, and NULL for nowhere. */
 CG_EXPORT void XGImageSetDebugSource(CGImageRef image, CFStringRef source);
 /** A positive number that stands for the image in traces. Images of the same debug source (of

@@ -4,6 +4,7 @@
 
 #include <CoreFoundation/CFString.h>
 
+#include "ImageReader.h"
 #include "JpegWriter.h"
 #include "PngWriter.h"
 
@@ -34,9 +35,13 @@ bool isJpeg2000(std::span<const std::byte> head) {
 }
 
 constexpr ImageFormat kFormats[] = {
-    {&kUTTypePNG, {"png"}, isPng, nullptr, writePng},
-    {&kUTTypeJPEG, {"jpg", "jpeg", "jpe", "jfif"}, isJpeg, nullptr, writeJpeg},
-    {&kUTTypeJPEG2000, {"jp2", "j2k", "jpf", "jpx", "j2c", "jpc"}, isJpeg2000, nullptr, nullptr},
+    {&kUTTypePNG, {"png"}, isPng, &kPngReader, writePng},
+    {&kUTTypeJPEG, {"jpg", "jpeg", "jpe", "jfif"}, isJpeg, &kJpegReader, writeJpeg},
+    {&kUTTypeJPEG2000,
+     {"jp2", "j2k", "jpf", "jpx", "j2c", "jpc"},
+     isJpeg2000,
+     &kJpeg2000Reader,
+     nullptr},
 };
 
 } // namespace

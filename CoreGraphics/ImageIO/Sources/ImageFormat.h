@@ -2,16 +2,14 @@
 #pragma once
 
 #include <CoreFoundation/CFBase.h>
-#include <CoreGraphics/CGDataProvider.h>
 
 #include <array>
 #include <cstddef>
-#include <memory>
 #include <span>
 
 namespace imageio {
 
-class ImageReader;
+struct ImageReader;
 class ByteSink;
 struct ImageToWrite;
 
@@ -22,8 +20,7 @@ struct ImageFormat {
 
     // Whether a file that begins with `head` is of this format; 12 bytes suffice for all.
     bool (*hasSignature)(std::span<const std::byte> head);
-    // NULL when the file cannot be read.
-    std::unique_ptr<ImageReader> (*open)(CGDataProviderRef provider);
+    const ImageReader* reader;
     // False, after a line in the log, when the image cannot be written or the sink is broken.
     bool (*write)(const ImageToWrite& image, ByteSink& sink);
 };

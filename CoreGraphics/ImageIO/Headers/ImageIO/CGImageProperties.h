@@ -7,6 +7,7 @@
 #pragma once
 
 #include <CoreFoundation/CFString.h>
+
 #include <ImageIO/ImageIOBase.h>
 
 CG_BEGIN_DECLS

@@ -32,6 +32,8 @@ struct Wishes {
 void grant(CGImage& image, const Wishes& wishes, CFStringRef type) {
     if (wishes.shouldInterpolate)
         image.flags |= cg::kImageInterpolates;
+    else
+        image.flags &= ~cg::kImageInterpolates;
     image.intent = wishes.intent;
     const std::size_t pairs =
         cg::componentsPerPixel(image.space.get(), cg::alphaInfo(image.bitmapInfo));

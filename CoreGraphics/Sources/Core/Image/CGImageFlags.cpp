@@ -71,6 +71,11 @@ void XGImageSetDebugSource(CGImageRef image, CFStringRef source) {
         image->debugSource = cf::retain(source);
 }
 
+void XGImageSetUTType(CGImageRef image, CFStringRef type) {
+    if (image)
+        image->utType = cf::retain(type);
+}
+
 void XGImageSetSourceDataProvider(CGImageRef image, CGDataProviderRef provider) {
     if (image)
         image->sourceProvider = cf::retain(provider);
