@@ -325,14 +325,17 @@ std::unique_ptr<PixelReader> makeReader(CGImageRef image, const PixelLayout& lay
     return reader;
 }
 
-// Samples of no more than eight bits lose nothing in eight; but Lab, whose ranges seldom fill what
-// eight bits encode, would.
-bool fitsEightBits(CGImageRef image, const PixelLayout& layout) {
-    bool fits =
-        !layout.isFloat() && CGColorSpaceGetModel(pixelSpace(image)) != kCGColorSpaceModelLab;
-    for (std::size_t i = 0; i < layout.fieldCount(); ++i)
-        fits = fits && layout.field(i).bits <= 8;
-    return fits;
+// Whether components of the type hold the image's samples well enough: no bits are lost and, where
+// colours are to be divided by their opacity, which would magnify it, nothing is rounded.
+template <typename Component>
+bool holdsSamples(const PixelLayout& layout) {
+    bool holds = !layout.isFloat();
+    for (std::size_t i = 0; i < layout.fieldCount(); ++i) {
+        const std::uint64_t largest = (std::uint64_t{1} << layout.field(i).bits) - 1;
+        holds = holds && largest <= kOne<Component> &&
+                (!layout.isPremultiplied() || kOne<Component> % largest == 0);
+    }
+    return holds;
 }
 
 } // namespace
@@ -372,10 +375,14 @@ std::unique_ptr<PixelReader> PixelReader::of(CGImageRef image, const PixelTarget
                      CGImageGetBitmapInfo(image), image->bitsPerPixel, image->bitsPerComponent);
         return nullptr;
     }
+    // Lab is in other units in floats, and seldom fills what eight bits encode.
+    const bool isLab = CGColorSpaceGetModel(pixelSpace(image)) == kCGColorSpaceModelLab;
     if (target.type == ComponentType::Float)
         return makeReader<float>(image, *layout, target);
-    if (target.type == ComponentType::Unsigned8 && fitsEightBits(image, *layout))
+    if (!isLab && target.type == ComponentType::Unsigned8 && holdsSamples<std::uint8_t>(*layout))
         return makeReader<std::uint8_t>(image, *layout, target);
+    if (!isLab && layout->isPremultiplied() && !holdsSamples<std::uint16_t>(*layout))
+        return makeReader<float>(image, *layout, target);
     return makeReader<std::uint16_t>(image, *layout, target);
 }
 
