@@ -64,16 +64,26 @@ cf::Ref<CGImageDestinationRef> makeWithData(CFMutableDataRef data, CFStringRef t
     return destination;
 }
 
-// Puts the data in the place of the file.
+// A replaced file keeps its rights, and a new one is private: one that is there, if empty, gives
+// the picture the rights of any file that the process makes.
+void claim(const char* path) {
+    if (HostFileExists(path))
+        return;
+    const int descriptor = HostFileOpenForWriting(path);
+    if (descriptor >= 0)
+        HostFileClose(descriptor);
+}
+
 bool replaceFile(CFURLRef url, CFDataRef data) {
     char path[PATH_MAX];
-    if (!CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path) ||
-        !HostFileReplace(path, CFDataGetBytePtr(data),
-                         static_cast<std::size_t>(CFDataGetLength(data)))) {
-        CG_LOG_ERROR("cannot write the file %@", url);
-        return false;
+    if (CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path)) {
+        claim(path);
+        if (HostFileReplace(path, CFDataGetBytePtr(data),
+                            static_cast<std::size_t>(CFDataGetLength(data))))
+            return true;
     }
-    return true;
+    CG_LOG_ERROR("cannot write the file %@", url);
+    return false;
 }
 
 bool write(CGImageDestinationRef destination) {
@@ -152,6 +162,25 @@ void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef im
     }
     destination->image = cf::retain(image);
     destination->imageProperties = cf::retain(properties);
+}
+
+void CGImageDestinationAddImageFromSource(CGImageDestinationRef destination,
+                                          CGImageSourceRef source, size_t index,
+                                          CFDictionaryRef properties) {
+    if (!destination || !source)
+        return;
+    const auto image = cf::adopt(CGImageSourceCreateImageAtIndex(source, index, nullptr));
+    const auto found = cf::adopt(CGImageSourceCopyPropertiesAtIndex(source, index, nullptr));
+    const auto merged =
+        cf::adopt(found ? CFDictionaryCreateMutableCopy(nullptr, 0, found.get()) : nullptr);
+    if (merged && properties)
+        CFDictionaryApplyFunction(
+            properties,
+            [](const void* key, const void* value, void* into) {
+                CFDictionarySetValue(static_cast<CFMutableDictionaryRef>(into), key, value);
+            },
+            merged.get());
+    CGImageDestinationAddImage(destination, image.get(), merged ? merged.get() : properties);
 }
 
 bool CGImageDestinationFinalize(CGImageDestinationRef destination) {

@@ -17,6 +17,7 @@
 #include <CoreGraphics/CGDataConsumer.h>
 #include <CoreGraphics/CGImage.h>
 
+#include <ImageIO/CGImageSource.h>
 #include <ImageIO/ImageIOBase.h>
 
 CG_BEGIN_DECLS
@@ -63,6 +64,11 @@ CG_EXPORT void CGImageDestinationSetProperties(CGImageDestinationRef destination
  *  (may be NULL). An image too many makes finalising fail. */
 CG_EXPORT void CGImageDestinationAddImage(CGImageDestinationRef destination, CGImageRef image,
                                           CFDictionaryRef properties);
+/** Adds an image of a source with the properties that it has there, for which `properties` may give
+ *  others. */
+CG_EXPORT void CGImageDestinationAddImageFromSource(CGImageDestinationRef destination,
+                                                    CGImageSourceRef source, size_t index,
+                                                    CFDictionaryRef properties);
 /** Writes the file. False, with a line in the log, when fewer or more images were added than the
  *  count, when their bytes are missing, when the sink refuses bytes, and the second time. */
 CG_EXPORT bool CGImageDestinationFinalize(CGImageDestinationRef destination);
