@@ -325,7 +325,7 @@ CG_EXPORT void CGContextResetClip(CGContextRef context);
  *  cannot be read is drawn as a transparent image, after an error in the log. Nothing for NULL or
  *  an empty rectangle. */
 CG_EXPORT void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
-/** Fills the clip with copies of `image` side by side, each as large as `rect`, one of them in it. */
+/** Fills the clip with copies of `image` side by side, each as large as `rect`, one of them there. */
 CG_EXPORT void CGContextDrawTiledImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 /* ---- Transparency layers ------------------------------------------------------------------- */
