@@ -133,6 +133,8 @@ CG_EXPORT void XGGStateSetClipping(XGGStateRef state, XGClippingRef clipping);
 CG_EXPORT void XGGStateClipToRect(XGGStateRef state, CGRect rect);
 /** Clips to a path in device space. An empty path is ignored. */
 CG_EXPORT void XGGStateClipToPath(XGGStateRef state, CGPathRef path, bool evenOdd);
+/** Clips to a mask in a rectangle of user space, as CGContextClipToMask does. */
+CG_EXPORT void XGGStateClipToMask(XGGStateRef state, CGRect rect, CGImageRef mask);
 /** The clipping's bounding box in user space; the zero rectangle without a clipping. */
 CG_EXPORT CGRect XGGStateGetClipBoundingBox(XGGStateRef state);
 

@@ -311,6 +311,10 @@ CG_EXPORT void CGContextEOClip(CGContextRef context);
 CG_EXPORT void CGContextClipToRect(CGContextRef context, CGRect rect);
 /** Clips to the union of rectangles. No rectangles at all are ignored. */
 CG_EXPORT void CGContextClipToRects(CGContextRef context, const CGRect* rects, size_t count);
+/** Clips to `mask`, put into `rect` as CGContextDrawImage puts images. An image mask lets paint
+ *  through as far as it would paint, a gray image as far as it is white, any other image as far as
+ *  it is opaque; the current path is dropped. Nothing for NULL. */
+CG_EXPORT void CGContextClipToMask(CGContextRef context, CGRect rect, CGImageRef mask);
 /** The bounds of the clip in user space; the zero rectangle when nothing is clipped. A bitmap's
  * clip is its own bounds at first. */
 CG_EXPORT CGRect CGContextGetClipBoundingBox(CGContextRef context);
@@ -325,7 +329,7 @@ CG_EXPORT void CGContextResetClip(CGContextRef context);
  *  cannot be read is drawn as a transparent image, after an error in the log. Nothing for NULL or
  *  an empty rectangle. */
 CG_EXPORT void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image);
-/** Fills the clip with copies of `image` side by side, each as large as `rect`, one of them there. */
+/** Fills the clip with copies of `image` side by side, as large as `rect`, one of them in it. */
 CG_EXPORT void CGContextDrawTiledImage(CGContextRef context, CGRect rect, CGImageRef image);
 
 /* ---- Transparency layers ------------------------------------------------------------------- */

@@ -328,3 +328,104 @@ TEST(DrawImage, SaysSoAndDrawsAnEmptyImageWhenBytesAreMissing) {
     CGContextDrawImage(context.get(), CGRectMake(0, 0, 2, 1), image.get());
     EXPECT_EQ(Picture(context.get()), Picture({"##", ".."}));
 }
+
+// ---- Clips
+
+namespace {
+
+Image makeGray(std::size_t width, std::size_t height, const Bytes& bytes) {
+    return makeImage(kLayouts[4], static_cast<int>(width), static_cast<int>(height), bytes);
+}
+
+void fillAll(const Context& context) {
+    CGContextFillRect(context.get(), CGRectMake(-10, -10, 100, 100));
+}
+
+} // namespace
+
+TEST(ClipToMask, LetsPaintThroughByTheKindOfMask) {
+    const CGFloat inverted[] = {1, 0};
+    const Bytes samples = {0, 255, 128, 255, 0, 0};
+    const struct {
+        const char* what;
+        Image mask;
+        Picture expected;
+    } cases[] = {
+        {"image mask", makeMask(2, 3, samples), {"....", ".#..", ".+..", ".##."}},
+        {"inverted image mask",
+         makeMask(2, 3, samples, inverted),
+         {"....", "..#.", ".+#.", "...."}},
+        {"gray image", makeGray(2, 3, samples), {"....", "..#.", ".+#.", "...."}},
+        {"picture with opacity",
+         makeImage(kLayouts[0], 1, 3, {0, 0, 0, 255, 0, 0, 0, 0, 0, 0, 0, 255}),
+         {"....", ".##.", "....", ".##."}},
+    };
+    for (const auto& [what, mask, expected] : cases) {
+        const Context context = makeContext(4, 4);
+        CGContextSetInterpolationQuality(context.get(), kCGInterpolationNone);
+        CGContextClipToMask(context.get(), CGRectMake(1, 0, 2, 3), mask.get());
+        fillAll(context);
+        EXPECT_EQ(Picture(context.get()), expected) << what;
+    }
+}
+
+TEST(ClipToMask, HoldsForEveryKindOfMarkUntilItIsRestored) {
+    const struct {
+        const char* what;
+        void (*draw)(CGContextRef);
+    } cases[] = {
+        {"path",
+         [](CGContextRef c) {
+             CGContextMoveToPoint(c, -9, -9);
+             CGContextAddLineToPoint(c, 30, -9);
+             CGContextAddLineToPoint(c, -9, 30);
+             CGContextFillPath(c);
+         }},
+        {"image",
+         [](CGContextRef c) {
+             CGContextDrawImage(c, CGRectMake(0, 0, 4, 4), makeMask(1, 1, {0}).get());
+         }},
+        {"layer",
+         [](CGContextRef c) {
+             CGContextBeginTransparencyLayer(c, nullptr);
+             CGContextFillRect(c, CGRectMake(0, 0, 4, 4));
+             CGContextEndTransparencyLayer(c);
+         }},
+    };
+    for (const auto& [what, draw] : cases) {
+        const Context context = makeContext(4, 3);
+        CGContextSaveGState(context.get());
+        CGContextClipToMask(context.get(), CGRectMake(1, 0, 2, 3), makeL().get());
+        draw(context.get());
+        EXPECT_EQ(Picture(context.get()), Picture({".#..", ".#..", ".##."})) << what;
+        CGContextRestoreGState(context.get());
+        fillAll(context);
+        EXPECT_EQ(Picture(context.get()), Picture({"####", "####", "####"})) << what;
+    }
+}
+
+TEST(ClipToMask, MeetsRectanglesPathsAndOtherMasks) {
+    const Context context = makeContext(4, 3);
+    CGContextClipToRect(context.get(), CGRectMake(0, 0, 4, 2));
+    CGContextClipToMask(context.get(), CGRectMake(1, 0, 2, 3), makeL().get());
+    CGContextClipToMask(context.get(), CGRectMake(0, 0, 4, 1),
+                        makeGray(4, 1, {0, 0, 255, 0}).get());
+    fillAll(context);
+    EXPECT_EQ(Picture(context.get()), Picture({"....", "....", "..#."}));
+}
+
+TEST(ClipToMask, MultipliesTheCoverageOfOneAndTakesTheLesserOfTwo) {
+    const struct {
+        const char* what;
+        std::uint8_t second;
+        int alpha;
+    } cases[] = {{"white", 255, 100}, {"darker", 60, 60}, {"the same", 100, 100}};
+    for (const auto& [what, second, alpha] : cases) {
+        const Context context = makeContext(1, 1);
+        CGContextClipToMask(context.get(), CGRectMake(0, 0, 1, 1), makeGray(1, 1, {100}).get());
+        CGContextClipToMask(context.get(), CGRectMake(0, 0, 1, 1), makeGray(1, 1, {second}).get());
+        fillAll(context);
+        EXPECT_EQ(static_cast<std::uint8_t*>(CGBitmapContextGetData(context.get()))[3], alpha)
+            << what;
+    }
+}

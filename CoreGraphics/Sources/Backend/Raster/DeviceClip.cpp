@@ -5,6 +5,7 @@
 #include "XGPath.h"
 #include <CoreFoundation/CFArray.h>
 
+#include "Backend/Raster/ImagePixels.h"
 #include "Backend/Raster/SkiaConversions.h"
 
 #include <limits>
@@ -60,17 +61,27 @@ SkRect ownEdges(CGRect rect, CFArrayRef paths, XGClippingRef outer) {
     return edges;
 }
 
-} // namespace
-
-void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer,
-                   Antialias antialias) {
-    surface.resetClip();
-    if (!clipping)
-        return;
-    if (XGClippingIsEmpty(clipping)) {
+// The mask, which has been baked: gray along the axes. Clips all when it cannot be read.
+void clipToMask(Surface& surface, XGClippingRef clipping) {
+    const auto pixels =
+        ImagePixels::of(XGClippingGetMask(clipping), nullptr, kCGRenderingIntentDefault);
+    if (!pixels || pixels->pixmap().colorType() != kGray_8_SkColorType) {
         surface.clipOut();
         return;
     }
+    const SkPixmap& gray = pixels->pixmap();
+    PlacedImage coverage = {
+        .pixels = SkPixmap(
+            gray.info().makeColorType(kAlpha_8_SkColorType).makeAlphaType(kPremul_SkAlphaType),
+            gray.addr(), gray.rowBytes()),
+        .rect = toSkia(XGClippingGetMaskRect(clipping))};
+    coverage.toDevice = turnedAround(coverage.rect);
+    coverage.sampling = SkSamplingOptions(SkFilterMode::kLinear);
+    surface.clipMask(coverage);
+}
+
+void applyRectAndPaths(Surface& surface, XGClippingRef clipping, XGClippingRef outer,
+                       Antialias antialias) {
     const CFArrayRef paths = XGClippingGetPaths(clipping);
     if (!paths && !outer) {
         surface.clipRect(toSkia(XGClippingGetBoundingBox(clipping)), antialias);
@@ -81,6 +92,24 @@ void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer
     for (CFIndex index = first; index < countOf(paths); ++index)
         surface.clipPath(*static_cast<const SkPath*>(_CGPathGetNativeObject(pathAt(paths, index))),
                          antialias);
+}
+
+} // namespace
+
+void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer,
+                   Antialias antialias) {
+    surface.resetClip();
+    if (!clipping)
+        return;
+    XGClippingBake(clipping);
+    if (XGClippingIsEmpty(clipping)) {
+        surface.clipOut();
+        return;
+    }
+    applyRectAndPaths(surface, clipping, outer, antialias);
+    const CGImageRef mask = XGClippingGetMask(clipping);
+    if (mask && mask != XGClippingGetMask(outer))
+        clipToMask(surface, clipping);
 }
 
 } // namespace cg

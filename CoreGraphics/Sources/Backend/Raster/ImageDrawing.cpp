@@ -11,12 +11,6 @@ namespace cg {
 
 namespace {
 
-// Images count rows from the top, user space counts from the bottom: the first row goes to the
-// rectangle's largest y.
-SkMatrix turnedAround(const SkRect& rect) {
-    return SkMatrix::MakeAll(1, 0, 0, 0, -1, rect.top() + rect.bottom(), 0, 0, 1);
-}
-
 SkMatrix userToDevice(XGGStateRef state, uint32_t flags) {
     const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
     return inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));

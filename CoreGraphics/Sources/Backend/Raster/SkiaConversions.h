@@ -24,6 +24,12 @@ inline SkRect toSkia(CGRect rect) {
                             CGRectGetMaxY(rect));
 }
 
+// Images count rows from the top, user space counts from the bottom: the first row goes to the
+// rectangle's largest y.
+inline SkMatrix turnedAround(const SkRect& rect) {
+    return SkMatrix::MakeAll(1, 0, 0, 0, -1, rect.top() + rect.bottom(), 0, 0, 1);
+}
+
 // Caps and joins have Skia's own values; anything else falls back to the first.
 inline SkPaint::Cap toSkiaCap(CGLineCap cap) {
     static_assert(int(kCGLineCapButt) == SkPaint::kButt_Cap &&

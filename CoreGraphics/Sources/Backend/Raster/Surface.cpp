@@ -50,6 +50,8 @@ Surface::Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin)
 // ---- Clip
 
 void Surface::resetClip() {
+    if (clip_.clipShader())
+        clip_ = SkRasterClip(); // Nothing else lets go of a mask.
     clip_.setRect(bounds());
 }
 void Surface::clipOut() {
@@ -73,6 +75,19 @@ void Surface::clipPath(const SkPath& devicePath, Antialias antialias) {
         clip_.op(devicePath, deviceToPixels_, SkClipOp::kIntersect, clipsSmoothly(antialias));
 }
 
+void Surface::clipMask(const PlacedImage& coverage) {
+    const SkPixmap& pixels = coverage.pixels;
+    SkBitmap copy;
+    if (clip_.isEmpty() || !copy.tryAllocPixels(pixels.info()) || !copy.writePixels(pixels, 0, 0)) {
+        clipOut();
+        return;
+    }
+    copy.setImmutable();
+    const SkMatrix matrix = SkMatrix::Concat(SkMatrix::Concat(deviceToPixels_, coverage.toDevice),
+                                             coverage.pixelsToRect());
+    clip_.op(copy.makeShader(SkTileMode::kClamp, SkTileMode::kClamp, coverage.sampling, &matrix));
+}
+
 // ---- Marks
 
 template <typename Draw>
@@ -87,6 +102,9 @@ void Surface::drawInTiles(const SkMatrix& matrix, Draw&& draw) {
             SkRasterClip clip;
             clip_.translate(-left, -top, &clip);
             clip.op(SkIRect::MakeSize(tile.fDst.dimensions()), SkClipOp::kIntersect);
+            if (const auto mask = clip_.clipShader())
+                clip.op(mask->makeWithLocalMatrix(
+                    SkMatrix::Translate(static_cast<float>(-left), static_cast<float>(-top))));
             SkMatrix moved = matrix;
             moved.postTranslate(static_cast<float>(-left), static_cast<float>(-top));
             tile.fCTM = &moved;
@@ -136,8 +154,8 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
 
 // Whole pixels of one opaque colour under a rectangular clip need no blitter.
 bool Surface::fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint) {
-    if (!clip_.isRect() || pixels_.colorType() != kN32_SkColorType || !isOpaqueFill(paint) ||
-        !isWhole(pixelRect))
+    if (!clip_.isRect() || clip_.clipShader() || pixels_.colorType() != kN32_SkColorType ||
+        !isOpaqueFill(paint) || !isWhole(pixelRect))
         return false;
     SkIRect area = pixelRect.roundOut();
     if (area.intersect(clip_.getBounds()))

@@ -58,6 +58,8 @@ public:
     void resetClip();
     void clipOut();
     void clipRect(const SkRect& deviceRect, Antialias antialias);
+    // Coverage in a layout of 8 bits, which the clip copies.
+    void clipMask(const PlacedImage& coverage);
     void clipPath(const SkPath& devicePath, Antialias antialias);
 
     // `devicePath` under the paint's style; `offset` moves its marks, in pixels.

@@ -1,4 +1,4 @@
-// CGContextClip.cpp: clipping to paths and rectangles.
+// CGContextClip.cpp: clipping to paths, rectangles and masks.
 
 #include <CoreGraphics/CGBitmapContext.h>
 #include <CoreGraphics/CGContext.h>
@@ -65,6 +65,13 @@ void CGContextClipToRects(CGContextRef context, const CGRect* rects, size_t coun
         XGGStateClipToRect(state, CGRectZero);
     else
         CGContextClip(context);
+}
+
+void CGContextClipToMask(CGContextRef context, CGRect rect, CGImageRef mask) {
+    if (!context || !mask)
+        return;
+    cg::dropPath(*context);
+    XGGStateClipToMask(context->state.get(), rect, mask);
 }
 
 CGRect CGContextGetClipBoundingBox(CGContextRef context) {

@@ -2,21 +2,12 @@
 
 #include "XGClipping.h"
 
+#include "XGImage.h"
 #include "XGPath.h"
-#include <CoreFoundation/CFRef.h>
 
 #include "Core/Object/RuntimeObject.h"
 #include "Core/State/StateReuse.h"
-
-struct XGClipping {
-    CFRuntimeBase base;
-    CGRect rect = CGRectNull;
-    // Absent without paths. Copies share it until one of them adds a path.
-    cf::Ref<CFMutableArrayRef> paths;
-
-    void clipAll();
-    bool add(CGPathRef path, bool evenOdd);
-};
+#include "Core/State/XGClippingRecord.h"
 
 namespace {
 
@@ -56,6 +47,7 @@ cf::Ref<CGMutablePathRef> copyWithRule(CGPathRef path, bool evenOdd) {
 
 void XGClipping::clipAll() {
     paths = nullptr;
+    mask = nullptr;
     rect = CGRectZero;
 }
 
@@ -102,11 +94,15 @@ XGClippingRef XGClippingCreateCopy(XGClippingRef clipping) {
 void cg::copyClipping(XGClippingRef target, XGClippingRef source) {
     target->rect = source->rect;
     target->paths = source->paths;
+    target->mask = source->mask;
+    target->maskRect = source->maskRect;
+    target->maskMatrix = source->maskMatrix;
 }
 
 void cg::emptyClipping(XGClippingRef clipping) {
     clipping->rect = CGRectNull;
     clipping->paths = nullptr;
+    clipping->mask = nullptr;
 }
 
 XGClippingRef XGClippingRetain(XGClippingRef clipping) {
@@ -145,7 +141,7 @@ CFArrayRef XGClippingGetPaths(XGClippingRef clipping) {
 }
 
 CGRect XGClippingGetSimpleRect(XGClippingRef clipping) {
-    return clipping && !clipping->paths ? clipping->rect : CGRectNull;
+    return clipping && !clipping->paths && !clipping->mask ? clipping->rect : CGRectNull;
 }
 
 namespace {
@@ -162,11 +158,19 @@ bool equalPaths(CFArrayRef a, CFArrayRef b) {
     return true;
 }
 
+bool equalMasks(const XGClipping& a, const XGClipping& b) {
+    if (a.mask.get() == b.mask.get() && !a.mask)
+        return true;
+    return (a.mask.get() == b.mask.get() || XGImageEqualToImage(a.mask.get(), b.mask.get())) &&
+           CGRectEqualToRect(a.maskRect, b.maskRect) &&
+           CGAffineTransformEqualToTransform(a.maskMatrix, b.maskMatrix);
+}
+
 } // namespace
 
 bool XGClippingEqualToClipping(XGClippingRef a, XGClippingRef b) {
     if (a == b)
         return true;
     return a && b && CGRectEqualToRect(a->rect, b->rect) &&
-           equalPaths(a->paths.get(), b->paths.get());
+           equalPaths(a->paths.get(), b->paths.get()) && equalMasks(*a, *b);
 }

@@ -98,6 +98,17 @@ void XGGStateClipToPath(XGGStateRef state, CGPathRef path, bool evenOdd) {
     state->values.flags |= cg::kClipChanged;
 }
 
+void XGGStateClipToMask(XGGStateRef state, CGRect rect, CGImageRef mask) {
+    if (!state || !mask)
+        return;
+    const CGAffineTransform& ctm = state->values.combinedCTM;
+    if (state->clipping)
+        XGClippingIntersectWithMask(state->clipping.get(), ctm, rect, mask);
+    else
+        state->clipping = cf::adopt(XGClippingCreateWithMask(ctm, rect, mask));
+    state->values.flags |= cg::kClipChanged;
+}
+
 CGRect XGGStateGetClipBoundingBox(XGGStateRef state) {
     if (!state || !state->clipping)
         return CGRectZero;
