@@ -18,8 +18,8 @@ CG_EXPORT XGClippingRef XGClippingCreateWithRect(CGRect rect);
 /** The inside of `path` by the given rule. The bounding box becomes the rectangle; when that is
  *  empty no path is kept. NULL without a path. */
 CG_EXPORT XGClippingRef XGClippingCreateWithPath(CGPathRef path, bool evenOdd);
-/** `mask` in `rect` of a space that `matrix` maps to device space. The rectangle is the bounds there;
- *  when that is empty no mask is kept. NULL without a mask. */
+/** `mask` in `rect` of a space that `matrix` maps to device space. The rectangle is the bounds
+ *  there; when that is empty no mask is kept. NULL without a mask. */
 CG_EXPORT XGClippingRef XGClippingCreateWithMask(CGAffineTransform matrix, CGRect rect,
                                                  CGImageRef mask);
 /** A clipping that can be changed without changing `clipping`; the paths themselves are shared. */
@@ -38,8 +38,8 @@ CG_EXPORT void XGClippingIntersectWithPath(XGClippingRef clipping, CGPathRef pat
  *  box, each pixel the lesser coverage of the two. */
 CG_EXPORT void XGClippingIntersectWithMask(XGClippingRef clipping, CGAffineTransform matrix,
                                            CGRect rect, CGImageRef mask);
-/** Makes the mask, if any, an opaque gray image along the axes of device space, 255 where paint goes
- *  through. A mask that is one already stays. */
+/** Makes the mask, if any, an opaque gray image along the axes of device space, 255 where paint
+ *  goes through. A mask that is one already stays. */
 CG_EXPORT void XGClippingBake(XGClippingRef clipping);
 
 /** Whether nothing is inside. NULL clips nothing and is not empty. */
@@ -57,8 +57,8 @@ CG_EXPORT CGAffineTransform XGClippingGetMaskMatrix(XGClippingRef clipping);
 /** The rectangle when it alone is the clip, else the null rectangle. */
 CG_EXPORT CGRect XGClippingGetSimpleRect(XGClippingRef clipping);
 
-/** Whether both clip by the same rectangle, equal paths and equal masks. A clipping equals itself; only one NULL
- *  is unequal, two are equal. */
+/** Whether both clip by the same rectangle, equal paths and equal masks. A clipping equals itself;
+ *  only one NULL is unequal, two are equal. */
 CG_EXPORT bool XGClippingEqualToClipping(XGClippingRef a, XGClippingRef b);
 
 CG_END_DECLS
