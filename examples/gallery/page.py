@@ -23,6 +23,7 @@ td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; }
 .card figcaption { font-size: 11px; color: #777; text-align: center; }
 .card .name { font-size: 12px; overflow: hidden; text-overflow: ellipsis; white-space: nowrap; }
 .card .numbers { font-size: 12px; color: #555; font-variant-numeric: tabular-nums; }
+img.sheet { max-width: 100%; display: block; }
 details > summary { cursor: pointer; font-weight: 600; margin: 1.2rem 0 .6rem; }
 """
 
@@ -108,7 +109,16 @@ def section(title, pictures, is_open):
         [card(p) for p in pictures] + ["</div></details>"])
 
 
-def write(path, pictures, seconds, most_mean, most_block):
+def contact_sheets(sheets):
+    """Pairs of a title and a file, relative to the page."""
+    lines = ["<h2>Image files</h2>"] if sheets else []
+    for title, file in sheets:
+        lines.append("<p>%s</p><img class=sheet loading=lazy src='%s' alt='%s'>" % (
+            escape(title), escape(file), escape(title)))
+    return lines
+
+
+def write(path, pictures, sheets, seconds, most_mean, most_block):
     files = len({p.source for p in pictures})
     passed = sum(p.passes() for p in pictures)
     lines = [
@@ -127,5 +137,6 @@ def write(path, pictures, seconds, most_mean, most_block):
     for (theme, kind, size), group in groups_of(pictures):
         is_open = size >= 64 and size < 256
         lines += section("%s, %s, %d pixels" % (theme, kind, size), group, is_open)
+    lines += contact_sheets(sheets)
     with open(path, "w", encoding="utf-8") as file:
         file.write("\n".join(lines) + "\n</html>\n")

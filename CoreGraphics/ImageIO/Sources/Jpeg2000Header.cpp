@@ -77,7 +77,7 @@ bool readCodestream(Bytes codestream, std::size_t fileSize, Jpeg2000Header& head
     constexpr std::uint32_t kStartAndSizes = 0xFF4FFF51;
     if (u32(codestream, 0) != kStartAndSizes)
         return false;
-    const Bytes siz = codestream.subspan(4); // From the length of the marker on.
+    const Bytes siz = codestream.subspan(2); // From the marker itself on.
     const std::uint32_t right = u32(siz, 6), bottom = u32(siz, 10);
     header.left = u32(siz, 14);
     header.top = u32(siz, 18);
