@@ -42,12 +42,6 @@ CGColorSpaceRef colorsFor(CGColorSpaceRef destination) {
     }
 }
 
-// Whether a gray of the image is three times that value in the destination.
-bool isReplicated(CGColorSpaceRef gray, CGColorSpaceRef destination) {
-    return gray == XGColorSpaceGetDeviceGray() &&
-           (destination == XGColorSpaceGetDeviceRGB() || XGColorSpaceIsSRGB(destination));
-}
-
 // ---- Pixels that can be drawn where they lie
 
 struct InPlaceRow {

@@ -11,6 +11,7 @@
 #include "PixelRows.h"
 #include "PixelSamples.h"
 #include "PixelStages.h"
+#include "PixelSwizzle.h"
 
 #include <algorithm>
 #include <new>
@@ -65,6 +66,7 @@ public:
 private:
     bool prepareMask();
     void preparePalette(CGColorSpaceRef from);
+    void findShortcut();
     bool readSpan(std::size_t row, std::size_t first, std::size_t count);
     void load(const std::byte* bytes, std::size_t count);
     void decode(std::size_t count);
@@ -72,6 +74,8 @@ private:
     void hideMaskedColors(std::size_t count);
     bool applyMask(Component* pixels, std::size_t row, std::size_t first, std::size_t count,
                    bool isPremultiplied);
+    bool swizzleRows(std::size_t firstRow, std::size_t rowCount, std::byte* out,
+                     std::size_t outBytesPerRow);
     bool convertSpan(std::size_t row, std::size_t first, std::size_t count, std::byte* out);
     void store(const Component* pixels, std::size_t count, std::byte* out) const;
 
@@ -80,6 +84,7 @@ private:
     PixelRows rows_;
     SampleDecoder decoder_;
     RowTransformRef transform_;
+    std::optional<PixelSwizzle> swizzle_; // In place of all stages.
     std::unique_ptr<TypedPixelReader> mask_;
     bool maskIsInverted_ = false;
     bool isIndexed_ = false;
@@ -101,7 +106,10 @@ private:
 template <typename Component>
 bool TypedPixelReader<Component>::prepare() {
     const CGColorSpaceRef from = pixelSpace(image_);
-    const CGColorSpaceRef to = target_.space ? target_.space : from;
+    CGColorSpaceRef to = target_.space ? target_.space : from;
+    // Storing in this order spreads grays by itself.
+    if (target_.order == ComponentOrder::BGRX && isReplicated(from, to))
+        to = from;
     loadedColors_ = CGColorSpaceGetNumberOfComponents(from);
     wantedColors_ = CGColorSpaceGetNumberOfComponents(to);
     const bool wantsAlpha = target_.alpha != AlphaUse::None;
@@ -127,7 +135,18 @@ bool TypedPixelReader<Component>::prepare() {
     }
     if (isIndexed_)
         preparePalette(from);
+    findShortcut();
     return !(wantsAlpha && image_->mask) || prepareMask();
+}
+
+// Straight opacity that is wanted straight is the one thing that no shortcut gives.
+template <typename Component>
+void TypedPixelReader<Component>::findShortcut() {
+    const bool isPlain = std::is_same_v<Component, std::uint8_t> && decoder_.isPlain() &&
+                         !isIndexed_ && !isMasked(image_) && !transform_;
+    if (isPlain && target_.order == ComponentOrder::BGRX &&
+        target_.type == ComponentType::Unsigned8 && target_.alpha != AlphaUse::Straight)
+        swizzle_ = PixelSwizzle::of(layout_, target_.alpha == AlphaUse::Premultiplied);
 }
 
 // Colours of a table are converted once, not for each pixel.
@@ -306,8 +325,23 @@ void TypedPixelReader<Component>::store(const Component* pixels, std::size_t cou
 }
 
 template <typename Component>
+bool TypedPixelReader<Component>::swizzleRows(std::size_t firstRow, std::size_t rowCount,
+                                              std::byte* out, std::size_t outBytesPerRow) {
+    const std::size_t rowBytes = image_->width * (layout_.bitsPerPixel() / 8);
+    for (std::size_t row = firstRow; row < firstRow + rowCount; ++row, out += outBytesPerRow) {
+        const std::byte* const pixels = rows_.bytes(row, 0, rowBytes);
+        if (!pixels)
+            return false;
+        swizzle_->apply(pixels, image_->width, out);
+    }
+    return true;
+}
+
+template <typename Component>
 bool TypedPixelReader<Component>::readRows(std::size_t firstRow, std::size_t rowCount,
                                            std::byte* out, std::size_t outBytesPerRow) {
+    if (swizzle_)
+        return swizzleRows(firstRow, rowCount, out, outBytesPerRow);
     for (std::size_t row = firstRow; row < firstRow + rowCount; ++row, out += outBytesPerRow)
         for (std::size_t x = 0; x < image_->width; x += kSpan)
             if (!convertSpan(row, x, std::min(kSpan, image_->width - x), out + x * bytesPerPixel()))
@@ -357,6 +391,11 @@ CGColorSpaceRef pixelSpace(CGImageRef image) {
 
 bool isMasked(CGImageRef image) {
     return image->mask || (image->flags & kImageHasMaskingColors);
+}
+
+bool isReplicated(CGColorSpaceRef gray, CGColorSpaceRef destination) {
+    return gray == XGColorSpaceGetDeviceGray() &&
+           (destination == XGColorSpaceGetDeviceRGB() || XGColorSpaceIsSRGB(destination));
 }
 
 bool canBeTransparent(CGImageRef image) {

@@ -61,6 +61,8 @@ CGColorSpaceRef pixelSpace(CGImageRef image);
 
 // Whether a mask, or colours that are masked out, decide on where the image shows.
 bool isMasked(CGImageRef image);
+// Whether a gray of the space `gray` is three times that value in `destination`.
+bool isReplicated(CGColorSpaceRef gray, CGColorSpaceRef destination);
 // Whether some pixel may be less than opaque, by its own opacity or a mask.
 bool canBeTransparent(CGImageRef image);
 

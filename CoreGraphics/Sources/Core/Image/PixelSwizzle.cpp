@@ -1,0 +1,150 @@
+// PixelSwizzle.cpp: whole pixels at a time, as words that compilers make vectors of.
+
+#include "PixelSwizzle.h"
+
+#include <bit>
+#include <cstring>
+
+// The same code twice: for the instructions that every processor has, and for wider ones that are
+// looked for when a row comes.
+#if defined(__x86_64__) && defined(__GNUC__)
+#define CG_HAS_AVX2_CLONES 1
+#endif
+
+namespace cg {
+
+namespace {
+
+using Opacity = PixelSwizzle::Opacity;
+using Places = PixelSwizzle::Places;
+
+constexpr std::uint32_t kEvenBytes = 0x00FF00FF;
+
+// Both bytes of a word's halves times `alpha` over 255, rounded to the nearest: as multiplied(),
+// two at once.
+constexpr std::uint32_t multipliedPair(std::uint32_t pair, std::uint32_t alpha) {
+    const std::uint32_t product = pair * alpha + 0x00800080;
+    return (product + (product >> 8 & kEvenBytes)) >> 8 & kEvenBytes;
+}
+
+template <Opacity opacity>
+constexpr std::uint32_t composed(std::uint32_t red, std::uint32_t green, std::uint32_t blue,
+                                 std::uint32_t alpha) {
+    if constexpr (opacity == Opacity::Full)
+        return 0xFF000000 | red << 16 | green << 8 | blue;
+    else if constexpr (opacity == Opacity::Kept)
+        return alpha << 24 | red << 16 | green << 8 | blue;
+    else
+        return multipliedPair(0x00FF0000 | green, alpha) << 8 |
+               multipliedPair(red << 16 | blue, alpha);
+}
+
+std::uint32_t loaded(const std::byte* from) {
+    std::uint32_t word;
+    std::memcpy(&word, from, sizeof word);
+    return word;
+}
+
+void stored(std::uint32_t bgra, std::byte* to) {
+    std::memcpy(to, &bgra, sizeof bgra);
+}
+
+// A pixel is a little-endian word; `word >> shift` brings a component down.
+template <Opacity opacity>
+[[gnu::always_inline]] inline void swizzleWords(const Places& places, const std::byte* pixels,
+                                                std::size_t count, std::byte* out) {
+    const unsigned red = places.red * 8, green = places.green * 8;
+    const unsigned blue = places.blue * 8, alpha = places.alpha * 8;
+    for (std::size_t x = 0; x < count; ++x) {
+        const auto word = loaded(pixels + 4 * x);
+        const auto byteAt = [word](unsigned shift) { return word >> shift & 0xFF; };
+        stored(composed<opacity>(byteAt(red), byteAt(green), byteAt(blue), byteAt(alpha)),
+               out + 4 * x);
+    }
+}
+
+[[gnu::always_inline]] inline void spreadGray(const std::byte* pixels, std::size_t count,
+                                              std::byte* out) {
+    for (std::size_t x = 0; x < count; ++x)
+        stored(0xFF000000 | std::to_integer<std::uint32_t>(pixels[x]) * 0x010101, out + 4 * x);
+}
+
+[[gnu::always_inline]] inline void swizzlePacked(const Places& places, const std::byte* pixels,
+                                                 std::size_t count, std::byte* out) {
+    for (std::size_t x = 0; x < count; ++x, pixels += 3)
+        stored(0xFF000000 | std::to_integer<std::uint32_t>(pixels[places.red]) << 16 |
+                   std::to_integer<std::uint32_t>(pixels[places.green]) << 8 |
+                   std::to_integer<std::uint32_t>(pixels[places.blue]),
+               out + 4 * x);
+}
+
+#if CG_HAS_AVX2_CLONES
+#define CG_WIDE __attribute__((target("avx2")))
+bool hasWide() {
+    return __builtin_cpu_supports("avx2") != 0;
+}
+#else
+#define CG_WIDE
+bool hasWide() {
+    return false;
+}
+#endif
+
+template <Opacity opacity>
+CG_WIDE void wideWords(const Places& places, const std::byte* pixels, std::size_t count,
+                       std::byte* out) {
+    swizzleWords<opacity>(places, pixels, count, out);
+}
+template <Opacity opacity>
+void plainWords(const Places& places, const std::byte* pixels, std::size_t count, std::byte* out) {
+    swizzleWords<opacity>(places, pixels, count, out);
+}
+CG_WIDE void wideGray(const std::byte* pixels, std::size_t count, std::byte* out) {
+    spreadGray(pixels, count, out);
+}
+
+template <Opacity opacity>
+void fourBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_t count,
+               std::byte* out) {
+    (hasWide() ? wideWords<opacity> : plainWords<opacity>)(swizzle.places(), pixels, count, out);
+}
+
+void threeBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_t count,
+                std::byte* out) {
+    swizzlePacked(swizzle.places(), pixels, count, out);
+}
+
+void oneByte(const PixelSwizzle&, const std::byte* pixels, std::size_t count, std::byte* out) {
+    if (hasWide())
+        wideGray(pixels, count, out);
+    else
+        spreadGray(pixels, count, out);
+}
+
+} // namespace
+
+std::optional<PixelSwizzle> PixelSwizzle::of(const PixelLayout& layout, bool wantsPremultiplied) {
+    if (std::endian::native != std::endian::little || !layout.isMadeOfWhole(8))
+        return std::nullopt;
+    const auto place = [&](std::size_t field) {
+        return static_cast<unsigned>(layout.bytePlace(layout.field(field).offset / 8));
+    };
+    if (layout.bitsPerPixel() == 8 && layout.colorCount() == 1)
+        return PixelSwizzle({}, oneByte);
+    if (layout.colorCount() != 3)
+        return std::nullopt;
+    Places places = {place(0), place(1), place(2), 0};
+    if (layout.bitsPerPixel() == 24)
+        return PixelSwizzle(places, threeBytes);
+    if (layout.bitsPerPixel() != 32)
+        return std::nullopt;
+    if (!layout.hasAlpha() || !wantsPremultiplied)
+        return layout.hasAlpha() && layout.isPremultiplied()
+                   ? std::nullopt // Colours are to be divided.
+                   : std::optional(PixelSwizzle(places, fourBytes<Opacity::Full>));
+    places.alpha = place(3);
+    return PixelSwizzle(places, layout.isPremultiplied() ? fourBytes<Opacity::Kept>
+                                                         : fourBytes<Opacity::Multiplied>);
+}
+
+} // namespace cg
