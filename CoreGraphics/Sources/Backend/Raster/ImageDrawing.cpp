@@ -16,12 +16,21 @@ SkMatrix userToDevice(XGGStateRef state, uint32_t flags) {
     return inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
 }
 
-PlacedImage place(const SkPixmap& pixels, CGRect rect, const SkMatrix& userToDevice,
+PlacedImage place(const ImagePixels& pixels, CGRect rect, const SkMatrix& userToDevice,
                   CGInterpolationQuality quality, uint32_t flags) {
-    PlacedImage image = {.pixels = pixels, .rect = toSkia(rect)};
+    PlacedImage image = {.pixels = pixels.pixmap(), .rect = toSkia(rect)};
     image.toDevice = SkMatrix::Concat(userToDevice, turnedAround(image.rect));
-    image.sampling = samplingFor(quality, SkMatrix::Concat(image.toDevice, image.pixelsToRect()));
+    const SkMatrix matrix = SkMatrix::Concat(image.toDevice, image.pixelsToRect());
+    image.sampling = samplingFor(quality, matrix);
     image.repeat = flags & kXGContextTiledImage ? Repeat::Tiled : Repeat::Once;
+    SkSize scale;
+    if (image.sampling.mipmap == SkMipmapMode::kNearest && matrix.decomposeScale(&scale)) {
+        // As Skia would do it, but that it forgets the halved images after the call.
+        if (const auto halved = pixels.halved(scale)) {
+            image.pixels = *halved;
+            image.sampling = SkSamplingOptions(SkFilterMode::kLinear);
+        }
+    }
     return image;
 }
 
@@ -70,10 +79,9 @@ void RasterBackend::drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CG
     }
     const SkPaint& paint =
         pixels->isCoverage() ? paints_.fill(state, flags) : paints_.image(state, flags);
-    drawPlaced(
-        state, flags,
-        place(pixels->pixmap(), rect, userToDevice(state, flags), qualityFor(state, image), flags),
-        paint);
+    drawPlaced(state, flags,
+               place(*pixels, rect, userToDevice(state, flags), qualityFor(state, image), flags),
+               paint);
 }
 
 } // namespace cg

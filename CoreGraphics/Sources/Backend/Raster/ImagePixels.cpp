@@ -2,10 +2,14 @@
 
 #include "Backend/Raster/ImagePixels.h"
 
+#include "Core/Image/CGImageRecord.h"
 #include "Core/Object/Diagnostics.h"
+#include "src/core/SkMipmap.h"
 
 #include <array>
 #include <limits>
+#include <mutex>
+#include <new>
 #include <span>
 #include <utility>
 
@@ -56,6 +60,58 @@ bool fitsSkia(const DrawablePixels& drawable) {
 
 } // namespace
 
+// About the pixels that an image is drawn from in the first destination that it meets.
+class ImageCache : public DrawingCache {
+public:
+    // The image's, made from `pixels` if it has none; NULL when it is about other colours, or when
+    // memory runs out.
+    static ImageCache* of(CGImageRef image, CGColorSpaceRef space, CGColorRenderingIntent intent,
+                          const SkPixmap& pixels) {
+        auto* cache = static_cast<ImageCache*>(image->drawingCache.load());
+        if (!cache)
+            cache = keep(image, new (std::nothrow) ImageCache(space, intent, pixels));
+        return cache && cache->space_.get() == space && cache->intent_ == intent ? cache : nullptr;
+    }
+
+    bool isOpaque() const { return isOpaque_; }
+
+    const SkMipmap* mipmap(const SkPixmap& pixels) {
+        std::call_once(once_, [&] { mipmap_.reset(SkMipmap::Build(pixels, nullptr)); });
+        return mipmap_.get();
+    }
+
+private:
+    ImageCache(CGColorSpaceRef space, CGColorRenderingIntent intent, const SkPixmap& pixels)
+        : space_(cf::retain(space)), intent_(intent),
+          isOpaque_(pixels.isOpaque() && pixels.info().bytesPerPixel() == 4 &&
+                    cg::isOpaque(pixels)) {}
+
+    static ImageCache* keep(CGImageRef image, ImageCache* made) {
+        DrawingCache* first = nullptr;
+        if (image->drawingCache.compare_exchange_strong(first, made))
+            return made;
+        delete made;
+        return static_cast<ImageCache*>(first);
+    }
+
+    const cf::Ref<CGColorSpaceRef> space_; // Held: its address is compared.
+    const CGColorRenderingIntent intent_;
+    const bool isOpaque_; // No byte that Skia takes for opacity says anything else.
+    std::once_flag once_;
+    sk_sp<SkMipmap> mipmap_;
+};
+
+std::optional<SkPixmap> ImagePixels::halved(SkSize scale) const {
+    const int times = sk_float_round2int(SkMipmap::ComputeLevel(scale));
+    if (times <= 0)
+        return pixmap_;
+    const SkMipmap* const mipmap = cache_ ? cache_->mipmap(pixmap_) : nullptr;
+    SkMipmap::Level level;
+    if (!mipmap || !mipmap->getLevel(times - 1, &level))
+        return std::nullopt;
+    return level.fPixmap;
+}
+
 ImagePixels::ImagePixels(DrawablePixels drawable) : drawable_(std::move(drawable)) {
     const Layout& layout = kLayouts[static_cast<std::size_t>(drawable_.format())];
     const SkImageInfo info =
@@ -67,7 +123,8 @@ ImagePixels::ImagePixels(DrawablePixels drawable) : drawable_(std::move(drawable
 // Skia has no layout whose first three bytes are blue, green and red and whose fourth is nothing.
 // It trusts the fourth to be full; what programs leave there may be anything.
 bool ImagePixels::makeOpaque() {
-    if (drawable_.format() != DrawableFormat::BGRX8 || isOpaque(pixmap_))
+    if (drawable_.format() != DrawableFormat::BGRX8 ||
+        (cache_ ? cache_->isOpaque() : isOpaque(pixmap_)))
         return true;
     if (!opaque_.tryAllocPixels(pixmap_.info())) {
         CG_LOG_ERROR("Allocation of bitmap failed.");
@@ -88,6 +145,8 @@ std::optional<ImagePixels> ImagePixels::of(CGImageRef image, CGColorSpaceRef des
     if (!drawable || !drawable->pixels() || !fitsSkia(*drawable))
         return std::nullopt;
     ImagePixels pixels(std::move(*drawable));
+    if (!XGImageIsUncacheable(image))
+        pixels.cache_ = ImageCache::of(image, destination, intent, pixels.pixmap_);
     if (!pixels.makeOpaque())
         return std::nullopt;
     return pixels;

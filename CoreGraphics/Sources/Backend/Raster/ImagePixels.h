@@ -6,12 +6,15 @@
 #include "Core/Image/DrawablePixels.h"
 #include "include/core/SkBitmap.h"
 #include "include/core/SkPixmap.h"
+#include "include/core/SkSize.h"
 
 #include <optional>
 
 namespace cg {
 
-// Keeps the image's bytes reachable while it lives.
+class ImageCache;
+
+// Keeps the image's bytes reachable while it lives, which is not longer than the image.
 class ImagePixels {
 public:
     // The pixels in the destination's colours. Nothing when they cannot be read.
@@ -21,6 +24,9 @@ public:
     const SkPixmap& pixmap() const { return pixmap_; }
     // Whether the pixels say only how much of a colour is let through.
     bool isCoverage() const { return pixmap_.colorType() == kAlpha_8_SkColorType; }
+    // The picture halved as often as brings it nearest to `scale` times its size. The halves are
+    // kept with the image; nothing where there is nowhere to keep them.
+    std::optional<SkPixmap> halved(SkSize scale) const;
 
 private:
     explicit ImagePixels(DrawablePixels drawable);
@@ -28,6 +34,7 @@ private:
 
     DrawablePixels drawable_;
     SkPixmap pixmap_;
+    ImageCache* cache_ = nullptr; // The image's; NULL for pixels that it is not about.
     SkBitmap opaque_; // A copy, where the unused bytes of pixels would be taken for opacity.
 };
 

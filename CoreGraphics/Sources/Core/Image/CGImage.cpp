@@ -35,6 +35,7 @@ CGImage::~CGImage() {
     cg::release(maskedImage.load(std::memory_order_acquire));
     if (const auto cache = pixelCache.load(std::memory_order_acquire))
         cg::destroyPixelCache(cache);
+    delete drawingCache.load();
 }
 
 CFTypeID CGImageGetTypeID(void) {

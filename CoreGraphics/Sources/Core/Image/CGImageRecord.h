@@ -21,6 +21,11 @@ namespace cg {
 class PixelCache;
 void destroyPixelCache(PixelCache* cache);
 
+// What a destination keeps with an image to draw it sooner the next time.
+struct DrawingCache {
+    virtual ~DrawingCache() = default;
+};
+
 // Bits of CGImage::flags.
 constexpr std::uint32_t kImageInterpolates = 0x1;
 constexpr std::uint32_t kImageHasMaskingColors = 0x4;
@@ -59,6 +64,7 @@ struct CGImage {
     // pointer set by its compare-and-swap, and frees its own.
     std::atomic<CGImageRef> maskedImage = nullptr;
     std::atomic<cg::PixelCache*> pixelCache = nullptr;
+    std::atomic<cg::DrawingCache*> drawingCache = nullptr; // Made once, as those above.
     cf::Ref<CFStringRef> debugSource;
     std::atomic<std::int32_t> traceID = -1;
     CGSize sizeInPoints = {0, 0};
