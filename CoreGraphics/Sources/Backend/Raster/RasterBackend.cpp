@@ -5,6 +5,7 @@
 #include "XGPath.h"
 
 #include "Backend/Raster/DeviceClip.h"
+#include "Backend/Raster/ImageShadow.h"
 #include "Backend/Raster/PixelFormat.h"
 #include "Backend/Raster/Shading.h"
 #include "Backend/Raster/SkiaConversions.h"
@@ -142,7 +143,14 @@ void RasterBackend::endTransparencyLayer(XGGStateRef state, uint32_t flags) {
     const std::unique_ptr<TransparencyLayer> ended = std::move(layer_);
     layer_ = std::move(ended->below);
     clipIsStale_ = true;
-    ended->drawOnto(surfaceUnderClip(state, flags));
+    Surface& target = surfaceUnderClip(state, flags);
+    if (XGGStateHasShadow(state)) {
+        const CGSize offset = XGGStateGetShadowOffset(state);
+        drawImageShadow(target, deviceHeight(), ended->placed(), {offset.width, offset.height},
+                        XGGStateGetShadowBlur(state) / 2,
+                        paints_.shadowOf(PaintSetup::group(state), state));
+    }
+    ended->drawOnto(target);
 }
 
 // ---- The seam

@@ -26,6 +26,14 @@ std::unique_ptr<TransparencyLayer> TransparencyLayer::create(const Surface& pare
     return layer;
 }
 
+PlacedImage TransparencyLayer::placed() const {
+    PlacedImage image = {.pixels = surface_->pixels(),
+                         .rect = SkRect::Make(surface_->pixels().dimensions())};
+    if (!surface_->deviceToPixels().invert(&image.toDevice))
+        image.rect = SkRect::MakeEmpty();
+    return image;
+}
+
 void TransparencyLayer::drawOnto(Surface& parent) const {
     parent.drawPixels(surface_->pixels(), surface_->origin() - parent.origin(), paint_);
 }

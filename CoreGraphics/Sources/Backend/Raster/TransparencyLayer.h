@@ -21,6 +21,8 @@ public:
 
     Surface& surface() { return *surface_; }
     XGClippingRef outerClipping() const { return outer_.get(); }
+    // The group as an image over the device pixels that it covers.
+    PlacedImage placed() const;
     // Puts the group onto its parent with the paint given at creation.
     void drawOnto(Surface& parent) const;
 
