@@ -32,6 +32,18 @@ TEST(ContextIdioms, ShowWhatTheySay) {
              CGContextFillRect(c, CGRectMake(0, 0, 1, 1));
          },
          {"........", "........", ".######.", ".######.", "........", "#......."}},
+        {"a clip that ends with two states at once",
+         [](CGContextRef c) {
+             CGContextFillRect(c, CGRectMake(0, 0, 1, 1));
+             CGContextSaveGState(c);
+             CGContextSaveGState(c);
+             CGContextClipToRect(c, CGRectMake(2, 2, 2, 2));
+             CGContextFillRect(c, kEverything);
+             CGContextRestoreGState(c);
+             CGContextRestoreGState(c);
+             CGContextFillRect(c, CGRectMake(7, 5, 1, 1));
+         },
+         {".......#", "........", "..##....", "..##....", "........", "#......."}},
         {"a stretched pen with stretched dashes",
          [](CGContextRef c) {
              const CGFloat lengths[] = {2, 1};

@@ -55,8 +55,10 @@ void CGContextRestoreGState(CGContextRef context) {
     const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
     if (count == 0)
         return;
-    // A destination that keeps the clip rasterised has the one of the state that goes.
-    const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get());
+    // A destination that keeps the clip rasterised has the one of the state that goes, or of a state
+    // that went before without a mark having been made since.
+    const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get()) ||
+                             XGGStateShouldRasterizeClipRegion(context->state.get());
     auto dropped = std::move(context->state);
     context->state = cf::retain(
         static_cast<XGGStateRef>(const_cast<void*>(CFArrayGetValueAtIndex(saved, count - 1))));
