@@ -30,18 +30,11 @@ details > summary { cursor: pointer; font-weight: 600; margin: 1.2rem 0 .6rem; }
 CAPTIONS = (("ours", "ours"), ("reference", "rsvg"), ("difference", "difference"))
 
 
-KINDS = {
-    "symbolic": "symbolic",
-    "full-colour": "full-colour",
-    "flattened": "full-colour, gradients flattened in both",
-}
-
-
 def groups_of(pictures):
     """The pictures by theme, kind and size, in the order in which these first come."""
     groups = {}
     for picture in pictures:
-        key = (picture.key.split("/")[0], KINDS[picture.kind], picture.size)
+        key = (picture.key.split("/")[0], picture.kind, picture.size)
         groups.setdefault(key, []).append(picture)
     return list(groups.items())
 

@@ -21,6 +21,11 @@ using Path = std::unique_ptr<std::remove_pointer_t<CGMutablePathRef>, Releaser<C
 using Context = std::unique_ptr<std::remove_pointer_t<CGContextRef>, Releaser<CGContextRelease>>;
 using ColorSpace =
     std::unique_ptr<std::remove_pointer_t<CGColorSpaceRef>, Releaser<CGColorSpaceRelease>>;
+using GradientRef =
+    std::unique_ptr<std::remove_pointer_t<CGGradientRef>, Releaser<CGGradientRelease>>;
+using FunctionRef =
+    std::unique_ptr<std::remove_pointer_t<CGFunctionRef>, Releaser<CGFunctionRelease>>;
+using ShadingRef = std::unique_ptr<std::remove_pointer_t<CGShadingRef>, Releaser<CGShadingRelease>>;
 
 // Puts the graphics state back when the scope ends.
 class SavedState {

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <variant>
 
 namespace svg {
 
@@ -16,31 +18,46 @@ constexpr CGLineCap kLineCaps[] = {kCGLineCapButt, kCGLineCapRound, kCGLineCapSq
 constexpr CGLineJoin kLineJoins[] = {kCGLineJoinMiter, kCGLineJoinRound, kCGLineJoinBevel};
 
 // The colour to paint with, or nothing.
-std::optional<Color> colorOf(Scene& scene, const Style& style, const Paint& paint, double opacity) {
-    std::optional<Color> color;
-    if (paint.kind == Paint::Kind::Color)
-        color = style.resolve(paint.color);
-    else if (paint.kind == Paint::Kind::Server)
-        color = colorOfServer(scene, style, paint);
-    if (color)
-        color->alpha *= opacity;
-    return color && color->alpha > 0 ? color : std::nullopt;
+std::optional<Color> visibleColor(const PaintSource& source, double opacity) {
+    const Color* const color = std::get_if<Color>(&source);
+    if (!color || !(color->alpha * opacity > 0))
+        return std::nullopt;
+    Color thinned = *color;
+    thinned.alpha *= opacity;
+    return thinned;
+}
+
+// Paints inside the current path.
+void drawInsidePath(CGContextRef context, const Gradient& gradient, FillRule rule, double opacity) {
+    if (CGContextIsPathEmpty(context))
+        return; // Would not clip at all.
+    if (rule == FillRule::EvenOdd)
+        CGContextEOClip(context);
+    else
+        CGContextClip(context);
+    CGContextSetAlpha(context, CGFloat(opacity));
+    drawGradient(context, gradient);
 }
 
 // Adding the path consumes nothing: painting does, and the next one adds it again.
 void fill(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
           double opacity) {
     const Style& style = shape.style;
-    const auto color = colorOf(scene, style, style.fill, style.fillOpacity * opacity);
-    if (!color)
-        return;
-    CGContextSetRGBFillColor(context, CGFloat(color->red), CGFloat(color->green),
-                             CGFloat(color->blue), CGFloat(color->alpha));
-    CGContextAddPath(context, path);
-    if (style.fillRule == FillRule::EvenOdd)
-        CGContextEOFillPath(context);
-    else
-        CGContextFillPath(context);
+    const double fillOpacity = style.fillOpacity * opacity;
+    const PaintSource source = paintSourceOf(scene, shape, style.fill, path);
+    if (const auto* const gradient = std::get_if<Gradient>(&source)) {
+        const SavedState saved(context);
+        CGContextAddPath(context, path);
+        drawInsidePath(context, *gradient, style.fillRule, fillOpacity);
+    } else if (const auto color = visibleColor(source, fillOpacity)) {
+        CGContextSetRGBFillColor(context, CGFloat(color->red), CGFloat(color->green),
+                                 CGFloat(color->blue), CGFloat(color->alpha));
+        CGContextAddPath(context, path);
+        if (style.fillRule == FillRule::EvenOdd)
+            CGContextEOFillPath(context);
+        else
+            CGContextFillPath(context);
+    }
 }
 
 // Lengths in user units; an odd number of them is repeated once. None for a solid line.
@@ -76,20 +93,32 @@ void setLine(CGContextRef context, const Occurrence& shape, double width) {
 void stroke(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
             double opacity) {
     const Style& style = shape.style;
-    const auto color = colorOf(scene, style, style.stroke, style.strokeOpacity * opacity);
+    const double strokeOpacity = style.strokeOpacity * opacity;
     const double width = style.strokeWidth.resolve(Axis::Diagonal, shape.viewport, style.emSize());
-    if (!color || !(width > 0))
+    const PaintSource source =
+        width > 0 ? paintSourceOf(scene, shape, style.stroke, path) : PaintSource();
+    const auto* const gradient = std::get_if<Gradient>(&source);
+    const auto color = visibleColor(source, strokeOpacity);
+    if (!gradient && !color)
         return;
-    CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
-                               CGFloat(color->blue), CGFloat(color->alpha));
     setLine(context, shape, width);
     CGContextAddPath(context, path);
     // A path is mapped when it is added, the pen when the stroke is drawn: with the identity in
     // between the pen keeps its width in pixels.
     const SavedState saved(context);
+    const CGAffineTransform userSpace = CGContextGetCTM(context);
     if (style.hasFixedStrokeWidth)
-        CGContextConcatCTM(context, CGAffineTransformInvert(CGContextGetCTM(context)));
-    CGContextStrokePath(context);
+        CGContextConcatCTM(context, CGAffineTransformInvert(userSpace));
+    if (color) {
+        CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
+                                   CGFloat(color->blue), CGFloat(color->alpha));
+        CGContextStrokePath(context);
+        return;
+    }
+    CGContextReplacePathWithStrokedPath(context);
+    if (style.hasFixedStrokeWidth)
+        CGContextConcatCTM(context, userSpace);
+    drawInsidePath(context, *gradient, FillRule::NonZero, strokeOpacity);
 }
 
 } // namespace

@@ -1,19 +1,16 @@
-// PaintServer.cpp: what gradients and patterns come to as long as they are not drawn as such.
+// PaintServer.cpp: what the fills and strokes of a document paint with.
 
 #include "PaintServer.h"
 
 #include <algorithm>
+#include <cmath>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace svg {
 
 namespace {
-
-// A place along a gradient, from 0 to 1, and the colour there.
-struct Stop {
-    double offset = 0;
-    Color color;
-};
 
 bool isGradient(Element element) {
     return element.is("linearGradient") || element.is("radialGradient");
@@ -26,25 +23,24 @@ bool hasStops(Element gradient) {
     return false;
 }
 
-// The gradient that the stops are taken from: this one, or the first that has any on the way along
-// its links.
-Element findStops(const Document& document, Element gradient) {
-    constexpr int longestChain = 32; // Ends a ring of links.
-    for (int i = 0; i < longestChain && isGradient(gradient); ++i) {
-        if (hasStops(gradient))
-            return gradient;
+// A gradient and those that it is linked to, whose stops and attributes stand in for what it lacks.
+std::vector<Element> chainOf(const Document& document, Element gradient) {
+    constexpr std::size_t longestChain = 32; // Ends a ring of links.
+    std::vector<Element> chain;
+    while (isGradient(gradient) && chain.size() < longestChain) {
+        chain.push_back(gradient);
         const auto id = gradient.linkedId();
         gradient = id ? document.find(*id) : Element();
     }
-    return Element();
+    return chain;
 }
 
 // Stops have styles of their own: class, style attribute and currentColor count.
-Stop readStop(const Scene& scene, const Occurrence& gradient, Element element) {
+GradientStop readStop(const Scene& scene, const Occurrence& gradient, Element element) {
     const Occurrence occurrence = occurIn(scene, gradient, element, {});
     const auto offset = parseLength(element.attribute("offset").value_or(std::string()));
     const double value = offset ? offset->value : 0;
-    Stop stop;
+    GradientStop stop;
     stop.offset = std::clamp(offset && offset->unit == Unit::Percent ? value / 100 : value, 0., 1.);
     stop.color = occurrence.style.resolve(occurrence.style.stopColor);
     stop.color.alpha *= occurrence.style.stopOpacity;
@@ -52,13 +48,13 @@ Stop readStop(const Scene& scene, const Occurrence& gradient, Element element) {
 }
 
 // Offsets never go back: one that would is moved up to the one before it.
-std::vector<Stop> readStops(const Scene& scene, Element element) {
+std::vector<GradientStop> readStops(const Scene& scene, Element element) {
     const Occurrence gradient = occurInPlace(scene, element);
-    std::vector<Stop> stops;
+    std::vector<GradientStop> stops;
     for (Element child = element.firstChild(); child; child = child.nextSibling()) {
         if (!child.is("stop"))
             continue;
-        Stop stop = readStop(scene, gradient, child);
+        GradientStop stop = readStop(scene, gradient, child);
         if (!stops.empty())
             stop.offset = std::max(stop.offset, stops.back().offset);
         stops.push_back(stop);
@@ -66,58 +62,123 @@ std::vector<Stop> readStops(const Scene& scene, Element element) {
     return stops;
 }
 
-// Adds a colour to a sum of premultiplied ones.
-void accumulate(Color& sum, const Color& color, double weight) {
-    sum.red += color.red * color.alpha * weight;
-    sum.green += color.green * color.alpha * weight;
-    sum.blue += color.blue * color.alpha * weight;
-    sum.alpha += color.alpha * weight;
+// The stops of the first in the chain that has any.
+std::vector<GradientStop> findStops(const Scene& scene, const std::vector<Element>& chain) {
+    const auto source = std::find_if(chain.begin(), chain.end(), hasStops);
+    return source == chain.end() ? std::vector<GradientStop>() : readStops(scene, *source);
 }
 
-// How much of a gradient lies between two offsets: for a linear one that is a share of its length,
-// for a radial one of its disc's area.
-double share(Element gradient, double from, double to) {
-    return gradient.is("radialGradient") ? to * to - from * from : to - from;
+// The geometry that a chain of gradients describes for one shape.
+class GradientReader {
+public:
+    GradientReader(const std::vector<Element>& chain, const Occurrence& shape, CGRect box)
+        : chain_(chain), shape_(shape), box_(box),
+          isInBox_(find("gradientUnits") != "userSpaceOnUse") {}
+
+    // Nothing where a gradient in parts of the shape's box meets a box without an area.
+    bool isUsable() const { return !isInBox_ || !CGRectIsEmpty(box_); }
+
+    void read(Gradient& gradient) const {
+        gradient.isRadial = chain_.front().is("radialGradient");
+        if (gradient.isRadial)
+            readCircles(gradient);
+        else
+            readLine(gradient);
+        const std::string spread = find("spreadMethod").value_or(std::string());
+        gradient.spread = spread == "reflect"  ? Spread::Reflect
+                          : spread == "repeat" ? Spread::Repeat
+                                               : Spread::Pad;
+        const auto own = parseTransform(find("gradientTransform").value_or(std::string()));
+        gradient.toUserSpace = own.value_or(CGAffineTransformIdentity);
+        if (isInBox_)
+            gradient.toUserSpace = CGAffineTransformConcat(
+                gradient.toUserSpace, CGAffineTransformMake(box_.size.width, 0, 0, box_.size.height,
+                                                            box_.origin.x, box_.origin.y));
+    }
+
+private:
+    std::optional<std::string> find(const char* attribute) const {
+        for (const Element element : chain_)
+            if (auto value = element.attribute(attribute))
+                return value;
+        return std::nullopt;
+    }
+
+    std::optional<double> length(const char* attribute, Axis axis) const {
+        const auto text = find(attribute);
+        const auto parsed = text ? parseLength(*text) : std::nullopt;
+        if (!parsed)
+            return std::nullopt;
+        const Viewport whole = isInBox_ ? Viewport{1, 1} : shape_.viewport;
+        return parsed->resolve(axis, whole, shape_.style.emSize());
+    }
+    double part(double share, Axis axis) const {
+        return isInBox_ ? share : share * shape_.viewport.extent(axis);
+    }
+
+    void readLine(Gradient& gradient) const {
+        gradient.start =
+            toPoint(length("x1", Axis::X).value_or(0), length("y1", Axis::Y).value_or(0));
+        gradient.end = toPoint(length("x2", Axis::X).value_or(part(1, Axis::X)),
+                               length("y2", Axis::Y).value_or(0));
+    }
+
+    void readCircles(Gradient& gradient) const {
+        const double x = length("cx", Axis::X).value_or(part(0.5, Axis::X));
+        const double y = length("cy", Axis::Y).value_or(part(0.5, Axis::Y));
+        gradient.start =
+            toPoint(length("fx", Axis::X).value_or(x), length("fy", Axis::Y).value_or(y));
+        gradient.startRadius = toCoordinate(length("fr", Axis::Diagonal).value_or(0));
+        gradient.end = toPoint(x, y);
+        gradient.endRadius =
+            toCoordinate(length("r", Axis::Diagonal).value_or(part(0.5, Axis::Diagonal)));
+    }
+
+    const std::vector<Element>& chain_;
+    const Occurrence& shape_;
+    CGRect box_;
+    bool isInBox_;
+};
+
+// Whether the gradient has no room between its start and its end.
+bool isPoint(const Gradient& gradient) {
+    return gradient.isRadial ? gradient.endRadius == 0
+                             : CGPointEqualToPoint(gradient.start, gradient.end);
 }
 
-// The mean over the whole gradient: every stop reaches half-way to its neighbours, the outer ones
-// to the ends.
-Color average(Element gradient, const std::vector<Stop>& stops) {
-    Color sum = {0, 0, 0, 0};
-    for (std::size_t i = 0; i < stops.size(); ++i) {
-        const double from = i == 0 ? 0 : (stops[i - 1].offset + stops[i].offset) / 2;
-        const double to = i + 1 == stops.size() ? 1 : (stops[i].offset + stops[i + 1].offset) / 2;
-        accumulate(sum, stops[i].color, share(gradient, from, to));
-    }
-    if (sum.alpha > 0) {
-        sum.red /= sum.alpha;
-        sum.green /= sum.alpha;
-        sum.blue /= sum.alpha;
-    }
-    return sum;
+PaintSource readGradient(Scene& scene, const Occurrence& shape, Element server, CGPathRef outline) {
+    const std::vector<Element> chain = chainOf(scene.document, server);
+    Gradient gradient;
+    gradient.stops = findStops(scene, chain);
+    if (gradient.stops.empty())
+        return {};
+    if (gradient.stops.size() == 1)
+        return gradient.stops.front().color; // One stop is a plain colour.
+    const GradientReader reader(chain, shape, CGPathGetPathBoundingBox(outline));
+    if (!reader.isUsable())
+        return {};
+    reader.read(gradient);
+    if (isPoint(gradient))
+        return gradient.stops.back().color; // As the standard says.
+    return gradient;
 }
 
 } // namespace
 
-std::optional<Color> colorOfServer(Scene& scene, const Style& style, const Paint& paint) {
+PaintSource paintSourceOf(Scene& scene, const Occurrence& shape, const Paint& paint,
+                          CGPathRef outline) {
+    if (paint.kind == Paint::Kind::None)
+        return {};
+    if (paint.kind == Paint::Kind::Color)
+        return shape.style.resolve(paint.color);
     const Element server = scene.document.find(paint.serverId);
-    const auto fallback =
-        paint.hasFallback ? std::optional(style.resolve(paint.color)) : std::nullopt;
-    if (!isGradient(server) && !server.is("pattern"))
-        return fallback; // Points at nothing that paints: the standard asks for just that.
-    if (fallback || server.is("pattern")) {
-        scene.report.cannotDraw(server.name(), fallback ? "its fallback colour is used"
-                                                        : "what it would paint is left out");
-        return fallback;
-    }
-    const Element source = findStops(scene.document, server);
-    const auto stops = source ? readStops(scene, source) : std::vector<Stop>();
-    if (stops.empty())
-        return std::nullopt;
-    if (stops.size() == 1)
-        return stops.front().color; // One stop is a plain colour.
-    scene.report.cannotDraw(server.name(), "the average of its colours is used");
-    return average(server, stops);
+    if (isGradient(server))
+        return readGradient(scene, shape, server, outline);
+    if (server.is("pattern"))
+        scene.report.cannotDraw(server.name(), paint.hasFallback
+                                                   ? "its fallback colour is used"
+                                                   : "what it would paint is left out");
+    return paint.hasFallback ? PaintSource(shape.style.resolve(paint.color)) : PaintSource();
 }
 
 } // namespace svg

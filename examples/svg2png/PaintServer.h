@@ -1,15 +1,19 @@
-// PaintServer.h: what gradients and patterns come to as long as they are not drawn as such.
+// PaintServer.h: what the fills and strokes of a document paint with.
 #pragma once
 
+#include "Gradient.h"
 #include "Occurrence.h"
 
-#include <optional>
+#include <variant>
 
 namespace svg {
 
-// A single colour in place of the paint server that `paint` refers to: the fallback that the
-// document names, else the average of a gradient's colours, so that shapes keep their rough look.
-// Nothing for patterns and for servers that do not exist. Whatever it is, the report tells.
-std::optional<Color> colorOfServer(Scene& scene, const Style& style, const Paint& paint);
+// Nothing, one colour, or a gradient in the shape's user space.
+using PaintSource = std::variant<std::monostate, Color, Gradient>;
+
+// What `paint` comes to on a shape with this outline. Patterns come to the fallback that the
+// document names, or to nothing, and the report tells.
+PaintSource paintSourceOf(Scene& scene, const Occurrence& shape, const Paint& paint,
+                          CGPathRef outline);
 
 } // namespace svg

@@ -223,29 +223,58 @@ TEST(Render, ResolvesUses) {
     });
 }
 
-TEST(Render, FallsBackWhereItCannotPaintYet) {
-    const std::string gradient = "<linearGradient id='g'><stop stop-color='red'/>"
-                                 "<stop offset='1' stop-color='blue' stop-opacity='.5'/>"
-                                 "</linearGradient><radialGradient id='h' href='#g'/>";
-    // Half red, half blue of alpha 0.5: alpha 0.75, red 0.5 and blue 0.25, premultiplied.
-    constexpr std::uint32_t average = 0xBF800040;
-    // A disc's inner half holds a quarter of its area: alpha 0.625, red 0.25, blue 0.375.
-    constexpr std::uint32_t averageOfDisc = 0x9F400060;
-    const auto draw = [&](const char* what, const std::string& rest, std::uint32_t pixel) {
-        expectPixels(what, gradient + rest, {{20, 20, pixel}});
+TEST(Render, PaintsGradients) {
+    const std::string edges = "<stop offset='.5' stop-color='red'/><stop offset='.5' "
+                              "stop-color='lime'/>";
+    const std::string gradient = "<linearGradient id='g'>" + edges + "</linearGradient>";
+    const auto draw = [&](const char* what, const std::string& rest,
+                          std::initializer_list<std::pair<std::size_t, std::uint32_t>> columns) {
+        for (const auto& [x, pixel] : columns)
+            expectPixels(what, gradient + rest, {{x, 20, pixel}});
     };
-    draw("average", "<rect width='40' height='40' fill='url(#g)'/>", average);
-    draw("stops along links", "<rect width='40' height='40' fill='url(#h)'/>", averageOfDisc);
-    draw("the document's fallback", "<rect width='40' height='40' fill='url(#g) lime'/>", kLime);
-    draw("no fallback for nothing", "<rect width='40' height='40' fill='url(#no)'/>", kClear);
+    const std::string whole = "<rect width='40' height='40' ";
+    draw("across the box", whole + "fill='url(#g)'/>", {{10, kRed}, {30, kLime}});
+    draw("in user space",
+         "<linearGradient id='u' href='#g' gradientUnits='userSpaceOnUse' x2='20'/>" + whole +
+             "fill='url(#u)'/>",
+         {{5, kRed}, {15, kLime}, {30, kLime}});
+    draw("turned around",
+         "<linearGradient id='t' href='#g' gradientTransform='translate(1) scale(-1 1)'/>" + whole +
+             "fill='url(#t)'/>",
+         {{10, kLime}, {30, kRed}});
+    draw("repeated",
+         "<linearGradient id='r' href='#g' x2='.5' spreadMethod='repeat'/>" + whole +
+             "fill='url(#r)'/>",
+         {{5, kRed}, {15, kLime}, {25, kRed}, {35, kLime}});
+    draw("reflected",
+         "<linearGradient id='f' href='#g' x2='.5' spreadMethod='reflect'/>" + whole +
+             "fill='url(#f)'/>",
+         {{5, kRed}, {15, kLime}, {25, kLime}, {35, kRed}});
+    draw("radial", "<radialGradient id='c' href='#g'/>" + whole + "fill='url(#c)'/>",
+         {{2, kLime}, {15, kRed}, {25, kRed}, {38, kLime}});
+    draw("stroked", "<path d='M0 10V30M40 10V30' stroke-width='20' stroke='url(#g)'/>",
+         {{5, kRed}, {20, kClear}, {35, kLime}});
+    draw("no length: the last stop",
+         "<linearGradient id='n' href='#g' x2='0'/>" + whole + "fill='url(#n)'/>", {{5, kLime}});
     draw("one stop is a plain colour",
-         "<linearGradient id='o'><stop stop-color='lime'/></linearGradient>"
-         "<rect width='40' height='40' fill='url(#o)'/>",
-         kLime);
+         "<linearGradient id='o'><stop stop-color='lime'/></linearGradient>" + whole +
+             "fill='url(#o)'/>",
+         {{20, kLime}});
     draw("a ring of links",
-         "<linearGradient id='p' href='#q'/><linearGradient id='q' href='#p'/>"
-         "<rect width='40' height='40' fill='url(#p)'/>",
-         kClear);
+         "<linearGradient id='p' href='#q'/><linearGradient id='q' href='#p'/>" + whole +
+             "fill='url(#p)'/>",
+         {{20, kClear}});
+    draw("after a group's gradient",
+         "<g opacity='.999'><rect width='40' height='9' fill='url(#g)'/>" + whole +
+             "fill='url(#g)'/></g>" + whole + "fill='red'/>",
+         {{30, kRed}});
+}
+
+TEST(Render, FallsBackWhereItCannotPaintYet) {
+    const std::string square = "<pattern id='p'/><rect width='40' height='40' fill='url(#";
+    expectPixels("the document's fallback", square + "p) lime'/>", {{20, 20, kLime}});
+    expectPixels("no fallback for a pattern", square + "p)'/>", {{20, 20, kClear}});
+    expectPixels("no fallback for nothing", square + "no)'/>", {{20, 20, kClear}});
 }
 
 TEST(Render, EndsWhateverADocumentAsksFor) {
