@@ -55,7 +55,7 @@ void CGContextRestoreGState(CGContextRef context) {
     const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
     if (count == 0)
         return;
-    // A destination that keeps the clip rasterised has the one of the state that goes, or of a state
+    // A destination that keeps the clip rasterised has the one of the state that goes, or of one
     // that went earlier, with no mark since.
     const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get()) ||
                              XGGStateShouldRasterizeClipRegion(context->state.get());
