@@ -44,7 +44,7 @@ def make(program, themes, drawings, out):
          converted(drawings, folder, ".jpg", program, "{target}", "{source}")),
     ]
     if shutil.which("opj_compress"):
-        inputs.append(("jpeg-2000", "JPEG 2000: drawings above, written by opj_compress",
+        inputs.append(("jpeg-2000", "JPEG 2000: drawings above, written by opj_compress (its reading of PNG files darkens)",
                        converted(drawings, folder, ".jp2", "opj_compress", "-i", "{source}", "-o",
                                  "{target}")))
     sheets = []
