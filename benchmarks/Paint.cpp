@@ -1,0 +1,174 @@
+// Paint.cpp: gradients and shadings beside the same on bare Skia, and what their set-up costs.
+//
+// Pairs of benchmarks of one name: what comes first is ours, "bare" is the peer.
+
+#include "XGFunction.h"
+#include "XGGradient.h"
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#include "include/core/SkBitmap.h"
+#include "include/core/SkCanvas.h"
+#include "include/core/SkGraphics.h"
+#include "include/effects/SkGradientShader.h"
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace {
+
+constexpr int kSize = 512;
+constexpr CGPoint kStart = {20, 30}, kEnd = {480, 400};
+constexpr CGFloat kRadius = 400;
+
+std::vector<SkColor4f> colorsOf(int count) {
+    std::vector<SkColor4f> colors;
+    for (int index = 0; index < count; ++index)
+        colors.push_back({index % 2 ? 0.9f : 0.1f, 0.2f * static_cast<float>(index), 0.5f, 1});
+    return colors;
+}
+
+cf::Ref<CGGradientRef> makeGradient(int count) {
+    std::vector<CGFloat> components;
+    for (const SkColor4f& color : colorsOf(count))
+        components.insert(components.end(), {color.fR, color.fG, color.fB, color.fA});
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    return cf::adopt(CGGradientCreateWithColorComponents(space.get(), components.data(), nullptr,
+                                                         static_cast<std::size_t>(count)));
+}
+
+cf::Ref<CGContextRef> makeContext(int size) {
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    return cf::adopt(CGBitmapContextCreate(
+        nullptr, static_cast<std::size_t>(size), static_cast<std::size_t>(size), 8, 0, space.get(),
+        CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little}));
+}
+
+enum class Shape { Linear, Radial };
+
+void drawGradient(benchmark::State& state, Shape shape, int count) {
+    const auto context = makeContext(kSize);
+    const auto gradient = makeGradient(count);
+    const CGGradientDrawingOptions both = CGGradientDrawingOptions{
+        kCGGradientDrawsBeforeStartLocation | kCGGradientDrawsAfterEndLocation};
+    for ([[maybe_unused]] auto round : state) {
+        if (shape == Shape::Linear)
+            CGContextDrawLinearGradient(context.get(), gradient.get(), kStart, kEnd, both);
+        else
+            CGContextDrawRadialGradient(context.get(), gradient.get(), kStart, 5, kEnd, kRadius,
+                                        both);
+    }
+}
+
+void drawBare(benchmark::State& state, Shape shape, int count) {
+    SkGraphics::Init();
+    SkBitmap bitmap;
+    bitmap.allocN32Pixels(kSize, kSize);
+    bitmap.eraseColor(0);
+    SkCanvas canvas(bitmap);
+    canvas.translate(0, kSize);
+    canvas.scale(1, -1);
+    const auto colors = colorsOf(count);
+    std::vector<float> locations;
+    for (int index = 0; index < count; ++index)
+        locations.push_back(static_cast<float>(index) / static_cast<float>(count - 1));
+    const SkPoint ends[] = {{kStart.x, kStart.y}, {kEnd.x, kEnd.y}};
+    for ([[maybe_unused]] auto round : state) {
+        SkPaint paint;
+        paint.setShader(
+            shape == Shape::Linear
+                ? SkGradientShader::MakeLinear(ends, colors.data(), nullptr, locations.data(),
+                                               count, SkTileMode::kClamp)
+                : SkGradientShader::MakeTwoPointConical(ends[0], 5, ends[1], kRadius, colors.data(),
+                                                        nullptr, locations.data(), count,
+                                                        SkTileMode::kClamp));
+        canvas.drawPaint(paint);
+    }
+}
+
+BENCHMARK_CAPTURE(drawGradient, linear_2, Shape::Linear, 2);
+BENCHMARK_CAPTURE(drawBare, linear_2, Shape::Linear, 2);
+BENCHMARK_CAPTURE(drawGradient, linear_5, Shape::Linear, 5);
+BENCHMARK_CAPTURE(drawBare, linear_5, Shape::Linear, 5);
+BENCHMARK_CAPTURE(drawGradient, radial_2, Shape::Radial, 2);
+BENCHMARK_CAPTURE(drawBare, radial_2, Shape::Radial, 2);
+BENCHMARK_CAPTURE(drawGradient, radial_5, Shape::Radial, 5);
+BENCHMARK_CAPTURE(drawBare, radial_5, Shape::Radial, 5);
+
+// ---- A gradient's colour at a place, beside a loop over the same stops
+
+constexpr int kPlaces = 256;
+
+void evaluateGradient(benchmark::State& state) {
+    const auto gradient = makeGradient(5);
+    const CGFunctionRef function = XGGradientGetFunction(gradient.get());
+    for ([[maybe_unused]] auto round : state) {
+        for (int place = 0; place < kPlaces; ++place) {
+            const CGFloat location = static_cast<CGFloat>(place) / kPlaces;
+            CGFloat out[4];
+            XGFunctionEvaluate(function, &location, out);
+            benchmark::DoNotOptimize(out);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kPlaces);
+}
+
+void evaluateBare(benchmark::State& state) {
+    const auto colors = colorsOf(5);
+    std::array<float, 5> locations = {0, 0.25f, 0.5f, 0.75f, 1};
+    benchmark::DoNotOptimize(locations);
+    for ([[maybe_unused]] auto round : state) {
+        for (int place = 0; place < kPlaces; ++place) {
+            const float location = static_cast<float>(place) / kPlaces;
+            std::size_t end = 1;
+            while (end < 4 && location > locations[end])
+                ++end;
+            const float t = (location - locations[end - 1]) / (locations[end] - locations[end - 1]);
+            float out[4];
+            for (int channel = 0; channel < 4; ++channel) {
+                const float from = colors[end - 1][channel];
+                out[channel] = from + t * (colors[end][channel] - from);
+            }
+            benchmark::DoNotOptimize(out);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * kPlaces);
+}
+
+BENCHMARK(evaluateGradient);
+BENCHMARK(evaluateBare);
+
+// ---- What a function costs before its first pixel: the bitmap is one pixel
+
+void setUpShading(benchmark::State& state, CGFunctionEvaluateCallback evaluate) {
+    const CGFunctionCallbacks callbacks = {.evaluate = evaluate};
+    const auto function = cf::adopt(CGFunctionCreate(nullptr, 1, nullptr, 4, nullptr, &callbacks));
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    const auto shading =
+        cf::adopt(CGShadingCreateAxial(space.get(), {0, 0}, {1, 0}, function.get(), 1, 1));
+    const auto context = makeContext(1);
+    for ([[maybe_unused]] auto round : state)
+        CGContextDrawShading(context.get(), shading.get());
+}
+
+constexpr auto kLine = [](void*, const CGFloat* in, CGFloat* out) {
+    out[0] = out[1] = out[2] = *in;
+    out[3] = 1;
+};
+constexpr auto kWave = [](void*, const CGFloat* in, CGFloat* out) {
+    out[0] = out[1] = out[2] = 0.5f + 0.5f * std::sin(20 * *in);
+    out[3] = 1;
+};
+constexpr auto kSawtooth = [](void*, const CGFloat* in, CGFloat* out) {
+    out[0] = out[1] = out[2] = std::fmod(300 * *in, 1.f);
+    out[3] = 1;
+};
+
+BENCHMARK_CAPTURE(setUpShading, line, kLine);
+BENCHMARK_CAPTURE(setUpShading, wave, kWave);
+BENCHMARK_CAPTURE(setUpShading, sawtooth_of_300, kSawtooth);
+
+} // namespace
