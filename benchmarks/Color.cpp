@@ -1,0 +1,218 @@
+// Color.cpp: rows and colours in other spaces, beside Little CMS and skcms called directly.
+//
+// Of benchmarks of one name the first is ours; "LittleCMS" and "Skcms" are its peers, "Bare" is a
+// plain record with a shared pointer.
+
+#include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CoreGraphics.h>
+
+#include "modules/skcms/skcms.h"
+
+#include <benchmark/benchmark.h>
+#include <lcms2.h>
+
+#include <array>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t kPixels = 4096;
+
+using Bytes = std::vector<unsigned char>;
+using Profile = std::unique_ptr<void, decltype(&cmsCloseProfile)>;
+using Transform = std::unique_ptr<void, decltype(&cmsDeleteTransform)>;
+using Space = cf::Ref<CGColorSpaceRef>;
+
+Bytes readProfile(const char* name) {
+    std::ifstream file(std::string("/usr/share/color/icc/") + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+Profile open(const Bytes& bytes) {
+    return {cmsOpenProfileFromMem(bytes.data(), static_cast<cmsUInt32Number>(bytes.size())),
+            cmsCloseProfile};
+}
+
+Space spaceOf(const Bytes& bytes) {
+    const auto data =
+        cf::adopt(CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    return cf::adopt(CGColorSpaceCreateWithICCProfile(data.get()));
+}
+
+// Pixels like a photograph's: few equal neighbours.
+Bytes randomRow(std::size_t channels) {
+    std::mt19937 random(1);
+    Bytes row(kPixels * channels);
+    for (auto& byte : row)
+        byte = static_cast<unsigned char>(random());
+    return row;
+}
+
+struct Pair {
+    const char* from;
+    const char* to;
+    std::size_t channels;
+    cmsUInt32Number fromFormat, toFormat;
+    std::size_t outChannels;
+    skcms_PixelFormat skcmsFrom;
+};
+
+constexpr const char* kAdobe = "colord/AdobeRGB1998.icc";
+constexpr const char* kStandard = "colord/sRGB.icc";
+constexpr Pair kRGB = {kAdobe, kStandard, 3, TYPE_RGB_8, TYPE_RGB_8, 3, skcms_PixelFormat_RGB_888};
+constexpr Pair kGray = {"Gray-CIE_L.icc",     kStandard, 1, TYPE_GRAY_8, TYPE_RGB_8, 3,
+                        skcms_PixelFormat_G_8};
+constexpr Pair kCMYK = {"ghostscript/default_cmyk.icc", kStandard, 4, TYPE_CMYK_8, TYPE_RGB_8, 3,
+                        skcms_PixelFormat_RGBA_8888};
+
+void count(benchmark::State& state) {
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kPixels));
+}
+
+void rows(benchmark::State& state, const Pair& pair) {
+    const Space from = spaceOf(readProfile(pair.from)), to = spaceOf(readProfile(pair.to));
+    const CGColorConverterFormat format = {8, false};
+    const auto converter = cf::adopt(
+        CGColorConverterCreate(from.get(), &format, to.get(), &format, kCGRenderingIntentDefault));
+    const Bytes in = randomRow(pair.channels);
+    Bytes out(kPixels * pair.outChannels);
+    for (auto _ : state) {
+        if (!CGColorConverterConvertRows(converter.get(), in.data(), in.size(), out.data(),
+                                         out.size(), kPixels, 1))
+            state.SkipWithError("no conversion");
+        benchmark::ClobberMemory();
+    }
+    count(state);
+}
+
+void rowsLittleCMS(benchmark::State& state, const Pair& pair) {
+    const Bytes fromBytes = readProfile(pair.from), toBytes = readProfile(pair.to);
+    const Profile from = open(fromBytes), to = open(toBytes);
+    const Transform transform(cmsCreateTransform(from.get(), pair.fromFormat, to.get(),
+                                                 pair.toFormat, INTENT_PERCEPTUAL, 0),
+                              cmsDeleteTransform);
+    const Bytes in = randomRow(pair.channels);
+    Bytes out(kPixels * pair.outChannels);
+    for (auto _ : state) {
+        cmsDoTransform(transform.get(), in.data(), out.data(), kPixels);
+        benchmark::ClobberMemory();
+    }
+    count(state);
+}
+
+void rowsSkcms(benchmark::State& state, const Pair& pair) {
+    const Bytes fromBytes = readProfile(pair.from), toBytes = readProfile(pair.to);
+    skcms_ICCProfile from, to;
+    if (!skcms_Parse(fromBytes.data(), fromBytes.size(), &from) ||
+        !skcms_Parse(toBytes.data(), toBytes.size(), &to) || !skcms_MakeUsableAsDestination(&to)) {
+        state.SkipWithError("a profile that skcms does not read");
+        return;
+    }
+    const Bytes in = randomRow(pair.channels);
+    Bytes out(kPixels * pair.outChannels);
+    for (auto _ : state) {
+        if (!skcms_Transform(in.data(), pair.skcmsFrom, skcms_AlphaFormat_Opaque, &from, out.data(),
+                             skcms_PixelFormat_RGB_888, skcms_AlphaFormat_Opaque, &to, kPixels))
+            state.SkipWithError("no conversion");
+        benchmark::ClobberMemory();
+    }
+    count(state);
+}
+
+BENCHMARK_CAPTURE(rows, RGB, kRGB);
+BENCHMARK_CAPTURE(rowsLittleCMS, RGB, kRGB);
+BENCHMARK_CAPTURE(rowsSkcms, RGB, kRGB);
+BENCHMARK_CAPTURE(rows, Gray, kGray);
+BENCHMARK_CAPTURE(rowsLittleCMS, Gray, kGray);
+BENCHMARK_CAPTURE(rowsSkcms, Gray, kGray);
+BENCHMARK_CAPTURE(rows, CMYK, kCMYK);
+BENCHMARK_CAPTURE(rowsLittleCMS, CMYK, kCMYK);
+BENCHMARK_CAPTURE(rowsSkcms, CMYK, kCMYK);
+
+// ---- Single colours
+
+// A colour of inks in RGB, again and again, as a program does that sets it for every shape.
+void colorConversion(benchmark::State& state) {
+    const Space inks = spaceOf(readProfile(kCMYK.from));
+    const Space rgb = spaceOf(readProfile(kCMYK.to));
+    const auto transform = cf::adopt(CGColorTransformCreate(rgb.get(), nullptr));
+    const std::array<CGFloat, 5> components = {0.1f, 0.2f, 0.3f, 0.4f, 1};
+    const auto color = cf::adopt(CGColorCreate(inks.get(), components.data()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cf::adopt(
+            CGColorTransformConvertColor(transform.get(), color.get(), kCGRenderingIntentDefault)));
+}
+BENCHMARK(colorConversion);
+
+void colorConversionLittleCMS(benchmark::State& state) {
+    const Bytes fromBytes = readProfile(kCMYK.from), toBytes = readProfile(kCMYK.to);
+    const Profile from = open(fromBytes), to = open(toBytes);
+    const Transform transform(cmsCreateTransform(from.get(), TYPE_CMYK_FLT, to.get(), TYPE_RGB_FLT,
+                                                 INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE),
+                              cmsDeleteTransform);
+    const std::array<float, 4> in = {10, 20, 30, 40};
+    std::array<float, 4> out = {};
+    for (auto _ : state) {
+        cmsDoTransform(transform.get(), in.data(), out.data(), 1);
+        benchmark::DoNotOptimize(out);
+    }
+}
+BENCHMARK(colorConversionLittleCMS);
+
+struct BareSpace {};
+struct BareColor {
+    std::shared_ptr<const BareSpace> space;
+    std::vector<float> components; // As many as the space has.
+};
+
+std::shared_ptr<const BareColor> makeBare(const std::shared_ptr<const BareSpace>& space,
+                                          const std::array<float, 4>& components) {
+    return std::make_shared<const BareColor>(
+        BareColor{space, {components.begin(), components.end()}});
+}
+
+constexpr std::array<float, 4> kComponents = {0.1f, 0.2f, 0.3f, 1};
+
+void colorCreation(benchmark::State& state) {
+    const Space rgb = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cf::adopt(CGColorCreate(rgb.get(), kComponents.data())));
+}
+BENCHMARK(colorCreation);
+
+void colorCreationBare(benchmark::State& state) {
+    const auto space = std::make_shared<const BareSpace>();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(makeBare(space, kComponents));
+}
+BENCHMARK(colorCreationBare);
+
+void colorEquality(benchmark::State& state) {
+    const Space rgb = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    auto a = cf::adopt(CGColorCreate(rgb.get(), kComponents.data()));
+    auto b = cf::adopt(CGColorCreate(rgb.get(), kComponents.data()));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        benchmark::DoNotOptimize(CGColorEqualToColor(a.get(), b.get()));
+    }
+}
+BENCHMARK(colorEquality);
+
+void colorEqualityBare(benchmark::State& state) {
+    const auto space = std::make_shared<const BareSpace>();
+    auto a = makeBare(space, kComponents), b = makeBare(space, kComponents);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(a);
+        const bool equal = a == b || (a->components == b->components && a->space == b->space);
+        benchmark::DoNotOptimize(equal);
+    }
+}
+BENCHMARK(colorEqualityBare);
+
+} // namespace
