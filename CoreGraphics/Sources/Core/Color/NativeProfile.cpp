@@ -6,6 +6,7 @@
 #include "XGColorSpaceProfile.h"
 
 #include "Core/Color/CGColorSpaceRecord.h"
+#include "Core/Color/EngineContext.h"
 #include "Core/Color/RowTransform.h"
 #include "Core/Color/XGColorSpaceProfileRecord.h"
 
@@ -27,7 +28,7 @@ using Transform = std::unique_ptr<void, DeleteTransform>;
 // What the screen shows is sRGB: the device's gray and RGB have its tone curve, as they pass into
 // it unchanged, rather than the linear one of their calibration.
 void* sRGBProfile() {
-    static void* const profile = cmsCreate_sRGBProfile();
+    static void* const profile = cmsCreate_sRGBProfileTHR(engineContext());
     return profile;
 }
 
@@ -35,8 +36,8 @@ void* sRGBGrayProfile() {
     static void* const profile = [] {
         constexpr double parameters[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
         constexpr int kIEC61966 = 4;
-        const ToneCurve curve(cmsBuildParametricToneCurve(nullptr, kIEC61966, parameters));
-        return cmsCreateGrayProfile(cmsD50_xyY(), curve.get());
+        const ToneCurve curve(cmsBuildParametricToneCurve(engineContext(), kIEC61966, parameters));
+        return cmsCreateGrayProfileTHR(engineContext(), cmsD50_xyY(), curve.get());
     }();
     return profile;
 }

@@ -4,6 +4,7 @@
 
 #include <CoreFoundation/CFString.h>
 
+#include "Core/Color/EngineContext.h"
 #include "Core/Color/XGColorSpaceProfileRecord.h"
 #include "Core/Object/Diagnostics.h"
 #include "Core/Object/RuntimeObject.h"
@@ -46,7 +47,8 @@ Profile makeProfile(cg::NativeProfile native) {
 cg::NativeProfile openBytes(const void* bytes, std::size_t length) {
     if (!bytes || length == 0 || length > std::numeric_limits<cmsUInt32Number>::max())
         return nullptr;
-    return cg::NativeProfile(cmsOpenProfileFromMem(bytes, static_cast<cmsUInt32Number>(length)));
+    return cg::NativeProfile(
+        cmsOpenProfileFromMemTHR(cg::engineContext(), bytes, static_cast<cmsUInt32Number>(length)));
 }
 
 // All of a provider's bytes as data; empty unless the last one can be read, too.
@@ -117,7 +119,8 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateFromFile(const char* path) {
     if (!copy)
         return nullptr;
     std::copy_n(path, size, copy.get());
-    Profile profile = makeProfile(cg::NativeProfile(cmsOpenProfileFromFile(path, "rb")));
+    Profile profile =
+        makeProfile(cg::NativeProfile(cmsOpenProfileFromFileTHR(cg::engineContext(), path, "rb")));
     if (profile)
         profile.get()->path = std::move(copy);
     return profile.release();
@@ -130,11 +133,12 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateCalibratedGray(const CGFloat whi
                                                                CGFloat gamma) {
     if (!whitePoint || !blackPoint || !std::isfinite(gamma) || gamma < 0)
         return nullptr;
-    cg::ToneCurve curve(cmsBuildGamma(nullptr, gamma));
+    cg::ToneCurve curve(cmsBuildGamma(cg::engineContext(), gamma));
     if (!curve)
         return nullptr;
     const cmsCIExyY white = nativeWhite(whitePoint);
-    Profile profile = makeProfile(cg::NativeProfile(cmsCreateGrayProfile(&white, curve.get())));
+    Profile profile = makeProfile(
+        cg::NativeProfile(cmsCreateGrayProfileTHR(cg::engineContext(), &white, curve.get())));
     if (profile) {
         std::copy_n(blackPoint, 3, profile.get()->blackPoint.begin());
         profile.get()->curves[0] = std::move(curve);
@@ -150,7 +154,7 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateCalibratedRGB(const CGFloat whit
     std::array<cg::ToneCurve, 3> curves;
     std::array<cmsToneCurve*, 3> native = {};
     for (std::size_t index = 0; index < curves.size(); ++index) {
-        curves[index].reset(cmsBuildGamma(nullptr, gamma[index]));
+        curves[index].reset(cmsBuildGamma(cg::engineContext(), gamma[index]));
         native[index] = curves[index].get();
         if (!native[index])
             return nullptr;
@@ -158,8 +162,8 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateCalibratedRGB(const CGFloat whit
     const cmsCIExyY white = nativeWhite(whitePoint);
     constexpr cmsCIExyYTRIPLE primaries = {
         {0.7355, 0.2645, 1}, {0.2658, 0.7243, 1}, {0.1669, 0.0085, 1}};
-    Profile profile =
-        makeProfile(cg::NativeProfile(cmsCreateRGBProfile(&white, &primaries, native.data())));
+    Profile profile = makeProfile(cg::NativeProfile(
+        cmsCreateRGBProfileTHR(cg::engineContext(), &white, &primaries, native.data())));
     if (profile) {
         std::copy_n(blackPoint, 3, profile.get()->blackPoint.begin());
         profile.get()->curves = std::move(curves);
@@ -171,7 +175,8 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateLab(const CGFloat whitePoint[3])
     if (!whitePoint)
         return nullptr;
     const cmsCIExyY white = nativeWhite(whitePoint);
-    return makeProfile(cg::NativeProfile(cmsCreateLab4Profile(&white))).release();
+    return makeProfile(cg::NativeProfile(cmsCreateLab4ProfileTHR(cg::engineContext(), &white)))
+        .release();
 }
 
 XGColorSpaceProfileRef XGColorSpaceProfileCreateUncalibratedLab(void) {

@@ -1,0 +1,56 @@
+// EngineContext.cpp: the context of Little CMS that all our profiles and transforms belong to.
+
+#include "Core/Color/EngineContext.h"
+
+#include <Host/Host.h>
+
+#include <lcms2_plugin.h>
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <new>
+
+namespace cg {
+
+namespace {
+
+// Profiles share a few locks in turn. The engine holds one profile's while it reads a tag of that
+// profile and takes no other's meanwhile, so that sharing cannot deadlock; recursive, lest reading
+// one profile within another's tag ever does.
+constexpr std::size_t kLocks = 16;
+
+void* lendLock(cmsContext) {
+    using Locks = std::array<host::RecursiveMutex, kLocks>;
+    alignas(Locks) static std::byte memory[sizeof(Locks)];
+    static Locks* const locks = ::new (static_cast<void*>(memory)) Locks;
+    static constinit std::atomic<std::size_t> next = 0;
+    return &(*locks)[next.fetch_add(1, std::memory_order_relaxed) % kLocks];
+}
+
+void giveLockBack(cmsContext, void*) {}
+
+cmsBool lock(cmsContext, void* mutex) {
+    static_cast<host::RecursiveMutex*>(mutex)->lock();
+    return true;
+}
+
+void unlock(cmsContext, void* mutex) {
+    static_cast<host::RecursiveMutex*>(mutex)->unlock();
+}
+
+} // namespace
+
+cmsContext engineContext() {
+    static const cmsContext context = [] {
+        cmsPluginMutex plugin = {{cmsPluginMagicNumber, 2060, cmsPluginMutexSig, nullptr},
+                                 lendLock,
+                                 giveLockBack,
+                                 lock,
+                                 unlock};
+        return cmsCreateContext(&plugin, nullptr);
+    }();
+    return context;
+}
+
+} // namespace cg
