@@ -57,7 +57,7 @@ const Layout kLayouts[] = {
     {"BGRA", test::kBGRA, 4, kBGRA_8888_SkColorType, kPremul_SkAlphaType},
     {"BGRX", kCGImageAlphaNoneSkipFirst | kLittle, 4, kBGRA_8888_SkColorType, kOpaque_SkAlphaType},
     {"RGBA", test::kRGBA, 4, kRGBA_8888_SkColorType, kPremul_SkAlphaType},
-    {"RGBX", kCGImageAlphaNoneSkipLast, 4, kRGB_888x_SkColorType, kOpaque_SkAlphaType},
+    {"RGBX", kCGImageAlphaNoneSkipLast, 4, kRGBA_8888_SkColorType, kOpaque_SkAlphaType},
     {"gray", kCGImageAlphaNone, 1, kGray_8_SkColorType, kOpaque_SkAlphaType},
 };
 
@@ -86,7 +86,7 @@ Image makeImage(const Layout& layout, int width, int height, const Bytes& bytes,
 }
 
 sk_sp<SkImage> bareImage(const Layout& layout, int width, int height, Bytes bytes) {
-    if (layout.color == kBGRA_8888_SkColorType && layout.opacity == kOpaque_SkAlphaType) {
+    if (layout.bytesPerPixel == 4 && layout.opacity == kOpaque_SkAlphaType) {
         for (std::size_t at = 3; at < bytes.size(); at += 4)
             bytes[at] = 255; // Skia trusts it; ours must not.
     }

@@ -23,12 +23,13 @@ struct Layout {
     SkAlphaType opacity;
 };
 
-// Indexed by the format.
+// Indexed by the format. Skia's own layout without opacity is not used: it makes no halved images of
+// it, and each attempt leaks.
 constexpr std::array kLayouts = {
     Layout{DrawableFormat::BGRA8Premultiplied, kBGRA_8888_SkColorType, kPremul_SkAlphaType},
     Layout{DrawableFormat::BGRX8, kBGRA_8888_SkColorType, kOpaque_SkAlphaType},
     Layout{DrawableFormat::RGBA8Premultiplied, kRGBA_8888_SkColorType, kPremul_SkAlphaType},
-    Layout{DrawableFormat::RGBX8, kRGB_888x_SkColorType, kOpaque_SkAlphaType},
+    Layout{DrawableFormat::RGBX8, kRGBA_8888_SkColorType, kOpaque_SkAlphaType},
     Layout{DrawableFormat::Gray8, kGray_8_SkColorType, kOpaque_SkAlphaType},
     Layout{DrawableFormat::Alpha8, kAlpha_8_SkColorType, kPremul_SkAlphaType},
 };
@@ -120,10 +121,10 @@ ImagePixels::ImagePixels(DrawablePixels drawable) : drawable_(std::move(drawable
     pixmap_ = SkPixmap(info, drawable_.pixels(), drawable_.bytesPerRow());
 }
 
-// Skia has no layout whose first three bytes are blue, green and red and whose fourth is nothing.
-// It trusts the fourth to be full; what programs leave there may be anything.
+// Skia trusts the fourth byte of opaque pixels to be full; what programs leave there may be
+// anything.
 bool ImagePixels::makeOpaque() {
-    if (drawable_.format() != DrawableFormat::BGRX8 ||
+    if (!pixmap_.isOpaque() || pixmap_.info().bytesPerPixel() != 4 ||
         (cache_ ? cache_->isOpaque() : isOpaque(pixmap_)))
         return true;
     if (!opaque_.tryAllocPixels(pixmap_.info())) {
