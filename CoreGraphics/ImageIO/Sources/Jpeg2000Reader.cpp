@@ -72,11 +72,62 @@ Stream makeStream(Cursor& cursor) {
     return stream;
 }
 
+// ---- Tile parts that claim more bytes than there are.
+
+// A tile part's header: its marker with a length of ten, the tile's number, then its own length.
+// Coded data has no such marker in it.
+constexpr std::uint8_t kTilePart[] = {0xFF, 0x90, 0x00, 0x0A};
+constexpr std::size_t kLengthOffset = 6, kTilePartHeader = 12;
+
+// The next one, from `start` on, that goes beyond the end; the file's size if there is none.
+std::size_t nextOverlongTilePart(Bytes file, std::size_t start) {
+    auto at = file.begin() + static_cast<std::ptrdiff_t>(start);
+    for (;; ++at) {
+        at = std::search(at, file.end(), std::begin(kTilePart), std::end(kTilePart));
+        const auto left = static_cast<std::size_t>(file.end() - at);
+        if (left < kTilePartHeader)
+            return file.size();
+        std::uint32_t length = 0;
+        for (std::size_t i = 0; i < 4; ++i)
+            length = length << 8 | at[static_cast<std::ptrdiff_t>(kLengthOffset + i)];
+        if (length > left)
+            return file.size() - left;
+    }
+}
+
+// OpenJPEG allocates what a tile part claims before it looks for its bytes, unless it is to refuse
+// all files that break off. So such a file is decoded from a copy with lengths that are true.
+class TrueLengths {
+public:
+    explicit TrueLengths(Bytes file) : bytes_(file) {
+        std::size_t at = nextOverlongTilePart(file, 0);
+        if (at == file.size())
+            return;
+        copy_.reset(new (std::nothrow) std::uint8_t[file.size()]);
+        bytes_ = copy_ ? Bytes(copy_.get(), file.size()) : Bytes();
+        if (copy_)
+            std::ranges::copy(file, copy_.get());
+        for (; copy_ && at < file.size(); at = nextOverlongTilePart(file, at + 1)) {
+            const std::size_t length = file.size() - at;
+            for (std::size_t i = 0; i < 4; ++i)
+                copy_[at + kLengthOffset + i] =
+                    static_cast<std::uint8_t>(std::uint64_t(length) >> (24 - 8 * i));
+        }
+    }
+    // None when there is no memory for the copy.
+    Bytes bytes() const { return bytes_; }
+
+private:
+    Bytes bytes_;
+    std::unique_ptr<std::uint8_t[]> copy_;
+};
+
 // ---- Decoding.
 
 // An image with samples in every component, or none.
 Image decodeComponents(Bytes file, bool hasBoxes) {
-    Cursor cursor{file};
+    const TrueLengths lengths(file);
+    Cursor cursor{lengths.bytes()};
     const Stream stream = makeStream(cursor);
     const Codec codec(opj_create_decompress(hasBoxes ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K));
     opj_dparameters_t parameters;
@@ -237,7 +288,7 @@ bool readHeader(Bytes file, ImageHeader& header) {
     return header.space && setPixelLayout(*found, header);
 }
 
-bool decode(Bytes file, const ImageHeader& layout, std::uint8_t* pixels) {
+std::size_t decode(Bytes file, const ImageHeader& layout, std::uint8_t* pixels) {
     const auto header = readJpeg2000Header(file);
     // The bytes under a mapping may have changed since the header was read.
     ImageHeader again;
@@ -245,15 +296,15 @@ bool decode(Bytes file, const ImageHeader& layout, std::uint8_t* pixels) {
         !(again.width = header->width, again.height = header->height,
           setPixelLayout(*header, again)) ||
         again.bitsPerPixel != layout.bitsPerPixel)
-        return false;
+        return 0;
     RowWriter writer(*header, layout);
     const Image image = decodeComponents(file, header->codestream.data() != file.data());
     const auto channels = image ? channelsOf(*image, *header) : std::nullopt;
     if (!channels || !writer.isReady())
-        return false;
+        return 0;
     for (std::size_t y = 0; y < header->height; ++y)
         writer.write(*channels, y, pixels + y * layout.bytesPerRow);
-    return true;
+    return header->height;
 }
 
 // A codestream ends with its end marker, and so do the files, but for boxes that may follow.

@@ -58,9 +58,9 @@ bool readHeader(Bytes file, ImageHeader& header) {
     return static_cast<bool>(header.space);
 }
 
-bool decode(Bytes file, const ImageHeader& header, std::uint8_t* pixels) {
+std::size_t decode(Bytes file, const ImageHeader& header, std::uint8_t* pixels) {
     JpegSession session(file, JpegMetadata::None);
-    return session.readHeader() && session.readRows(header, pixels) > 0;
+    return session.readHeader() ? session.readRows(header, pixels) : 0;
 }
 
 void addProperties(Bytes file, CFMutableDictionaryRef properties) {

@@ -24,7 +24,7 @@ public:
     JpegSession& operator=(const JpegSession&) = delete;
 
     bool readHeader();
-    // Decodes into `pixels`, zeroes so far, in the layout of `header`; the rows that were decoded.
+    // Decodes into `pixels` in the layout of `header`; how many rows are written.
     // Before it, readHeader() has succeeded.
     std::size_t readRows(const ImageHeader& header, std::uint8_t* pixels);
 

@@ -5,6 +5,7 @@
 #include "Core/Object/RuntimeObject.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <mutex>
 
 namespace imageio {
@@ -54,13 +55,14 @@ void Picture::freePixels() {
 
 void Picture::decode() {
     const FileBytes bytes(file.get());
-    pixels = static_cast<std::uint8_t*>(std::calloc(header.height, header.bytesPerRow));
+    pixels = static_cast<std::uint8_t*>(std::malloc(header.byteCount()));
     if (!pixels)
         return;
-    if (!reader->decode(bytes.bytes(), header, pixels)) {
+    const std::size_t rows = reader->decode(bytes.bytes(), header, pixels);
+    std::memset(pixels + rows * header.bytesPerRow, 0, (header.height - rows) * header.bytesPerRow);
+    cannotBeDecoded = rows == 0;
+    if (cannotBeDecoded)
         freePixels();
-        cannotBeDecoded = true;
-    }
 }
 
 const void* Picture::lock() {

@@ -129,9 +129,9 @@ bool readHeader(Bytes file, ImageHeader& header) {
     return header.space && setPixelLayout(png, header);
 }
 
-bool decode(Bytes file, const ImageHeader& header, std::uint8_t* pixels) {
+std::size_t decode(Bytes file, const ImageHeader& header, std::uint8_t* pixels) {
     PngSession png(file, PngMetadata::None);
-    return png.readInfo() && png.readRows(header, pixels) > 0;
+    return png.readInfo() ? png.readRows(header, pixels) : 0;
 }
 
 // Follows the chunks, each of length, name, contents and checksum, to the one that ends the file.

@@ -90,6 +90,9 @@ std::size_t PngSession::readRows(const ImageHeader& header, std::uint8_t* pixels
     if (png_get_rowbytes(png_, info_) != header.bytesPerRow ||
         png_get_image_height(png_, info_) != header.height)
         return 0;
+    // Passes leave pixels out, and rows of small pixels the last bits of their last byte.
+    if (passes > 1 || header.bitsPerPixel < 8)
+        std::memset(pixels, 0, header.byteCount());
     for (int pass = 0; pass < passes; ++pass)
         readPass(header, pixels);
     return rowsRead_;

@@ -21,8 +21,8 @@ public:
 
     // Reads up to the pixels. The getters of libpng work on png() and info() from then on.
     bool readInfo();
-    // Decodes into `pixels`, zeroes so far, in the layout of `header`; the rows that were decoded
-    // at least in part. Before it, readInfo() has succeeded.
+    // Decodes into `pixels` in the layout of `header`; how many rows, counted from the top,
+    // have been written to. Before it, readInfo() has succeeded.
     std::size_t readRows(const ImageHeader& header, std::uint8_t* pixels);
 
     png_structp png() const { return png_; }
