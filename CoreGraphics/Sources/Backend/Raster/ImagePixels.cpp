@@ -23,8 +23,8 @@ struct Layout {
     SkAlphaType opacity;
 };
 
-// Indexed by the format. Skia's own layout without opacity is not used: it makes no halved images of
-// it, and each attempt leaks.
+// Indexed by the format. Skia's own layout without opacity is not used: Skia makes no halved images
+// of it, and each attempt leaks.
 constexpr std::array kLayouts = {
     Layout{DrawableFormat::BGRA8Premultiplied, kBGRA_8888_SkColorType, kPremul_SkAlphaType},
     Layout{DrawableFormat::BGRX8, kBGRA_8888_SkColorType, kOpaque_SkAlphaType},
