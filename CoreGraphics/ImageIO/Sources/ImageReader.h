@@ -12,8 +12,8 @@ namespace imageio {
 struct ImageReader {
     // False when the header is damaged or not all there, or of a kind that cannot be decoded.
     bool (*readHeader)(Bytes file, ImageHeader& header);
-    // Writes the picture that `header` announced to `pixels`, memory that is not initialised, as far
-    // as it can be decoded. How many rows, counted from the top, are written in full.
+    // Writes the picture that `header` announced to `pixels`, memory that is not initialised, as
+    // far as it can be decoded. How many rows, counted from the top, are written in full.
     std::size_t (*decode)(Bytes file, const ImageHeader& header, std::uint8_t* pixels);
     // Adds the dictionaries of the format's own metadata; may be NULL.
     void (*addProperties)(Bytes file, CFMutableDictionaryRef properties);
