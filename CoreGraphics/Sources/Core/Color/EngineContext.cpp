@@ -42,15 +42,21 @@ void unlock(cmsContext, void* mutex) {
 } // namespace
 
 cmsContext engineContext() {
-    static const cmsContext context = [] {
-        cmsPluginMutex plugin = {{cmsPluginMagicNumber, 2060, cmsPluginMutexSig, nullptr},
-                                 lendLock,
-                                 giveLockBack,
-                                 lock,
-                                 unlock};
-        return cmsCreateContext(&plugin, nullptr);
-    }();
-    return context;
+    // Not a function's own static: what failed for want of memory is tried again.
+    static constinit std::atomic<cmsContext> shared = nullptr;
+    if (const cmsContext made = shared.load(std::memory_order_acquire))
+        return made;
+    cmsPluginMutex plugin = {{cmsPluginMagicNumber, 2060, cmsPluginMutexSig, nullptr},
+                             lendLock,
+                             giveLockBack,
+                             lock,
+                             unlock};
+    const cmsContext mine = cmsCreateContext(&plugin, nullptr);
+    cmsContext first = nullptr;
+    if (!mine || shared.compare_exchange_strong(first, mine))
+        return mine;
+    cmsDeleteContext(mine);
+    return first;
 }
 
 } // namespace cg

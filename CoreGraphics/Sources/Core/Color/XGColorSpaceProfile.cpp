@@ -18,6 +18,13 @@
 
 namespace {
 
+// Without our context the engine would use its own, whose locks crash when memory runs out.
+template <typename Make, typename... Arguments>
+void* inEngine(Make make, Arguments... arguments) {
+    const cmsContext context = cg::engineContext();
+    return context ? make(context, arguments...) : nullptr;
+}
+
 // Deliberate: profiles of different data are equal as long as their black points are, which only
 // calibrated ones have.
 Boolean equal(CFTypeRef a, CFTypeRef b) {
@@ -48,7 +55,7 @@ cg::NativeProfile openBytes(const void* bytes, std::size_t length) {
     if (!bytes || length == 0 || length > std::numeric_limits<cmsUInt32Number>::max())
         return nullptr;
     return cg::NativeProfile(
-        cmsOpenProfileFromMemTHR(cg::engineContext(), bytes, static_cast<cmsUInt32Number>(length)));
+        inEngine(cmsOpenProfileFromMemTHR, bytes, static_cast<cmsUInt32Number>(length)));
 }
 
 // All of a provider's bytes as data; empty unless the last one can be read, too.
@@ -120,7 +127,7 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateFromFile(const char* path) {
         return nullptr;
     std::copy_n(path, size, copy.get());
     Profile profile =
-        makeProfile(cg::NativeProfile(cmsOpenProfileFromFileTHR(cg::engineContext(), path, "rb")));
+        makeProfile(cg::NativeProfile(inEngine(cmsOpenProfileFromFileTHR, path, "rb")));
     if (profile)
         profile.get()->path = std::move(copy);
     return profile.release();
@@ -137,8 +144,8 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateCalibratedGray(const CGFloat whi
     if (!curve)
         return nullptr;
     const cmsCIExyY white = nativeWhite(whitePoint);
-    Profile profile = makeProfile(
-        cg::NativeProfile(cmsCreateGrayProfileTHR(cg::engineContext(), &white, curve.get())));
+    Profile profile =
+        makeProfile(cg::NativeProfile(inEngine(cmsCreateGrayProfileTHR, &white, curve.get())));
     if (profile) {
         std::copy_n(blackPoint, 3, profile.get()->blackPoint.begin());
         profile.get()->curves[0] = std::move(curve);
@@ -162,8 +169,8 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateCalibratedRGB(const CGFloat whit
     const cmsCIExyY white = nativeWhite(whitePoint);
     constexpr cmsCIExyYTRIPLE primaries = {
         {0.7355, 0.2645, 1}, {0.2658, 0.7243, 1}, {0.1669, 0.0085, 1}};
-    Profile profile = makeProfile(cg::NativeProfile(
-        cmsCreateRGBProfileTHR(cg::engineContext(), &white, &primaries, native.data())));
+    Profile profile = makeProfile(
+        cg::NativeProfile(inEngine(cmsCreateRGBProfileTHR, &white, &primaries, native.data())));
     if (profile) {
         std::copy_n(blackPoint, 3, profile.get()->blackPoint.begin());
         profile.get()->curves = std::move(curves);
@@ -175,8 +182,7 @@ XGColorSpaceProfileRef XGColorSpaceProfileCreateLab(const CGFloat whitePoint[3])
     if (!whitePoint)
         return nullptr;
     const cmsCIExyY white = nativeWhite(whitePoint);
-    return makeProfile(cg::NativeProfile(cmsCreateLab4ProfileTHR(cg::engineContext(), &white)))
-        .release();
+    return makeProfile(cg::NativeProfile(inEngine(cmsCreateLab4ProfileTHR, &white))).release();
 }
 
 XGColorSpaceProfileRef XGColorSpaceProfileCreateUncalibratedLab(void) {
