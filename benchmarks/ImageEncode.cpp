@@ -5,17 +5,13 @@
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
 
+#include "Support/BareCodecs.h"
+
 #include <ImageIO/ImageIO.h>
 #include <MobileCoreServices/UTCoreTypes.h>
 #include <benchmark/benchmark.h>
-#include <jpeglib.h>
-#include <png.h>
 
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <vector>
 
 namespace {
 
@@ -62,13 +58,7 @@ void barePng(benchmark::State& state, std::size_t components) {
         std::vector<std::uint8_t> file;
         png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
         png_infop info = png_create_info_struct(png);
-        png_set_write_fn(
-            png, &file,
-            [](png_structp writer, png_bytep from, std::size_t count) {
-                auto& to = *static_cast<std::vector<std::uint8_t>*>(png_get_io_ptr(writer));
-                to.insert(to.end(), from, from + count);
-            },
-            nullptr);
+        test::writePngInto(file, png);
         png_set_IHDR(png, info, kSize, kSize, 8,
                      components == 4 ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB,
                      PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
@@ -82,28 +72,9 @@ void barePng(benchmark::State& state, std::size_t components) {
 }
 
 void bareJpeg(benchmark::State& state) {
-    auto bytes = pixels(3);
-    for (auto _ : state) {
-        jpeg_error_mgr errors;
-        jpeg_compress_struct jpeg;
-        jpeg.err = jpeg_std_error(&errors);
-        jpeg_create_compress(&jpeg);
-        unsigned char* memory = nullptr;
-        unsigned long size = 0;
-        jpeg_mem_dest(&jpeg, &memory, &size);
-        jpeg.image_width = jpeg.image_height = kSize;
-        jpeg.input_components = 3;
-        jpeg.in_color_space = JCS_RGB;
-        jpeg_set_defaults(&jpeg);
-        jpeg_start_compress(&jpeg, TRUE);
-        for (std::size_t y = 0; y < kSize; ++y) {
-            JSAMPROW row = &bytes[y * kSize * 3];
-            jpeg_write_scanlines(&jpeg, &row, 1);
-        }
-        jpeg_finish_compress(&jpeg);
-        jpeg_destroy_compress(&jpeg);
-        std::free(memory);
-    }
+    const auto bytes = pixels(3);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(test::encodeJpeg({bytes.data(), kSize, kSize, 3}));
 }
 
 constexpr CGBitmapInfo kBGRA = kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Little;

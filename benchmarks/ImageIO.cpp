@@ -8,21 +8,14 @@
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
 
+#include "Support/BareCodecs.h"
+
 #include <ImageIO/ImageIO.h>
 #include <benchmark/benchmark.h>
-#include <png.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <vector>
-// clang-format off: it leaves the inclusion of the C library to its users.
-#include <jpeglib.h>
-// clang-format on
 
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using test::Bytes;
 
 constexpr std::uint32_t kWidth = 1024, kHeight = 768;
 
@@ -57,32 +50,12 @@ Bytes makePng(std::uint32_t format, std::size_t components) {
 }
 
 Bytes makeJpeg(bool isProgressive) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* buffer = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &buffer, &size);
-    jpeg.image_width = kWidth;
-    jpeg.image_height = kHeight;
-    jpeg.input_components = 3;
-    jpeg.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, 85, TRUE);
-    if (isProgressive)
-        jpeg_simple_progression(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
-    Bytes pixels = makePixels(3);
-    while (jpeg.next_scanline < kHeight) {
-        JSAMPROW row = &pixels[jpeg.next_scanline * std::size_t(kWidth) * 3];
-        jpeg_write_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    Bytes file(buffer, buffer + size);
-    std::free(buffer);
-    return file;
+    return test::encodeJpeg({makePixels(3).data(), kWidth, kHeight, 3},
+                            [=](jpeg_compress_struct& jpeg) {
+                                jpeg_set_quality(&jpeg, 85, TRUE);
+                                if (isProgressive)
+                                    jpeg_simple_progression(&jpeg);
+                            });
 }
 
 const Bytes& pngFile(bool hasAlpha) {
@@ -114,23 +87,12 @@ void decode(benchmark::State& state, const Bytes& file) {
 
 // ---- The bare libraries.
 
-struct Input {
-    const Bytes& bytes;
-    std::size_t position = 0;
-};
-
-void read(png_structp png, png_bytep out, png_size_t count) {
-    auto& input = *static_cast<Input*>(png_get_io_ptr(png));
-    std::memcpy(out, &input.bytes[input.position], count);
-    input.position += count;
-}
-
 void decodeBarePng(benchmark::State& state, bool hasAlpha) {
     for (auto _ : state) {
-        Input input{pngFile(hasAlpha)};
+        test::PngInput input(pngFile(hasAlpha));
         png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
         png_infop info = png_create_info_struct(png);
-        png_set_read_fn(png, &input, read);
+        input.attachTo(png);
         png_read_info(png, info);
         if (!hasAlpha)
             png_set_filler(png, 0xFF, PNG_FILLER_AFTER);
@@ -147,23 +109,13 @@ void decodeBarePng(benchmark::State& state, bool hasAlpha) {
 void decodeBareJpeg(benchmark::State& state, bool isProgressive) {
     const Bytes& file = jpegFile(isProgressive);
     for (auto _ : state) {
-        jpeg_decompress_struct jpeg{};
-        jpeg_error_mgr errors{};
-        jpeg.err = jpeg_std_error(&errors);
-        jpeg_create_decompress(&jpeg);
-        jpeg_mem_src(&jpeg, file.data(), file.size());
-        jpeg_read_header(&jpeg, TRUE);
-        jpeg.out_color_space = JCS_EXT_BGRX;
-        jpeg_start_decompress(&jpeg);
-        auto* const pixels = static_cast<JSAMPLE*>(std::malloc(4 * kWidth * kHeight));
-        while (jpeg.output_scanline < kHeight) {
-            JSAMPROW rows[16];
-            for (std::size_t i = 0; i < 16; ++i)
-                rows[i] = pixels + (jpeg.output_scanline + i) * kWidth * 4;
-            jpeg_read_scanlines(&jpeg, rows, 16);
-        }
-        jpeg_finish_decompress(&jpeg);
-        jpeg_destroy_decompress(&jpeg);
+        void* pixels = nullptr;
+        test::decodeJpeg(
+            file, [](jpeg_decompress_struct& jpeg) { jpeg.out_color_space = JCS_EXT_BGRX; },
+            [&](std::size_t size) {
+                pixels = std::malloc(size);
+                return static_cast<std::uint8_t*>(pixels);
+            });
         benchmark::DoNotOptimize(pixels);
         std::free(pixels);
     }

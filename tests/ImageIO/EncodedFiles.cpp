@@ -2,27 +2,18 @@
 
 #include "EncodedFiles.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <random>
-// clang-format off: it leaves the inclusion of the C library to its users.
-#include <jpeglib.h>
-// clang-format on
+#include "Support/BareCodecs.h"
+
 #include <openjpeg.h>
-#include <png.h>
+
+#include <algorithm>
+#include <random>
 
 namespace test {
 
 // ---- PNG.
 
 namespace {
-
-void append(png_structp png, png_bytep bytes, png_size_t count) {
-    auto& out = *static_cast<Bytes*>(png_get_io_ptr(png));
-    out.insert(out.end(), bytes, bytes + count);
-}
 
 void addPalette(png_structp png, png_infop info, const PngFile& file) {
     std::vector<png_color> palette(std::size_t(1) << file.depth);
@@ -42,7 +33,7 @@ Bytes makePng(const PngFile& file) {
     Bytes out;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
-    png_set_write_fn(png, &out, append, nullptr);
+    writePngInto(out, png);
     png_set_IHDR(png, info, file.width, file.height, file.depth, file.colorType,
                  file.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
@@ -73,46 +64,28 @@ Bytes makePng(const PngFile& file) {
 // ---- JPEG.
 
 Bytes makeJpeg(const JpegFile& file) {
-    jpeg_compress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* buffer = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &buffer, &size);
-    jpeg.image_width = file.width;
-    jpeg.image_height = file.height;
-    jpeg.input_components = file.components;
-    constexpr J_COLOR_SPACE kSpaces[] = {JCS_UNKNOWN, JCS_GRAYSCALE, JCS_UNKNOWN, JCS_RGB,
-                                         JCS_CMYK};
-    jpeg.in_color_space = kSpaces[file.components];
-    jpeg_set_defaults(&jpeg);
-    if (file.storesColorsDirectly)
-        jpeg_set_colorspace(&jpeg, jpeg.in_color_space);
-    else if (file.components == 4)
-        jpeg_set_colorspace(&jpeg, JCS_YCCK);
-    jpeg.write_Adobe_marker = file.hasAdobeMarker;
-    jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = file.sampling;
-    jpeg_set_quality(&jpeg, 80, TRUE);
-    jpeg.restart_in_rows = file.restartRows;
-    if (file.isProgressive)
-        jpeg_simple_progression(&jpeg);
-    jpeg_start_compress(&jpeg, TRUE);
-    if (file.addMarkers)
-        file.addMarkers(&jpeg);
     std::mt19937 random(3);
-    Bytes row(file.width * std::size_t(file.components));
-    for (std::uint32_t y = 0; y < file.height; ++y) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            row[i] = std::uint8_t(i * 2 + y * 5 + random() % 32);
-        JSAMPROW rows[] = {row.data()};
-        jpeg_write_scanlines(&jpeg, rows, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    const Bytes out(buffer, buffer + size);
-    std::free(buffer);
-    return out;
+    const std::size_t rowBytes = file.width * std::size_t(file.components);
+    Bytes pixels(rowBytes * file.height);
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        pixels[i] = std::uint8_t(i % rowBytes * 2 + i / rowBytes * 5 + random() % 32);
+    const auto setUp = [&](jpeg_compress_struct& jpeg) {
+        if (file.storesColorsDirectly)
+            jpeg_set_colorspace(&jpeg, jpeg.in_color_space);
+        else if (file.components == 4)
+            jpeg_set_colorspace(&jpeg, JCS_YCCK);
+        jpeg.write_Adobe_marker = file.hasAdobeMarker;
+        jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = file.sampling;
+        jpeg_set_quality(&jpeg, 80, TRUE);
+        jpeg.restart_in_rows = file.restartRows;
+        if (file.isProgressive)
+            jpeg_simple_progression(&jpeg);
+    };
+    return encodeJpeg({pixels.data(), file.width, file.height, file.components}, setUp,
+                      [&](jpeg_compress_struct& jpeg) {
+                          if (file.addMarkers)
+                              file.addMarkers(&jpeg);
+                      });
 }
 
 // ---- JPEG 2000.

@@ -1,36 +1,26 @@
 // JpegReaderTest.cpp: JPEG pixels, held against libjpeg's own reading.
 
 #include "Sources.h"
+#include "Support/BareCodecs.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-// clang-format off: it leaves the inclusion of the C library to its users.
-#include <jpeglib.h>
-// clang-format on
 
 namespace {
 
 using namespace test;
 
 Bytes decodedByLibjpeg(const Bytes& file) {
-    jpeg_decompress_struct jpeg{};
-    jpeg_error_mgr errors{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&jpeg);
-    jpeg_mem_src(&jpeg, file.data(), file.size());
-    jpeg_read_header(&jpeg, TRUE);
-    if (jpeg.num_components == 4)
-        jpeg.out_color_space = JCS_CMYK;
-    jpeg_start_decompress(&jpeg);
-    const std::size_t rowBytes = jpeg.output_width * std::size_t(jpeg.output_components);
-    Bytes pixels(rowBytes * jpeg.output_height);
-    while (jpeg.output_scanline < jpeg.output_height) {
-        JSAMPROW row = &pixels[jpeg.output_scanline * rowBytes];
-        jpeg_read_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_decompress(&jpeg);
-    jpeg_destroy_decompress(&jpeg);
+    Bytes pixels;
+    decodeJpeg(
+        file,
+        [](jpeg_decompress_struct& jpeg) {
+            if (jpeg.num_components == 4)
+                jpeg.out_color_space = JCS_CMYK;
+        },
+        [&](std::size_t size) {
+            pixels.resize(size);
+            return pixels.data();
+        });
     return pixels;
 }
 

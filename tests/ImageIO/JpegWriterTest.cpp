@@ -1,12 +1,9 @@
 // JpegWriterTest.cpp: written JPEG files beside those that libjpeg writes on its own.
 
 #include "Images.h"
+#include "Support/BareCodecs.h"
 
 #include <gtest/gtest.h>
-#include <jpeglib.h>
-
-#include <cstdio>
-#include <cstdlib>
 
 using namespace test;
 
@@ -14,31 +11,12 @@ namespace {
 
 // The file that libjpeg makes of interleaved pixels.
 Bytes bareJpeg(const Bytes& pixels, int components, int quality) {
-    jpeg_error_mgr errors;
-    jpeg_compress_struct jpeg;
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* memory = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &memory, &size);
-    jpeg.image_width = kWidth;
-    jpeg.image_height = kHeight;
-    jpeg.input_components = components;
-    jpeg.in_color_space = components == 1 ? JCS_GRAYSCALE : components == 3 ? JCS_RGB : JCS_CMYK;
-    jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, quality, TRUE);
-    if (quality >= 90)
-        jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = 1;
-    jpeg_start_compress(&jpeg, TRUE);
-    for (std::size_t y = 0; y < kHeight; ++y) {
-        auto* row = const_cast<JSAMPROW>(&pixels[y * kWidth * std::size_t(components)]);
-        jpeg_write_scanlines(&jpeg, &row, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    const Bytes file(memory, memory + size);
-    std::free(memory);
-    return file;
+    return encodeJpeg({pixels.data(), kWidth, kHeight, components},
+                      [quality](jpeg_compress_struct& jpeg) {
+                          jpeg_set_quality(&jpeg, quality, TRUE);
+                          if (quality >= 90)
+                              jpeg.comp_info[0].h_samp_factor = jpeg.comp_info[0].v_samp_factor = 1;
+                      });
 }
 
 cf::Ref<CFMutableDictionaryRef> quality(double value) {

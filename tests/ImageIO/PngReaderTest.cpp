@@ -1,12 +1,10 @@
 // PngReaderTest.cpp: PNG pixels, held against libpng's own reading.
 
 #include "Sources.h"
+#include "Support/BareCodecs.h"
 
 #include <gtest/gtest.h>
-#include <png.h>
 
-#include <array>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 
@@ -21,22 +19,11 @@ struct Expanded {
     std::size_t channels = 0, bytesPerSample = 1;
 };
 
-struct Input {
-    const Bytes& bytes;
-    std::size_t position = 0;
-};
-
-void read(png_structp png, png_bytep out, png_size_t count) {
-    auto& input = *static_cast<Input*>(png_get_io_ptr(png));
-    std::memcpy(out, &input.bytes[input.position], count);
-    input.position += count;
-}
-
 Expanded expandedByLibpng(const Bytes& file) {
-    Input input{file};
+    PngInput input(file);
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
-    png_set_read_fn(png, &input, read);
+    input.attachTo(png);
     png_read_png(png, info, PNG_TRANSFORM_EXPAND, nullptr);
     Expanded result;
     result.channels = png_get_channels(png, info);
