@@ -132,7 +132,7 @@ Jpeg2000Colors colorsOfProfile(Bytes profile) {
     }
 }
 
-// The first specification that is understood counts.
+// The first colour box that is understood counts.
 bool readColors(Bytes colr, Jpeg2000Header& header) {
     constexpr std::uint32_t kEnumerated = 1, kRestrictedProfile = 2, kAnyProfile = 3;
     const std::uint32_t method = colr.empty() ? 0 : colr[0];

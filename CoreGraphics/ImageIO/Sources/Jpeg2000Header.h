@@ -8,7 +8,7 @@
 
 namespace imageio {
 
-// Colour spaces as colour specification boxes number them; 0 where the file leaves it open.
+// Colour spaces as colour boxes number them; 0 where the file leaves it open.
 enum class Jpeg2000Colors : std::uint32_t {
     Unspecified = 0,
     CMYK = 12,
