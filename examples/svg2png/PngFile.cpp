@@ -1,41 +1,35 @@
-// PngFile.cpp: writes a bitmap to a PNG file.
+// PngFile.cpp: writes a picture to a PNG file.
 
 #include "PngFile.h"
 
-#include <png.h>
+#include "Handles.h"
+
+#include <ImageIO/ImageIO.h>
+#include <MobileCoreServices/UTCoreTypes.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <optional>
-#include <vector>
+#include <utility>
 
 namespace svg {
 
 namespace {
 
-// Rounded to nearest. Of a transparent pixel no colour is left.
-std::uint8_t unpremultiply(unsigned component, unsigned alpha) {
-    return alpha == 0 ? 0 : std::uint8_t(std::min(255u, (component * 255 + alpha / 2) / alpha));
-}
+using Image = std::unique_ptr<std::remove_pointer_t<CGImageRef>, Releaser<CGImageRelease>>;
+using Data = std::unique_ptr<std::remove_pointer_t<CFMutableDataRef>, Releaser<CFRelease>>;
+using Destination =
+    std::unique_ptr<std::remove_pointer_t<CGImageDestinationRef>, Releaser<CFRelease>>;
 
-// The same picture with red first, rows without gaps.
-std::vector<std::uint8_t> toRgba(const Bitmap& bitmap) {
-    std::vector<std::uint8_t> result;
-    result.reserve(bitmap.width * bitmap.height * 4);
-    for (std::size_t y = 0; y < bitmap.height; ++y) {
-        const std::uint8_t* pixel = bitmap.pixels + y * bitmap.bytesPerRow;
-        for (std::size_t x = 0; x < bitmap.width; ++x, pixel += 4) {
-            const unsigned alpha = pixel[3];
-            for (const unsigned component : {pixel[2], pixel[1], pixel[0]})
-                result.push_back(unpremultiply(component, alpha));
-            result.push_back(std::uint8_t(alpha));
-        }
-    }
-    return result;
+// The file's bytes; none when there is no memory for them.
+Data encode(CGContextRef context) {
+    const Image image(CGBitmapContextCreateImage(context));
+    Data data(CFDataCreateMutable(nullptr, 0));
+    const Destination file(CGImageDestinationCreateWithData(data.get(), kUTTypePNG, 1, nullptr));
+    CGImageDestinationAddImage(file.get(), image.get(), nullptr);
+    return CGImageDestinationFinalize(file.get()) ? std::move(data) : nullptr;
 }
 
 // A file beside the wanted one that takes its name at the end, and vanishes if that never comes.
@@ -55,7 +49,11 @@ public:
     PartialFile(const PartialFile&) = delete;
     PartialFile& operator=(const PartialFile&) = delete;
 
-    std::FILE* get() const { return file_; }
+    bool isOpen() const { return file_ != nullptr; }
+    bool write(CFDataRef data) {
+        const auto size = std::size_t(CFDataGetLength(data));
+        return std::fwrite(CFDataGetBytePtr(data), 1, size, file_) == size;
+    }
 
     // Gives the file its name. Closing may fail as well, when the last bytes find no room.
     bool finish() {
@@ -83,32 +81,21 @@ bool isSomethingElse(const std::string& fileName) {
 
 } // namespace
 
-bool writePng(const std::string& fileName, const Bitmap& bitmap, std::string& error) {
+bool writePng(const std::string& fileName, CGContextRef context, std::string& error) {
     if (isSomethingElse(fileName)) {
         error = "cannot write: not a regular file";
         return false;
     }
+    const Data data = encode(context);
+    if (!data) {
+        error = "no memory for the file";
+        return false;
+    }
     PartialFile file(fileName);
-    if (!file.get()) {
-        error = std::string("cannot write: ") + std::strerror(errno);
-        return false;
-    }
-    png_image image = {};
-    image.version = PNG_IMAGE_VERSION;
-    image.width = png_uint_32(bitmap.width);
-    image.height = png_uint_32(bitmap.height);
-    image.format = PNG_FORMAT_RGBA;
-    const std::vector<std::uint8_t> pixels = toRgba(bitmap);
-    const auto bytesPerRow = png_int_32(bitmap.width * 4);
-    if (!png_image_write_to_stdio(&image, file.get(), 0, pixels.data(), bytesPerRow, nullptr)) {
-        error = std::string("cannot write: ") + image.message;
-        return false;
-    }
-    if (!file.finish()) {
-        error = std::string("cannot write: ") + std::strerror(errno);
-        return false;
-    }
-    return true;
+    if (file.isOpen() && file.write(data.get()) && file.finish())
+        return true;
+    error = std::string("cannot write: ") + std::strerror(errno);
+    return false;
 }
 
 } // namespace svg

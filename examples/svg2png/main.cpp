@@ -83,13 +83,9 @@ bool convert(Arguments arguments) {
     svg::Report report(input);
     const svg::Context context =
         svg::render(*document, std::size_t(size.width), std::size_t(size.height), report);
-    const void* pixels = CGBitmapContextGetData(context.get());
-    if (!pixels)
+    if (!context)
         return fail(input, "no memory for a picture of this size");
-    const svg::Bitmap bitmap = {
-        static_cast<const std::uint8_t*>(pixels), CGBitmapContextGetWidth(context.get()),
-        CGBitmapContextGetHeight(context.get()), CGBitmapContextGetBytesPerRow(context.get())};
-    return svg::writePng(output, bitmap, error) || fail(output, error);
+    return svg::writePng(output, context.get(), error) || fail(output, error);
 }
 
 bool isComplete(Arguments arguments) {
