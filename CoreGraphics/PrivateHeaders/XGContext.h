@@ -88,6 +88,10 @@ CG_EXPORT void XGContextGetSizeInPoints(CGContextRef context, CGFloat* width, CG
 /** Strokes each rectangle's outline, as CGContextStrokeRect does. */
 CG_EXPORT void XGContextStrokeRects(CGContextRef context, const CGRect* rects, size_t count);
 
+/** Draws the shadow that CGContextDrawPath would draw in `mode`, and not the path; the current path
+ *  is consumed all the same. Nothing without a shadow in the state. */
+CG_EXPORT void XGContextDrawShadowPath(CGContextRef context, CGPathDrawingMode mode);
+
 /** Draws the shadow that CGContextDrawImage would draw, and not the image. Nothing without a shadow
  *  in the state. */
 CG_EXPORT void XGContextDrawShadowImage(CGContextRef context, CGRect rect, CGImageRef image);

@@ -43,24 +43,41 @@ XGGStateRef RecordingBackend::state() const {
     return context()->state.get();
 }
 
-std::vector<std::string> RecordingBackend::takeCalls() {
+std::vector<RecordingBackend::Call> RecordingBackend::takeWholeCalls() {
     return std::exchange(calls_, {});
 }
 
-void RecordingBackend::noteLayer(const char* what, XGGStateRef state) {
+std::vector<std::string> RecordingBackend::takeCalls() {
+    std::vector<std::string> texts;
+    for (Call& call : takeWholeCalls())
+        texts.push_back(std::move(call.text));
+    return texts;
+}
+
+void RecordingBackend::note(std::string call, XGGStateRef state, uint32_t flags) {
+    calls_.push_back({std::move(call), state, flags});
+    lastFlags_ = flags;
+}
+
+void RecordingBackend::noteLayer(const char* what, XGGStateRef state, uint32_t flags) {
     note(std::string(what) + " layer alpha " + numbers({XGGStateGetAlpha(state)}) + " blend " +
-         std::to_string(XGGStateGetBlendMode(state)) +
-         (XGGStateHasShadow(state) ? " shadowed" : ""));
+             std::to_string(XGGStateGetBlendMode(state)) +
+             (XGGStateHasShadow(state) ? " shadowed" : ""),
+         state, flags);
 }
 
 XGContextCallbacks RecordingBackend::callbacks() {
     XGContextCallbacks table = {};
     table.releaseInfo = [](void* info) { from(info).note("release"); };
-    table.flush = [](XGGStateRef, uint32_t flags, void* info) {
-        from(info).lastFlags_ = flags;
-        from(info).note("flush");
+    table.flush = [](XGGStateRef state, uint32_t flags, void* info) {
+        from(info).note("flush", state, flags);
     };
-    table.synchronize = [](XGGStateRef, uint32_t, void* info) { from(info).note("synchronize"); };
+    table.synchronize = [](XGGStateRef state, uint32_t flags, void* info) {
+        from(info).note("synchronize", state, flags);
+    };
+    table.drawShading = [](XGGStateRef state, uint32_t flags, CGShadingRef shading, void* info) {
+        from(info).note(shading ? "shading" : "no shading", state, flags);
+    };
     table.drawPath = [](XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                         bool evenOdd, void* info) {
         std::string call = flags & kXGContextShadowPass ? "shadow " : "";
@@ -71,8 +88,7 @@ XGContextCallbacks RecordingBackend::callbacks() {
             call += std::string(fill ? ", " : "") + "stroke " + pathText(stroke) + " width " +
                     numbers({XGGStateGetLineWidth(state)}) + " in " +
                     colorText(XGGStateGetStrokeColor(state));
-        from(info).lastFlags_ = flags;
-        from(info).note(call);
+        from(info).note(call, state, flags);
     };
     table.fillRects = [](XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count,
                          void* info) {
@@ -81,23 +97,23 @@ XGContextCallbacks RecordingBackend::callbacks() {
             call +=
                 (index ? ", " : " ") + numbers({rects[index].origin.x, rects[index].origin.y,
                                                 rects[index].size.width, rects[index].size.height});
-        from(info).lastFlags_ = flags;
-        from(info).note(call + " blend " + std::to_string(XGGStateGetBlendMode(state)));
+        from(info).note(call + " blend " + std::to_string(XGGStateGetBlendMode(state)), state,
+                        flags);
     };
-    table.drawImage = [](XGGStateRef, uint32_t flags, CGRect rect, CGImageRef image, void* info) {
+    table.drawImage = [](XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image,
+                         void* info) {
         std::string call = flags & kXGContextShadowPass ? "shadow " : "";
         call += flags & kXGContextTiledImage ? "tiled image " : "image ";
         call += std::to_string(CGImageGetWidth(image)) + " x " +
                 std::to_string(CGImageGetHeight(image)) + " at " +
                 numbers({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height});
-        from(info).lastFlags_ = flags;
-        from(info).note(call);
+        from(info).note(call, state, flags);
     };
-    table.beginTransparencyLayer = [](XGGStateRef state, uint32_t, void* info) {
-        from(info).noteLayer("begin", state);
+    table.beginTransparencyLayer = [](XGGStateRef state, uint32_t flags, void* info) {
+        from(info).noteLayer("begin", state, flags);
     };
-    table.endTransparencyLayer = [](XGGStateRef state, uint32_t, void* info) {
-        from(info).noteLayer("end", state);
+    table.endTransparencyLayer = [](XGGStateRef state, uint32_t flags, void* info) {
+        from(info).noteLayer("end", state, flags);
     };
     table.prepare = [](CGContextRef context) { from(context->info).note("prepare"); };
     return table;

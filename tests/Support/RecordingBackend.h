@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -19,6 +20,7 @@ namespace test {
 //     shadow image 2 x 1 at 0 0 4 2 | tiled image 2 x 1 at 0 0 4 2
 //     begin layer alpha 0.5 blend 1 shadowed
 //     end layer alpha 0.5 blend 1 shadowed
+//     shading
 //     prepare | flush | synchronize | release
 class RecordingBackend {
 public:
@@ -31,9 +33,15 @@ public:
     // Gives the context up.
     void release() { context_ = nullptr; }
 
-    // The calls since the last time.
+    struct Call {
+        std::string text;
+        XGGStateRef state; // What the call came with; NULL and 0 for calls that have none.
+        uint32_t flags;
+    };
+    // The calls since the last time, or their texts.
+    std::vector<Call> takeWholeCalls();
     std::vector<std::string> takeCalls();
-    // The flags that the last call came with.
+    // The flags that the last call with flags came with.
     uint32_t lastFlags() const { return lastFlags_; }
 
     // The callbacks with which the context was made; their info is the recorder.
@@ -41,10 +49,11 @@ public:
 
 private:
     static RecordingBackend& from(void* info) { return *static_cast<RecordingBackend*>(info); }
-    void note(std::string call) { calls_.push_back(std::move(call)); }
-    void noteLayer(const char* what, XGGStateRef state);
+    void note(const char* call) { calls_.push_back({call, nullptr, 0}); }
+    void note(std::string call, XGGStateRef state, uint32_t flags);
+    void noteLayer(const char* what, XGGStateRef state, uint32_t flags);
 
-    std::vector<std::string> calls_;
+    std::vector<Call> calls_;
     uint32_t lastFlags_ = 0;
     cf::Ref<CGContextRef> context_; // Goes first: its end is recorded too.
 };

@@ -96,7 +96,8 @@ CG_EXPORT uint32_t CGContextGetType(CGContextRef context);
 
 /** Pushes a copy of the state. */
 CG_EXPORT void CGContextSaveGState(CGContextRef context);
-/** Makes the state that was saved last current again. Nothing happens when none is saved. */
+/** Makes the state that was saved last current again. When none is saved nothing changes, after an
+ *  error in the log. */
 CG_EXPORT void CGContextRestoreGState(CGContextRef context);
 
 /* ---- Transforms ---------------------------------------------------------------------------- */
@@ -176,9 +177,17 @@ CG_EXPORT void CGContextSetShouldSubpixelPositionFonts(CGContextRef context, boo
 CG_EXPORT void CGContextSetAllowsFontSubpixelPositioning(CGContextRef context, bool allows);
 CG_EXPORT void CGContextSetShouldSubpixelQuantizeFonts(CGContextRef context, bool should);
 CG_EXPORT void CGContextSetAllowsFontSubpixelQuantization(CGContextRef context, bool allows);
-/** Kept for callers; drawing does not look at it. */
+/** These are kept for callers; drawing does not look at them. */
 CG_EXPORT void CGContextSetFontAntialiasingStyle(CGContextRef context, int32_t style);
 CG_EXPORT int32_t CGContextGetFontAntialiasingStyle(CGContextRef context);
+CG_EXPORT void CGContextSetFontSmoothingStyle(CGContextRef context, int32_t style);
+CG_EXPORT int32_t CGContextGetFontSmoothingStyle(CGContextRef context);
+CG_EXPORT void CGContextSetFontRenderingMode(CGContextRef context, int32_t mode);
+CG_EXPORT int32_t CGContextGetFontRenderingMode(CGContextRef context);
+/** How far the colours of a shading may be off where its function is sampled; negative and
+ *  non-finite ones are ignored. */
+CG_EXPORT void CGContextSetSmoothness(CGContextRef context, CGFloat smoothness);
+CG_EXPORT CGFloat CGContextGetSmoothness(CGContextRef context);
 /** A bitmap that records its drawing for a graphics processor brings it into pixels when
  *  acceleration is no longer allowed. */
 CG_EXPORT void CGContextSetAllowsAcceleration(CGContextRef context, bool allows);
@@ -346,6 +355,7 @@ CG_EXPORT void CGContextEndTransparencyLayer(CGContextRef context);
 /* ---- Text state ---------------------------------------------------------------------------- */
 
 CG_EXPORT void CGContextSetFont(CGContextRef context, CGFontRef font);
+CG_EXPORT CGFontRef CGContextGetFont(CGContextRef context);
 /** Negative and non-finite sizes become 0. */
 CG_EXPORT void CGContextSetFontSize(CGContextRef context, CGFloat size);
 CG_EXPORT void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing);

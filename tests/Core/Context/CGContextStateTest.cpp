@@ -7,6 +7,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Support/CollectedLog.h"
 #include "Support/RecordingBackend.h"
 
 #include <gtest/gtest.h>
@@ -95,7 +96,12 @@ TEST(ContextStack, RestoresWhatWasSavedLast) {
     CGContextRestoreGState(c);
     EXPECT_EQ(CGContextGetLineWidth(c), 2);
     CGContextRestoreGState(c);
+    EXPECT_EQ(CGContextGetLineWidth(c), 2);
+    CollectedLog log;
+    CGContextRestoreGState(c);
     EXPECT_EQ(CGContextGetLineWidth(c), 2) << "nothing saved, nothing restored";
+    ASSERT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(log.lines()[0], "3 CGContextRestoreGState: no graphics state was saved");
 }
 
 TEST(ContextStack, LeavesPathAndTextMatrixAlone) {
@@ -164,6 +170,11 @@ TEST(ContextSettings, ReachTheState) {
     CGContextSetTextDrawingMode(c, kCGTextClip);
     CGContextSetCompositeOperation(c, 5);
     CGContextSetFontAntialiasingStyle(c, 6);
+    CGContextSetFontSmoothingStyle(c, 16);
+    CGContextSetFontRenderingMode(c, 2);
+    CGContextSetSmoothness(c, 0.25f);
+    CGContextSetSmoothness(c, kNaN);
+    CGContextSaveGState(c);
     const struct {
         const char* what;
         double value, expected;
@@ -186,6 +197,9 @@ TEST(ContextSettings, ReachTheState) {
         {"text mode", double(XGGStateGetTextDrawingMode(s)), kCGTextClip},
         {"operation", double(CGContextGetCompositeOperation(c)), 5},
         {"style", double(CGContextGetFontAntialiasingStyle(c)), 6},
+        {"smoothing style", double(CGContextGetFontSmoothingStyle(c)), 16},
+        {"rendering mode", double(CGContextGetFontRenderingMode(c)), 2},
+        {"smoothness", CGContextGetSmoothness(c), 0.25},
     };
     for (const auto& [what, value, expected] : cases)
         EXPECT_EQ(value, expected) << what;

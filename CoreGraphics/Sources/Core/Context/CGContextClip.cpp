@@ -82,7 +82,7 @@ void CGContextResetClip(CGContextRef context) {
     if (!context)
         return;
     const XGGStateRef state = context->state.get();
-    if (context->kind != kXGContextKindBitmap) {
+    if (!context->holdsBitmap) {
         XGGStateSetClipping(state, nullptr);
         return;
     }

@@ -8,9 +8,7 @@
 
 namespace {
 
-enum class Passes { ShadowAndImage, ShadowAlone };
-
-void drawImage(CGContextRef context, CGRect rect, CGImageRef image, Passes passes,
+void drawImage(CGContextRef context, CGRect rect, CGImageRef image, cg::Passes passes,
                uint32_t passFlags) {
     if (!context || !image)
         return;
@@ -23,20 +21,20 @@ void drawImage(CGContextRef context, CGRect rect, CGImageRef image, Passes passe
     const uint32_t flags = context->allowsFlags | passFlags;
     if (XGGStateHasShadow(state))
         draw(state, flags | kXGContextShadowPass, rect, masked, context->info);
-    if (passes == Passes::ShadowAndImage)
+    if (passes == cg::Passes::ShadowAndMark)
         draw(state, flags, rect, masked, context->info);
 }
 
 } // namespace
 
 void CGContextDrawImage(CGContextRef context, CGRect rect, CGImageRef image) {
-    drawImage(context, rect, image, Passes::ShadowAndImage, 0);
+    drawImage(context, rect, image, cg::Passes::ShadowAndMark, 0);
 }
 
 void CGContextDrawTiledImage(CGContextRef context, CGRect rect, CGImageRef image) {
-    drawImage(context, rect, image, Passes::ShadowAndImage, kXGContextTiledImage);
+    drawImage(context, rect, image, cg::Passes::ShadowAndMark, kXGContextTiledImage);
 }
 
 void XGContextDrawShadowImage(CGContextRef context, CGRect rect, CGImageRef image) {
-    drawImage(context, rect, image, Passes::ShadowAlone, 0);
+    drawImage(context, rect, image, cg::Passes::ShadowAlone, 0);
 }

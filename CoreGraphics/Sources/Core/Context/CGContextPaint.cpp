@@ -70,25 +70,37 @@ void drawPass(CGContext& context, const PathMarks& marks, uint32_t passFlags) {
     }
 }
 
-void drawMarks(CGContext& context, const PathMarks& marks) {
+void drawMarks(CGContext& context, const PathMarks& marks, cg::Passes passes) {
     cg::prepare(context);
     const bool hasPen = marks.stroke.path && marks.stroke.form == cg::StrokeForm::Line;
     const XGGStateRef state = context.state.get();
     const LineWidthScope scope(state, hasPen ? marks.stroke.width : XGGStateGetLineWidth(state));
     if (XGGStateHasShadow(state))
         drawPass(context, marks, kXGContextShadowPass);
-    drawPass(context, marks, 0);
+    if (passes == cg::Passes::ShadowAndMark)
+        drawPass(context, marks, 0);
 }
 
-void drawPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode) {
-    if (CGPathIsEmpty(path) || !context.callbacks.drawPath)
+void drawPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode, cg::Passes passes) {
+    if (CGPathIsEmpty(path) || !context.callbacks.drawPath ||
+        !(cg::fills(mode) || cg::strokes(mode)))
         return;
     PathMarks marks;
     if (cg::fills(mode))
         marks = {.fill = path, .evenOdd = cg::isEvenOdd(mode)};
     if (cg::strokes(mode))
         marks.stroke = cg::deviceStroke(context.state.get(), path);
-    drawMarks(context, marks);
+    drawMarks(context, marks, passes);
+}
+
+// Consumes the current path. It is taken first: a destination that draws by calling back finds no
+// current path.
+void paintCurrentPath(CGContextRef context, CGPathDrawingMode mode, cg::Passes passes) {
+    if (!context || !context->path)
+        return;
+    auto path = cg::takePath(*context);
+    drawPath(*context, path.get(), mode, passes);
+    cg::recyclePath(*context, std::move(path));
 }
 
 // Paints a path of its own that `build(path, ctm)` makes; the current one is dropped.
@@ -104,12 +116,10 @@ void paintShape(CGContextRef context, CGPathDrawingMode mode, Build build) {
 } // namespace
 
 void CGContextDrawPath(CGContextRef context, CGPathDrawingMode mode) {
-    if (!context || !context->path)
-        return;
-    // Taken first: a destination that draws by calling back finds no current path.
-    auto path = cg::takePath(*context);
-    drawPath(*context, path.get(), mode);
-    cg::recyclePath(*context, std::move(path));
+    paintCurrentPath(context, mode, cg::Passes::ShadowAndMark);
+}
+void XGContextDrawShadowPath(CGContextRef context, CGPathDrawingMode mode) {
+    paintCurrentPath(context, mode, cg::Passes::ShadowAlone);
 }
 
 void CGContextFillPath(CGContextRef context) {

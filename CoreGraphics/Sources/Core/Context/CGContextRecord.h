@@ -41,6 +41,9 @@ inline const CGAffineTransform* combinedCTM(CGContextRef context) {
     return XGGStateGetCombinedCTM(stateOf(context));
 }
 
+// What is drawn where the state has a shadow; without one ShadowAlone draws nothing.
+enum class Passes { ShadowAndMark, ShadowAlone };
+
 // Lets the destination get ready for marks.
 inline void prepare(CGContext& context) {
     if (context.callbacks.prepare)

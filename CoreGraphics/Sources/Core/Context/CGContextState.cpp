@@ -3,7 +3,9 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Core/Object/Diagnostics.h"
 #include "Core/State/StateReuse.h"
+#include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
 #include <utility>
@@ -51,10 +53,14 @@ void CGContextSaveGState(CGContextRef context) {
 }
 
 void CGContextRestoreGState(CGContextRef context) {
-    const CFMutableArrayRef saved = context ? context->savedStates.get() : nullptr;
-    const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
-    if (count == 0)
+    if (!context)
         return;
+    const CFMutableArrayRef saved = context->savedStates.get();
+    const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
+    if (count == 0) {
+        CG_LOG_ERROR("no graphics state was saved");
+        return;
+    }
     // A destination that keeps the clip rasterised has the one of the state that goes, or of one
     // that went earlier, with no mark since.
     const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get()) ||
@@ -181,6 +187,33 @@ void CGContextSetFontAntialiasingStyle(CGContextRef context, int32_t style) {
 
 int32_t CGContextGetFontAntialiasingStyle(CGContextRef context) {
     return XGGStateGetFontAntialiasingStyle(stateOf(context));
+}
+
+void CGContextSetFontSmoothingStyle(CGContextRef context, int32_t style) {
+    if (context)
+        stateOf(context)->values.fontSmoothingStyle = style;
+}
+
+int32_t CGContextGetFontSmoothingStyle(CGContextRef context) {
+    return context ? stateOf(context)->values.fontSmoothingStyle : 0;
+}
+
+void CGContextSetFontRenderingMode(CGContextRef context, int32_t mode) {
+    if (context)
+        stateOf(context)->values.fontRenderingMode = mode;
+}
+
+int32_t CGContextGetFontRenderingMode(CGContextRef context) {
+    return context ? stateOf(context)->values.fontRenderingMode : 0;
+}
+
+void CGContextSetSmoothness(CGContextRef context, CGFloat smoothness) {
+    if (context && std::isfinite(smoothness) && smoothness >= 0)
+        stateOf(context)->values.smoothness = smoothness;
+}
+
+CGFloat CGContextGetSmoothness(CGContextRef context) {
+    return context ? stateOf(context)->values.smoothness : 0;
 }
 
 // ---- What the context allows, whatever its states ask for

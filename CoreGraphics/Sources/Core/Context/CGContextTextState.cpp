@@ -12,6 +12,10 @@ void CGContextSetFont(CGContextRef context, CGFontRef font) {
     XGGStateSetFont(stateOf(context), font);
 }
 
+CGFontRef CGContextGetFont(CGContextRef context) {
+    return XGGStateGetFont(stateOf(context));
+}
+
 // Deliberate: unlike a line width, a size that makes no sense is not ignored but becomes 0.
 void CGContextSetFontSize(CGContextRef context, CGFloat size) {
     XGGStateSetFontSize(stateOf(context), std::isfinite(size) && size >= 0 ? size : 0);

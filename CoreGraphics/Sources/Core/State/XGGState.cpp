@@ -87,13 +87,15 @@ bool equalPaint(const cg::StateValues& a, const cg::StateValues& b) {
 bool equalText(const cg::StateValues& a, const cg::StateValues& b) {
     return cf::equalOrBothAbsent(a.font.get(), b.font.get()) && a.fontSize == b.fontSize &&
            a.characterSpacing == b.characterSpacing && a.textDrawingMode == b.textDrawingMode &&
-           a.fontAntialiasingStyle == b.fontAntialiasingStyle;
+           a.fontAntialiasingStyle == b.fontAntialiasingStyle &&
+           a.fontSmoothingStyle == b.fontSmoothingStyle &&
+           a.fontRenderingMode == b.fontRenderingMode;
 }
 
 bool equalLines(const cg::StateValues& a, const cg::StateValues& b) {
-    return a.flatness == b.flatness && a.miterLimit == b.miterLimit && a.lineCap == b.lineCap &&
-           a.lineJoin == b.lineJoin && a.lineWidth == b.lineWidth &&
-           cf::equalOrBothAbsent(a.lineDash.get(), b.lineDash.get());
+    return a.flatness == b.flatness && a.smoothness == b.smoothness &&
+           a.miterLimit == b.miterLimit && a.lineCap == b.lineCap && a.lineJoin == b.lineJoin &&
+           a.lineWidth == b.lineWidth && cf::equalOrBothAbsent(a.lineDash.get(), b.lineDash.get());
 }
 
 } // namespace

@@ -56,6 +56,9 @@ struct StateValues {
     cf::Ref<XGLineDashRef> lineDash; // Absent for solid lines.
     int32_t compositeOperation = 0;
     int32_t fontAntialiasingStyle = 0;
+    int32_t fontSmoothingStyle = 0;
+    int32_t fontRenderingMode = 0;
+    CGFloat smoothness = 0;
 };
 
 } // namespace cg

@@ -32,7 +32,10 @@ XGLineDashRef XGLineDashCreate(const CGFloat* lengths, uint32_t count, CGFloat p
         CG_LOG_WARNING("no lengths given for a dash of %u", static_cast<unsigned>(count));
         return nullptr;
     }
-    const auto dash = cg::create<XGLineDash>(kLineDashClass, count * sizeof(CGFloat));
+    std::size_t bytes = 0;
+    if (__builtin_mul_overflow(count, sizeof(CGFloat), &bytes))
+        return nullptr;
+    const auto dash = cg::create<XGLineDash>(kLineDashClass, bytes);
     if (!dash)
         return nullptr;
 
