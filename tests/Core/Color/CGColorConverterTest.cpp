@@ -5,18 +5,19 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Support/FailingAllocator.h"
+#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 #include <lcms2.h>
 
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <memory>
 #include <random>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -266,21 +267,17 @@ TEST(ColorConverter, ThreadsShareTransformsOfManyPairs) {
         expected.push_back(convertedByLittleCMS(from, format, to, format, INTENT_PERCEPTUAL,
                                                 randomRow(from, format)));
     });
-    std::vector<std::thread> threads;
-    std::array<int, 4> mismatches = {};
-    for (int& count : mismatches)
-        threads.emplace_back([&] {
-            for (int round = 0; round < 2; ++round) {
-                std::size_t index = 0;
-                each([&](const Installed& from, const Installed& to) {
-                    count += convertedByUs(from, format, to, format, kCGRenderingIntentDefault,
-                                           randomRow(from, format)) != expected[index++];
-                });
-            }
-        });
-    for (auto& thread : threads)
-        thread.join();
-    EXPECT_EQ(mismatches, (std::array<int, 4>{}));
+    std::atomic<int> mismatches = 0;
+    test::onThreads([&](std::size_t) {
+        for (int round = 0; round < 2; ++round) {
+            std::size_t index = 0;
+            each([&](const Installed& from, const Installed& to) {
+                mismatches += convertedByUs(from, format, to, format, kCGRenderingIntentDefault,
+                                            randomRow(from, format)) != expected[index++];
+            });
+        }
+    });
+    EXPECT_EQ(mismatches, 0);
 }
 
 // Preparing a conversion between two profiles is left out: there the engine itself does not survive

@@ -152,18 +152,6 @@ TEST(Color, IsOpaqueAboveAThousandthLess) {
     EXPECT_FALSE(_CGColorIsOpaque(nullptr));
 }
 
-TEST(Color, NullAnswersNeutrally) {
-    EXPECT_EQ(CGColorGetAlpha(nullptr), 0);
-    EXPECT_EQ(CGColorGetNumberOfComponents(nullptr), 0u);
-    EXPECT_EQ(CGColorGetComponents(nullptr), nullptr);
-    EXPECT_EQ(CGColorGetColorSpace(nullptr), nullptr);
-    EXPECT_EQ(CGColorRetain(nullptr), nullptr);
-    CGColorRelease(nullptr);
-    CGFloat values[] = {9, 9, 9, 9};
-    _CGColorGetRGBA(nullptr, &values[0], &values[1], &values[2], &values[3]);
-    EXPECT_EQ(values[0] + values[1] + values[2] + values[3], 0);
-}
-
 TEST(Color, DescribesItsComponents) {
     const auto text = cf::adopt(CFCopyDescription(rgb(1, 0.5f, 0.25f, 1).get()));
     char actual[128] = "";

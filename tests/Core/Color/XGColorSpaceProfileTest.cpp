@@ -9,6 +9,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Support/CollectedLog.h"
+#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 #include <lcms2.h>
@@ -17,7 +18,6 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -261,7 +261,7 @@ TEST(ProfileConversion, ComesBackWhereItStarted) {
 }
 
 TEST(ProfileConversion, RunsInManyThreadsAtOnce) {
-    const auto work = [] {
+    test::onThreads([](std::size_t) {
         for (int turn = 0; turn < 50; ++turn) {
             const Color ink = cf::adopt(CGColorCreateGenericCMYK(0, 1, 1, 0, 1));
             CGFloat red = 0, green = 1;
@@ -269,12 +269,7 @@ TEST(ProfileConversion, RunsInManyThreadsAtOnce) {
             EXPECT_GT(red, green);
             XGColorSpaceGetSRGB();
         }
-    };
-    std::vector<std::thread> threads;
-    for (int count = 0; count < 4; ++count)
-        threads.emplace_back(work);
-    for (std::thread& thread : threads)
-        thread.join();
+    });
 }
 
 } // namespace

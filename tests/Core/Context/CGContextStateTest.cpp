@@ -36,20 +36,6 @@ TEST(Context, IsMadeOverATableOfVersionZero) {
         << "the record is as large as its kind asks for";
 }
 
-TEST(Context, DrawsWithoutCallbacksInSilence) {
-    const XGContextCallbacks table = {};
-    const auto context = cf::adopt(XGContextCreate(7, &table, nullptr, 0));
-    const CGContextRef c = context.get();
-    CGContextFillRect(c, CGRectMake(0, 0, 1, 1));
-    CGContextAddRect(c, CGRectMake(0, 0, 1, 1));
-    CGContextDrawPath(c, kCGPathFillStroke);
-    EXPECT_TRUE(CGContextIsPathEmpty(c));
-    CGContextBeginTransparencyLayer(c, nullptr);
-    CGContextEndTransparencyLayer(c);
-    CGContextFlush(c);
-    CGContextSynchronize(c);
-}
-
 TEST(Context, TellsItsDestinationWhenItEnds) {
     RecordingBackend backend;
     CGContextFlush(backend.context());
@@ -339,41 +325,6 @@ TEST(ContextTransform, DeviceSpaceOfABitmapCountsFromItsTop) {
     ASSERT_TRUE(bitmap);
     EXPECT_TRUE(
         CGPointEqualToPoint(CGContextConvertPointToDeviceSpace(bitmap.get(), {1, 2}), {1, 8}));
-}
-
-TEST(ContextNull, IsIgnoredEverywhere) {
-    const CGRect rect = CGRectMake(1, 2, 3, 4);
-    EXPECT_TRUE(CGAffineTransformIsIdentity(CGContextGetCTM(nullptr)));
-    EXPECT_TRUE(CGAffineTransformIsIdentity(CGContextGetUserSpaceToDeviceSpaceTransform(nullptr)));
-    EXPECT_TRUE(CGPointEqualToPoint(CGContextConvertPointToDeviceSpace(nullptr, {1, 2}), {0, 0}));
-    EXPECT_TRUE(CGSizeEqualToSize(CGContextConvertSizeToUserSpace(nullptr, {1, 2}), {0, 0}));
-    EXPECT_TRUE(CGRectEqualToRect(CGContextConvertRectToUserSpace(nullptr, rect), rect));
-    EXPECT_TRUE(CGRectIsNull(CGContextGetPathBoundingBox(nullptr)));
-    EXPECT_TRUE(CGContextIsPathEmpty(nullptr));
-    EXPECT_EQ(CGContextCopyPath(nullptr), nullptr);
-    EXPECT_EQ(CGContextGetInterpolationQuality(nullptr), kCGInterpolationNone);
-    EXPECT_EQ(CGContextRetain(nullptr), nullptr);
-    CGContextRelease(nullptr);
-    CGContextSaveGState(nullptr);
-    CGContextRestoreGState(nullptr);
-    CGContextMoveToPoint(nullptr, 0, 0);
-    CGContextAddLineToPoint(nullptr, 0, 0);
-    CGContextAddRects(nullptr, &rect, 1);
-    CGContextFillRect(nullptr, rect);
-    CGContextClearRect(nullptr, rect);
-    CGContextStrokeRectWithWidth(nullptr, rect, 2);
-    CGContextFillEllipseInRect(nullptr, rect);
-    CGContextDrawPath(nullptr, kCGPathFill);
-    CGContextClip(nullptr);
-    CGContextClipToRect(nullptr, rect);
-    CGContextResetClip(nullptr);
-    CGContextReplacePathWithStrokedPath(nullptr);
-    CGContextSetRGBFillColor(nullptr, 1, 0, 0, 1);
-    CGContextSetCMYKFillColor(nullptr, 1, 0, 0, 1, 1);
-    CGContextSetShadow(nullptr, {1, 1}, 1);
-    CGContextBeginTransparencyLayer(nullptr, nullptr);
-    CGContextEndTransparencyLayer(nullptr);
-    XGContextSetScales(nullptr, false, 1, 1, 1);
 }
 
 } // namespace

@@ -5,12 +5,12 @@
 
 #include "Support/Bitmaps.h"
 #include "Support/Picture.h"
+#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstring>
-#include <thread>
 
 namespace {
 
@@ -50,14 +50,10 @@ TEST(DrawingThreads, DrawTheSamePicture) {
         cf::adopt(CGPathCreateWithEllipseInRect(CGRectMake(4, 4, 50, 40), nullptr)),
         cf::adopt(CGColorCreateGenericRGB(1, 0.5f, 0, 0.75f)),
     };
-    std::array<std::thread, 4> threads;
-    for (std::size_t index = 0; index < threads.size(); ++index)
-        threads[index] = std::thread([&shared, &context = contexts[index]] {
-            context = test::makeContext(kSize, kSize);
-            draw(context.get(), shared);
-        });
-    for (std::thread& thread : threads)
-        thread.join();
+    test::onThreads([&](std::size_t thread) {
+        contexts[thread] = test::makeContext(kSize, kSize);
+        draw(contexts[thread].get(), shared);
+    });
     EXPECT_NE(test::Picture(contexts[0].get()),
               test::Picture(test::makeContext(kSize, kSize).get()));
     for (const auto& context : contexts)

@@ -7,11 +7,11 @@
 
 #include "PixelImages.h"
 #include "Support/FailingAllocator.h"
+#include "Support/Threads.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
-#include <thread>
 
 namespace {
 
@@ -141,16 +141,12 @@ TEST(DrawablePixels, AreConvertedOnceForAllThreads) {
     std::array<const void*, 4> pixels = {};
     std::array<CGImageRef, 4> baked = {};
     std::array<bool, 4> isRead = {};
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        threads.emplace_back([&, i] {
-            const auto drawable = DrawablePixels::of(image.get(), kRGB, kCGRenderingIntentDefault);
-            pixels[i] = drawable ? drawable->pixels() : nullptr;
-            baked[i] = _CGImageGetMaskedImage(masked.get());
-            isRead[i] = test::readPixels<std::uint16_t>(image.get(), 4, true, true).has_value();
-        });
-    for (auto& thread : threads)
-        thread.join();
+    test::onThreads([&](std::size_t i) {
+        const auto drawable = DrawablePixels::of(image.get(), kRGB, kCGRenderingIntentDefault);
+        pixels[i] = drawable ? drawable->pixels() : nullptr;
+        baked[i] = _CGImageGetMaskedImage(masked.get());
+        isRead[i] = test::readPixels<std::uint16_t>(image.get(), 4, true, true).has_value();
+    });
     EXPECT_THAT(pixels, testing::Each(testing::AllOf(pixels[0], testing::NotNull())));
     EXPECT_THAT(baked, testing::Each(testing::AllOf(baked[0], testing::NotNull())));
     EXPECT_THAT(isRead, testing::Each(true));

@@ -3,11 +3,11 @@
 #include <CoreFoundation/CFConstantString.h>
 
 #include "Images.h"
+#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <thread>
 
 namespace {
 
@@ -33,11 +33,7 @@ TEST(ImageThreads, CropCompareMarkAndTraceOneImage) {
             mistakes += !CGImageForceDecode(image.get());
         }
     };
-    std::vector<std::thread> threads;
-    for (std::size_t number = 0; number < 4; ++number)
-        threads.emplace_back(work, number);
-    for (std::thread& thread : threads)
-        thread.join();
+    onThreads(work);
     EXPECT_EQ(mistakes, 0);
 }
 

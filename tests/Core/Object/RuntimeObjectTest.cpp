@@ -1,8 +1,9 @@
 // RuntimeObjectTest.cpp: C++ records as runtime objects.
 
+#include "Core/Object/RuntimeObject.h"
+
 #include <CoreFoundation/CFString.h>
 
-#include "Core/Object/RuntimeObject.h"
 #include "Support/FailingAllocator.h"
 
 #include <gtest/gtest.h>
@@ -111,11 +112,6 @@ TEST(RuntimeObject, WithoutMemoryNothingIsConstructed) {
     EXPECT_EQ(sweep.failures, 1u);
     EXPECT_EQ(sweep.leakedBytes, 0);
     EXPECT_TRUE(isNeutral);
-}
-
-TEST(RuntimeObject, RetainAndReleaseTakeNull) {
-    EXPECT_EQ(cg::retain(static_cast<WidgetRef>(nullptr)), nullptr);
-    cg::release(static_cast<WidgetRef>(nullptr));
 }
 
 } // namespace

@@ -6,10 +6,11 @@
 #include <CoreFoundation/CFString.h>
 #include <CoreGraphics/CGColor.h>
 
+#include "Support/Threads.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -106,11 +107,8 @@ TEST(Gradient, EqualsItselfAlone) {
 TEST(Gradient, HasOneFunctionWhicheverThreadAsksFirst) {
     const Gradient gradient = makeGray({0, 1}, nullptr);
     std::array<CGFunctionRef, 4> functions = {};
-    std::vector<std::thread> threads;
-    for (CGFunctionRef& function : functions)
-        threads.emplace_back([&] { function = XGGradientGetFunction(gradient.get()); });
-    for (std::thread& thread : threads)
-        thread.join();
+    test::onThreads(
+        [&](std::size_t thread) { functions[thread] = XGGradientGetFunction(gradient.get()); });
     for (const CGFunctionRef function : functions)
         EXPECT_EQ(function, functions[0]);
 }

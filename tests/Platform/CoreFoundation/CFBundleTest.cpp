@@ -334,27 +334,4 @@ TEST_F(CFBundleInFolder, OfALibraryIsFoundByAnAddressInIt) {
     EXPECT_EQ(_CFBundleCreateWithImageOfAddress(nullptr, nullptr, CFSTR("Kit")), nullptr);
 }
 
-TEST(CFBundle, NothingComesOfNothing) {
-    EXPECT_EQ(CFBundleCreate(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetBundleWithIdentifier(nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyBundleURL(nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetInfoDictionary(nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetLocalInfoDictionary(nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetValueForInfoDictionaryKey(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetIdentifier(nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetVersionNumber(nullptr), 0u);
-    EXPECT_EQ(CFBundleGetDevelopmentRegion(nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyResourcesDirectoryURL(nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopySupportFilesDirectoryURL(nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyResourceURL(nullptr, nullptr, nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyResourceURLsOfType(nullptr, nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyBundleLocalizations(nullptr), nullptr);
-    EXPECT_EQ(CFBundleCopyLocalizedString(nullptr, nullptr, nullptr, nullptr), nullptr);
-    EXPECT_EQ(takeText(CFBundleCopyLocalizedString(nullptr, CFSTR("k"), nullptr, nullptr)), "k");
-    EXPECT_EQ(CFBundleCopyExecutableURL(nullptr), nullptr);
-    EXPECT_EQ(CFBundleGetFunctionPointerForName(nullptr, CFSTR("malloc")), nullptr);
-    EXPECT_FALSE(CFBundleIsExecutableLoaded(nullptr));
-    CFBundleUnloadExecutable(nullptr);
-}
-
 } // namespace

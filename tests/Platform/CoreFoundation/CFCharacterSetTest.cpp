@@ -129,12 +129,6 @@ TEST(CFCharacterSet, ToleratesBadInput) {
     EXPECT_EQ(log.lines().size(), 1u);
     EXPECT_EQ(cf::adopt(CFCharacterSetCreateCopy(nullptr, set.get())), set);
     EXPECT_EQ(CFCharacterSetCreateWithCharactersInRange(nullptr, {-1, 1}), nullptr);
-    EXPECT_EQ(CFCharacterSetCreateCopy(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFCharacterSetCreateMutableCopy(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFCharacterSetCreateBitmapRepresentation(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFCharacterSetCreateWithCharactersInString(nullptr, nullptr), nullptr);
-    EXPECT_FALSE(CFCharacterSetIsSupersetOfSet(nullptr, set.get()));
-    CFCharacterSetUnion(nullptr, set.get());
 }
 
 TEST(CFCharacterSet, IsSearchedForInStrings) {

@@ -244,24 +244,12 @@ TEST(CFDictionary, ImmutableOnesStayAsTheyAre) {
     EXPECT_EQ(contents(dictionary.get()), (Model{{1, 1}}));
 }
 
-TEST(CFDictionary, RefusesMissingArguments) {
+TEST(CFDictionary, RefusesBadArguments) {
     EXPECT_EQ(CFDictionaryCreate(nullptr, nullptr, nullptr, 1, nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFDictionaryCreate(nullptr, nullptr, nullptr, -1, nullptr, nullptr), nullptr);
     EXPECT_EQ(CFDictionaryCreateMutable(nullptr, -1, nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFDictionaryCreateCopy(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFDictionaryCreateMutableCopy(nullptr, 0, nullptr), nullptr);
-    EXPECT_EQ(CFDictionaryGetCount(nullptr), 0);
-    EXPECT_EQ(CFDictionaryGetValue(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFDictionaryGetCountOfValue(nullptr, nullptr), 0);
-    EXPECT_FALSE(CFDictionaryContainsKey(nullptr, nullptr));
-    CFDictionaryGetKeysAndValues(nullptr, nullptr, nullptr);
-    CFDictionaryApplyFunction(nullptr, nullptr, nullptr);
     CFDictionaryApplyFunction(makeDictionary().get(), nullptr, nullptr);
-    CFDictionarySetValue(nullptr, nullptr, nullptr);
-    CFDictionaryRemoveAllValues(nullptr);
     EXPECT_EQ(CFDictionaryGetCount(reinterpret_cast<CFDictionaryRef>(kCFNull)), 0)
         << "an object of another class";
-
     const auto most = cf::adopt(
         CFDictionaryCreateMutable(nullptr, std::numeric_limits<CFIndex>::max(), nullptr, nullptr));
     EXPECT_TRUE(most) << "the capacity is only a hint";

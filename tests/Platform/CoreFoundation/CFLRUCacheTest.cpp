@@ -120,18 +120,4 @@ TEST(CFLRUCache, LookingAKeyUpIsUseAndAskingForItIsNot) {
     EXPECT_EQ(_CFLRUCacheGetCapacity(cache.get()), 2);
 }
 
-TEST(CFLRUCache, RefusesMissingArguments) {
-    EXPECT_EQ(_CFLRUCacheCreate(nullptr, 0, nullptr, nullptr), nullptr);
-    EXPECT_EQ(_CFLRUCacheCreate(nullptr, -1, nullptr, nullptr), nullptr);
-    EXPECT_EQ(_CFLRUCacheGetCount(nullptr), 0);
-    EXPECT_EQ(_CFLRUCacheGetValue(nullptr, nullptr), nullptr);
-    EXPECT_FALSE(_CFLRUCacheSetValue(nullptr, nullptr, nullptr));
-    _CFLRUCacheSetCapacity(nullptr, 5);
-    _CFLRUCacheRemoveValue(nullptr, nullptr);
-    _CFLRUCacheRemoveAllValues(nullptr);
-    const Cache cache = makeCache(3);
-    _CFLRUCacheSetCapacity(cache.get(), 0);
-    EXPECT_EQ(_CFLRUCacheGetCapacity(cache.get()), 3);
-}
-
 } // namespace

@@ -130,17 +130,4 @@ TEST(CFRuntime, EqualityAndHashAreTheClassesOwn) {
     EXPECT_EQ(CFHash(plain.get()), reinterpret_cast<CFHashCode>(plain.get()));
 }
 
-TEST(CFRuntime, NullIsNoObject) {
-    EXPECT_EQ(CFRetain(nullptr), nullptr);
-    CFRelease(nullptr);
-    EXPECT_EQ(CFGetRetainCount(nullptr), 0);
-    EXPECT_EQ(CFGetTypeID(nullptr), 0u);
-    EXPECT_FALSE(CFEqual(nullptr, nullptr));
-    EXPECT_EQ(CFHash(nullptr), 0u);
-    EXPECT_EQ(CFGetAllocator(nullptr), nullptr);
-    EXPECT_FALSE(_CFRuntimeIsImmortal(nullptr));
-    _CFRuntimeSetImmortal(nullptr);
-    _CFRuntimeInitStaticInstance(nullptr, boxType());
-}
-
 } // namespace

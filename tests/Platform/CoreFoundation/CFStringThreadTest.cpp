@@ -1,41 +1,25 @@
 // CFStringThreadTest.cpp: what many threads do to strings at once.
 
 #include "StringTexts.h"
+#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <atomic>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
 
-constexpr int kThreads = 4;
-
-// Runs `work(thread)` on all threads, none of which starts before the others are there.
-template <typename Work>
-void runTogether(Work work) {
-    std::atomic<int> waiting = kThreads;
-    std::vector<std::thread> threads;
-    for (int thread = 0; thread < kThreads; ++thread)
-        threads.emplace_back([&, thread] {
-            --waiting;
-            while (waiting > 0)
-                std::this_thread::yield();
-            work(thread);
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-}
+using test::kThreads;
 
 TEST(CFStringThreads, AgreeOnEveryConstant) {
     constexpr int kTexts = 2000;
     std::array<std::vector<CFStringRef>, kThreads> made;
-    runTogether([&](int thread) {
+    test::onThreads([&](std::size_t thread) {
         for (int i = 0; i < kTexts; ++i)
-            made[size_t(thread)].push_back(__CFStringMakeConstantString(
+            made[thread].push_back(__CFStringMakeConstantString(
                 ("thread constant \u00E9" + std::to_string(i)).c_str()));
     });
     for (int i = 0; i < kTexts; ++i) {
@@ -49,14 +33,14 @@ TEST(CFStringThreads, AgreeOnEveryConstant) {
 TEST(CFStringThreads, ShareImmutableStrings) {
     const test::String shared = test::string(u"shared by all \u4E16");
     std::array<CFHashCode, kThreads> hashes = {};
-    runTogether([&](int thread) {
+    test::onThreads([&](std::size_t thread) {
         for (int i = 0; i < 2000; ++i) {
             const auto copy = cf::adopt(CFStringCreateCopy(nullptr, shared.get()));
-            hashes[size_t(thread)] = CFHash(copy.get());
+            hashes[thread] = CFHash(copy.get());
             const auto text = cf::adopt(
                 CFStringCreateWithFormat(nullptr, nullptr, CFSTR("%@ %d"), copy.get(), i));
             if (CFStringFind(text.get(), shared.get(), kCFCompareCaseInsensitive).location != 0)
-                hashes[size_t(thread)] = 0;
+                hashes[thread] = 0;
         }
     });
     for (const CFHashCode hash : hashes)
@@ -66,8 +50,8 @@ TEST(CFStringThreads, ShareImmutableStrings) {
 TEST(CFStringThreads, ReadOneLocale) {
     const auto locale = cf::adopt(CFLocaleCreate(nullptr, CFSTR("de_AT")));
     std::array<CFTypeRef, kThreads> values = {};
-    runTogether([&](int thread) {
-        values[size_t(thread)] = CFLocaleGetValue(locale.get(), kCFLocaleCountryCode);
+    test::onThreads([&](std::size_t thread) {
+        values[thread] = CFLocaleGetValue(locale.get(), kCFLocaleCountryCode);
     });
     for (const CFTypeRef value : values) {
         EXPECT_EQ(value, values[0]);

@@ -328,30 +328,4 @@ TEST(CFURL, EqualityIsOfStringsAndBases) {
               "a -- http://h/");
 }
 
-TEST(CFURL, NothingComesOfNothing) {
-    CFRange range;
-    Boolean isAbsolute = true;
-    EXPECT_EQ(CFURLCreateWithString(nullptr, nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyAbsoluteURL(nullptr), nullptr);
-    EXPECT_EQ(CFURLGetString(nullptr), nullptr);
-    EXPECT_EQ(CFURLGetBaseURL(nullptr), nullptr);
-    EXPECT_FALSE(CFURLCanBeDecomposed(nullptr));
-    EXPECT_EQ(CFURLGetBytes(nullptr, nullptr, 0), -1);
-    EXPECT_EQ(CFURLGetByteRangeForComponent(nullptr, kCFURLComponentHost, &range).location, -1);
-    EXPECT_EQ(CFURLCopyScheme(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyNetLocation(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyPath(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyStrictPath(nullptr, &isAbsolute), nullptr);
-    EXPECT_FALSE(isAbsolute);
-    EXPECT_EQ(CFURLCopyResourceSpecifier(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyHostName(nullptr), nullptr);
-    EXPECT_EQ(CFURLGetPortNumber(nullptr), -1);
-    EXPECT_EQ(CFURLCopyUserName(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyPassword(nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyQueryString(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyFragment(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFURLCopyParameterString(nullptr, nullptr), nullptr);
-    EXPECT_EQ(CFURLCreateData(nullptr, nullptr, kCFStringEncodingUTF8, false), nullptr);
-}
-
 } // namespace

@@ -3,6 +3,7 @@
 #include <CoreFoundation/CFNumber.h>
 #include <CoreFoundation/CFRuntime.h>
 
+#include "Support/Threads.h"
 #include "TestObjects.h"
 
 #include <gtest/gtest.h>
@@ -10,28 +11,11 @@
 #include <array>
 #include <atomic>
 #include <set>
-#include <thread>
-#include <vector>
 
 namespace {
 
-constexpr int kThreads = 4;
-
-// Runs `body(number of the thread)` on several threads that start together.
-template <typename Body>
-void onThreads(Body body) {
-    std::atomic<bool> go = false;
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i)
-        threads.emplace_back([&, i] {
-            while (!go)
-                std::this_thread::yield();
-            body(i);
-        });
-    go = true;
-    for (std::thread& thread : threads)
-        thread.join();
-}
+using test::kThreads;
+using test::onThreads;
 
 std::atomic<int> finalized = 0;
 
@@ -56,14 +40,14 @@ TEST(Threads, RetainAndReleaseOneObjectAndFinaliseItOnce) {
         finalized = 0;
         auto* const shared = static_cast<Shared*>(const_cast<void*>(_CFRuntimeCreateUntypedInstance(
             nullptr, &kSharedClass, sizeof(Shared) - sizeof(CFRuntimeBase))));
-        for (int i = 1; i < kThreads; ++i)
+        for (size_t i = 1; i < kThreads; ++i)
             CFRetain(shared);
-        onThreads([&](int thread) {
+        onThreads([&](std::size_t thread) {
             for (int i = 0; i < 100; ++i) {
                 CFRetain(shared);
                 CFRelease(shared);
             }
-            shared->written[size_t(thread)] = 1;
+            shared->written[thread] = 1;
             CFRelease(shared);
         });
         ASSERT_EQ(finalized, 1);
@@ -78,9 +62,9 @@ TEST(Threads, RegisterClassesWithoutSharingAnIdentifier) {
         return made;
     }();
     std::array<CFTypeID, records.size()> types = {};
-    onThreads([&](int thread) {
+    onThreads([&](std::size_t thread) {
         for (size_t i = 0; i < 16; ++i) {
-            const size_t index = size_t(thread) * 16 + i;
+            const size_t index = thread * 16 + i;
             types[index] = _CFRuntimeRegisterClass(&records[index]);
             const auto object =
                 cf::adopt(_CFRuntimeCreateInstance(nullptr, types[index], 0, nullptr));
@@ -94,12 +78,12 @@ TEST(Threads, RegisterClassesWithoutSharingAnIdentifier) {
 
 TEST(Threads, MeetBuiltInTypesForTheFirstTime) {
     std::array<CFTypeID, kThreads> types = {};
-    onThreads([&](int thread) {
+    onThreads([&](std::size_t thread) {
         const auto set = cf::adopt(CFSetCreateMutable(nullptr, 0, &kCFTypeSetCallBacks));
         const auto array = cf::adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
         CFSetAddValue(set.get(), array.get());
         CFArrayAppendValue(array.get(), kCFBooleanTrue);
-        types[size_t(thread)] = CFGetTypeID(array.get());
+        types[thread] = CFGetTypeID(array.get());
     });
     for (const CFTypeID type : types)
         EXPECT_EQ(type, CFArrayGetTypeID());
@@ -110,7 +94,7 @@ TEST(Threads, ReadOneDictionaryTogether) {
     for (intptr_t key = 1; key <= 1000; ++key)
         CFDictionarySetValue(dictionary.get(), test::pointer(key), test::pointer(key * 2));
     std::atomic<int> wrong = 0;
-    onThreads([&](int) {
+    onThreads([&](std::size_t) {
         for (intptr_t key = 1; key <= 1000; ++key) {
             const void* const value = CFDictionaryGetValue(dictionary.get(), test::pointer(key));
             wrong += value == test::pointer(key * 2) ? 0 : 1;

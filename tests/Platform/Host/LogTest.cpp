@@ -2,39 +2,17 @@
 
 #include <Host/Host.h>
 
+#include "Support/CollectedLog.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-// Collects messages as "level category function text" while it lives.
-class CollectedLog {
-public:
-    CollectedLog() { HostLogSetSink(collect, this); }
-    ~CollectedLog() {
-        HostLogSetSink(nullptr, nullptr);
-        HostLogSetThreshold(kHostLogError);
-    }
-    CollectedLog(const CollectedLog&) = delete;
-    CollectedLog& operator=(const CollectedLog&) = delete;
-
-    const std::vector<std::string>& lines() const { return lines_; }
-
-private:
-    static void collect(HostLogLevel level, const char* category, const char* function,
-                        const char* text, void* context) {
-        static_cast<CollectedLog*>(context)->lines_.push_back(
-            std::to_string(level) + " " + category + " " + function + " " + text);
-    }
-
-    std::vector<std::string> lines_;
-};
 
 TEST(HostLog, PrintsLevelsUpToTheThreshold) {
     const CollectedLog log;
@@ -46,21 +24,21 @@ TEST(HostLog, PrintsLevelsUpToTheThreshold) {
     HostLog(kHostLogError, "Fonts", "open", "no file %d", 7);
     HostLogText(kHostLogWarning, "Fonts", "open", "as it is: %d");
     HostLog(kHostLogDebug, "Fonts", "open", "unseen");
-    EXPECT_THAT(log.lines(), ElementsAre("3 Fonts open no file 7", "4 Fonts open as it is: %d"));
+    EXPECT_THAT(log.lines(), ElementsAre("3 open: no file 7", "4 open: as it is: %d"));
 }
 
 TEST(HostLog, PrintsLongTextsWhole) {
     const CollectedLog log;
     const std::string text(5000, 'x');
     HostLog(kHostLogError, "c", "f", "%s.", text.c_str());
-    EXPECT_THAT(log.lines(), ElementsAre("3 c f " + text + "."));
+    EXPECT_THAT(log.lines(), ElementsAre("3 f: " + text + "."));
 }
 
 TEST(HostLog, TakesMissingTexts) {
     const CollectedLog log;
     HostLogText(kHostLogError, nullptr, nullptr, nullptr);
     HostLog(kHostLogError, nullptr, nullptr, nullptr);
-    EXPECT_THAT(log.lines(), ElementsAre("3   ", "3   "));
+    EXPECT_THAT(log.lines(), ElementsAre("3 : ", "3 : "));
 }
 
 TEST(HostLog, StaysSilentBelowFaultsWhenTheThresholdIsZero) {

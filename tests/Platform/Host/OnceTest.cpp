@@ -2,11 +2,12 @@
 
 #include <Host/Host.h>
 
+#include "Support/Threads.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -15,20 +16,16 @@ TEST(HostOnce, RunsOnceAndEverybodySeesItsEffects) {
         HostOnce once = HOST_ONCE_INIT;
         int value = 0; // Not atomic: the guard must order it.
         std::atomic<int> wrong = 0;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([&] {
-                HostOnceRun(
-                    &once,
-                    [](void* value) {
-                        std::this_thread::yield();
-                        ++*static_cast<int*>(value);
-                    },
-                    &value);
-                wrong += value == 1 ? 0 : 1;
-            });
-        for (std::thread& thread : threads)
-            thread.join();
+        test::onThreads([&](std::size_t) {
+            HostOnceRun(
+                &once,
+                [](void* value) {
+                    std::this_thread::yield();
+                    ++*static_cast<int*>(value);
+                },
+                &value);
+            wrong += value == 1 ? 0 : 1;
+        });
         ASSERT_EQ(wrong, 0);
         ASSERT_EQ(value, 1);
     }
