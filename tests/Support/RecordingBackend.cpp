@@ -109,6 +109,12 @@ XGContextCallbacks RecordingBackend::callbacks() {
                 numbers({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height});
         from(info).note(call, state, flags);
     };
+    table.drawLayer = [](XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef, void* info) {
+        from(info).note(
+            (flags & kXGContextShadowPass ? "shadow layer at " : "layer at ") +
+                numbers({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}),
+            state, flags);
+    };
     table.beginTransparencyLayer = [](XGGStateRef state, uint32_t flags, void* info) {
         from(info).noteLayer("begin", state, flags);
     };

@@ -18,6 +18,7 @@ namespace test {
 //     fill M … even-odd in 1 0 0 1, stroke M … width 1 in 0 0 0 1
 //     rects 0 0 4 4, 5 5 1 1 blend 0
 //     shadow image 2 x 1 at 0 0 4 2 | tiled image 2 x 1 at 0 0 4 2
+//     shadow layer at 0 0 4 2
 //     begin layer alpha 0.5 blend 1 shadowed
 //     end layer alpha 0.5 blend 1 shadowed
 //     shading

@@ -173,6 +173,8 @@ constexpr XGContextCallbacks kCallbacks = {
                       void* info) { backend(info).drawShading(state, flags, shading); },
     .drawImage = [](XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image,
                     void* info) { backend(info).drawImage(state, flags, rect, image); },
+    .drawLayer = [](XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer,
+                    void* info) { backend(info).drawLayer(state, flags, rect, layer); },
     .beginTransparencyLayer =
         [](XGGStateRef state, uint32_t flags, void* info) {
             backend(info).beginTransparencyLayer(state, flags);

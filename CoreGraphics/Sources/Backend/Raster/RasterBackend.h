@@ -7,6 +7,7 @@
 #include "Core/Context/XGBackend.h"
 
 #include <memory>
+#include <optional>
 
 namespace cg {
 
@@ -21,6 +22,7 @@ public:
     void fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects, size_t count);
     void drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading);
     void drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image);
+    void drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer);
     void callBeforeNextMark(bool (*takeBack)(void*), void* owner) {
         takeBack_ = takeBack;
         pixelOwner_ = owner;
@@ -37,6 +39,7 @@ private:
     void drawMark(XGGStateRef state, uint32_t flags, const SkPath& path, const SkPaint& paint);
     void drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
                     const SkPaint& paint);
+    std::optional<SkPixmap> directPixels(CGContextRef layer) const;
     void drawEmptyImage(XGGStateRef state, uint32_t flags, CGRect rect);
 
     Surface base_;

@@ -1,8 +1,29 @@
-// CGContextLayer.cpp: transparency layers.
+// CGContextLayer.cpp: drawing layers, and transparency layers.
 
-#include <CoreGraphics/CGContext.h>
+#include <CoreGraphics/CGLayer.h>
 
 #include "Core/Context/CGContextRecord.h"
+
+// ---- Layers
+
+void CGContextDrawLayerInRect(CGContextRef context, CGRect rect, CGLayerRef layer) {
+    if (!context || !layer)
+        return;
+    cg::prepare(*context);
+    const auto draw = context->callbacks.drawLayer;
+    if (!draw)
+        return;
+    const XGGStateRef state = context->state.get();
+    if (XGGStateHasShadow(state))
+        draw(state, context->allowsFlags | kXGContextShadowPass, rect, layer, context->info);
+    draw(state, context->allowsFlags, rect, layer, context->info);
+}
+
+void CGContextDrawLayerAtPoint(CGContextRef context, CGPoint point, CGLayerRef layer) {
+    CGContextDrawLayerInRect(context, {point, CGLayerGetSize(layer)}, layer);
+}
+
+// ---- Transparency layers
 
 // The destination composites the layer with the state from before; inside, drawing starts over.
 void CGContextBeginTransparencyLayer(CGContextRef context, CFDictionaryRef) {
