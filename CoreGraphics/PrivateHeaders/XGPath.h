@@ -1,9 +1,8 @@
 /* XGPath: what sibling libraries ask of paths beyond the public functions. */
 #pragma once
 
-#include <CoreGraphics/CGPath.h>
-
 #include "XGLineDash.h"
+#include <CoreGraphics/CGPath.h>
 
 CG_BEGIN_DECLS
 
@@ -46,6 +45,36 @@ CG_EXPORT bool _CGPathICantBelieveItsNotACircle(CGPathRef path, CGRect* circle);
  *  for a move, a close, or when there is nowhere to write. */
 CG_EXPORT CGPoint* _CGPathSegmentEvaluate(const CGPathElement* element, CGPoint* points,
                                           uint32_t count);
+
+/** A place where a line crosses a path. */
+typedef struct XGPathIntersection {
+    CGPoint point;
+    uint32_t element;  /**< Which of the elements that CGPathApply hands over, from 0. */
+    CGFloat parameter; /**< Where on that element's segment: 0 at its start, 1 at its end. */
+} XGPathIntersection;
+
+/** Stores the places where the endless line through `p0` and `p1` crosses or touches `path`, in the
+ *  path's order, up to `capacity` of them, and answers how many it stored. What a close draws
+ * counts as a segment; a point that two segments share is found once, as the second one's start; a
+ * segment that lies in the line is found by its start alone. 0 without a path, somewhere to store,
+ * or two points. */
+CG_EXPORT size_t _CGPathLineIntersection(CGPathRef path, XGPathIntersection* results,
+                                         size_t capacity, CGPoint p0, CGPoint p1);
+
+/** Whether filling `path`, by either rule, is filling rectangles along the axes that do not
+ * overlap: every contour is one, open or closed, or encloses nothing. If so `count`, when given,
+ * receives how many there are, and `rects`, when given, the first `capacity` of them, sorted by
+ * their smallest x. False also for points that are not finite. */
+CG_EXPORT bool _CGPathCanBeFilledByRects(CGPathRef path, CGRect* rects, size_t capacity,
+                                         size_t* count);
+/** Whether rectangles along the axes add up to the stroke of `path`: it runs along the axes, caps
+ *  are butt or square, and joins miters that a right angle does not exceed. */
+CG_EXPORT bool _CGPathCanBeStrokedByRects(CGPathRef path, CGLineCap cap, CGLineJoin join,
+                                          CGFloat miterLimit);
+
+/** The path whose points lie at the share `t` of the way from those of `from` to those of `to`; the
+ *  two have the same elements, otherwise the answer is NULL. `t` may lie outside of 0…1. */
+CG_EXPORT CGPathRef _CGPathCreateBlendedPath(CGPathRef from, CGPathRef to, CGFloat t);
 
 /** Writes a path into memory of the process, to be read by the next function, and answers how many
  *  bytes it takes; with a NULL buffer it only does the latter. 0 for a NULL path. */
