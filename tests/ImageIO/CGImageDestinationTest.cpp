@@ -125,6 +125,67 @@ TEST(ImageDestination, LeavesFilesAndDataAsTheyWereOnFailure) {
     EXPECT_EQ(CFDataGetLength(data.get()), 3);
 }
 
+double numberOf(CGImageSourceRef source, CFStringRef key) {
+    const auto found = cf::adopt(CGImageSourceCopyPropertiesAtIndex(source, 0, nullptr));
+    double value = -1;
+    if (const void* const stored = CFDictionaryGetValue(found.get(), key))
+        CFNumberGetValue(static_cast<CFNumberRef>(stored), kCFNumberDoubleType, &value);
+    return value;
+}
+
+cf::Ref<CGImageSourceRef> sourceOf(const Bytes& file) {
+    return cf::adopt(CGImageSourceCreateWithDataProvider(providerOf(file).get(), nullptr));
+}
+
+// From one format into the other with what the file says beside its pixels.
+TEST(ImageDestination, TakesAnImageOfASourceWithItsProperties) {
+    const auto told = properties();
+    CFDictionarySetValue(told.get(), kCGImagePropertyOrientation,
+                         number(kCFNumberIntType, 6).get());
+    CFDictionarySetValue(told.get(), kCGImagePropertyDPIWidth, number(kCFNumberIntType, 300).get());
+    CFDictionarySetValue(told.get(), kCGImagePropertyDPIHeight,
+                         number(kCFNumberIntType, 300).get());
+    const auto source = sourceOf(written(noisyImage().get(), kUTTypePNG, told.get()));
+    const auto turned = properties();
+    CFDictionarySetValue(turned.get(), kCGImagePropertyOrientation,
+                         number(kCFNumberIntType, 3).get());
+    const struct {
+        const char* what;
+        CFStringRef type;
+        CFDictionaryRef properties;
+        int orientation;
+    } cases[] = {
+        {"as PNG", kUTTypePNG, nullptr, 6},
+        {"as JPEG", kUTTypeJPEG, nullptr, 6},
+        {"turned by the caller", kUTTypeJPEG, turned.get(), 3},
+    };
+    for (const auto& [what, type, own, orientation] : cases) {
+        const Data data = emptyData();
+        const auto file = cf::adopt(CGImageDestinationCreateWithData(data.get(), type, 1, nullptr));
+        CGImageDestinationAddImageFromSource(file.get(), source.get(), 0, own);
+        ASSERT_TRUE(CGImageDestinationFinalize(file.get())) << what;
+        const UInt8* const bytes = CFDataGetBytePtr(data.get());
+        const auto copy = sourceOf(Bytes(bytes, bytes + CFDataGetLength(data.get())));
+        EXPECT_EQ(numberOf(copy.get(), kCGImagePropertyOrientation), orientation) << what;
+        EXPECT_NEAR(numberOf(copy.get(), kCGImagePropertyDPIWidth), 300, 0.01) << what;
+        EXPECT_EQ(numberOf(copy.get(), kCGImagePropertyPixelWidth), kWidth) << what;
+        if (CFEqual(type, kUTTypePNG)) {
+            const Image before =
+                cf::adopt(CGImageSourceCreateImageAtIndex(source.get(), 0, nullptr));
+            const Image after = cf::adopt(CGImageSourceCreateImageAtIndex(copy.get(), 0, nullptr));
+            const auto pixelsOf = [](const Image& image) {
+                return cf::adopt(CGDataProviderCopyData(CGImageGetDataProvider(image.get())));
+            };
+            EXPECT_TRUE(CFEqual(pixelsOf(before).get(), pixelsOf(after).get())) << what;
+        }
+    }
+    const CollectedLog log;
+    const auto empty =
+        cf::adopt(CGImageDestinationCreateWithData(emptyData().get(), kUTTypePNG, 1, nullptr));
+    CGImageDestinationAddImageFromSource(empty.get(), source.get(), 1, nullptr);
+    EXPECT_FALSE(CGImageDestinationFinalize(empty.get())) << "there is no second image";
+}
+
 TEST(ImageDestination, SurvivesEveryFailedAllocation) {
     const Image image = noisyImage();
     const CollectedLog log;

@@ -370,6 +370,70 @@ TEST(ImageSource, TellsWhatPngChunksSay) {
     EXPECT_TRUE(CFEqual(CFDictionaryGetValue(png, kCGImagePropertyPNGTitle), CFSTR("A square")));
 }
 
+// A file whose texts and EXIF data stand behind the pixels, as the format allows.
+Bytes withLateChunks(const Bytes& exif) {
+    return makePng(
+        {.addChunks =
+             [](void* p, void* i) {
+                 char key[] = "Title", value[] = "Early";
+                 const png_text text = {
+                     .compression = PNG_TEXT_COMPRESSION_NONE, .key = key, .text = value};
+                 png_set_text(static_cast<png_structp>(p), static_cast<png_infop>(i), &text, 1);
+             },
+         .addLateChunks =
+             [&](void* p, void* i) {
+                 const auto png = static_cast<png_structp>(p);
+                 const auto info = static_cast<png_infop>(i);
+                 char keys[][8] = {"Author", "Title"}, value[] = "Late";
+                 for (char* key : keys) {
+                     const png_text text = {
+                         .compression = PNG_TEXT_COMPRESSION_zTXt, .key = key, .text = value};
+                     png_set_text(png, info, &text, 1);
+                 }
+                 Bytes copy = exif;
+                 png_set_eXIf_1(png, info, png_uint_32(copy.size()), copy.data());
+             }});
+}
+
+TEST(ImageSource, TellsWhatPngChunksBehindThePixelsSay) {
+    const Dictionary properties = propertiesOf(withLateChunks(exifData(6)));
+    EXPECT_EQ(integerAt(properties.get(), kCGImagePropertyOrientation), 6);
+    EXPECT_TRUE(dictionaryAt(properties, kCGImagePropertyExifDictionary));
+    const CFDictionaryRef png = dictionaryAt(properties, kCGImagePropertyPNGDictionary);
+    EXPECT_TRUE(CFEqual(CFDictionaryGetValue(png, kCGImagePropertyPNGAuthor), CFSTR("Late")));
+    EXPECT_TRUE(CFEqual(CFDictionaryGetValue(png, kCGImagePropertyPNGTitle), CFSTR("Early")));
+}
+
+// Profiles of version 2, in ASCII, and of version 4, in UTF-16.
+TEST(ImageSource, TellsHowAProfileCallsItself) {
+    const auto of = [](const char* path) -> std::string {
+        const auto provider = cf::adopt(CGDataProviderCreateWithFilename(path));
+        const auto data = cf::adopt(CGDataProviderCopyData(provider.get()));
+        if (!data)
+            return "no file";
+        const Dictionary properties = propertiesOf(makePng({.addChunks = [&](void* p, void* i) {
+            png_set_iCCP(static_cast<png_structp>(p), static_cast<png_infop>(i), "its file's name",
+                         PNG_COMPRESSION_TYPE_BASE, CFDataGetBytePtr(data.get()),
+                         png_uint_32(CFDataGetLength(data.get())));
+        }}));
+        const auto* const name = static_cast<CFStringRef>(
+            CFDictionaryGetValue(properties.get(), kCGImagePropertyProfileName));
+        char text[100] = "no name";
+        if (name)
+            CFStringGetCString(name, text, sizeof text, kCFStringEncodingUTF8);
+        return text;
+    };
+    const struct {
+        const char* path;
+        const char* name;
+    } cases[] = {
+        {"/usr/share/color/icc/ghostscript/a98.icc", "Artifex Software A98 ICC Profile "},
+        {"/usr/share/color/icc/ghostscript/ps_rgb.icc", "Artifex PS RGB Profile"},
+    };
+    for (const auto& [path, name] : cases)
+        EXPECT_EQ(of(path), name) << path;
+}
+
 // ---- Thumbnails.
 
 // A PNG file of 4 x 2 gray pixels in a JPEG's clothes would not do: EXIF orientation comes in a

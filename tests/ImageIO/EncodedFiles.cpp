@@ -56,7 +56,11 @@ Bytes makePng(const PngFile& file) {
     for (int pass = 0; pass < passes; ++pass)
         for (std::uint32_t y = 0; y < file.height; ++y)
             png_write_row(png, &rows[y * rowBytes]);
-    png_write_end(png, info);
+    png_infop end = png_create_info_struct(png);
+    if (file.addLateChunks)
+        file.addLateChunks(png, end);
+    png_write_end(png, end);
+    png_destroy_info_struct(png, &end);
     png_destroy_write_struct(&png, &info);
     return out;
 }
@@ -180,6 +184,10 @@ Bytes makeJpeg2000(const Jpeg2000File& file) {
     parameters.numresolution = 3;
     parameters.tcp_numlayers = 1;
     parameters.cp_disto_alloc = 1;
+    parameters.tcp_rates[0] = file.compressionRate;
+    parameters.irreversible = file.compressionRate > 1;
+    parameters.tile_size_on = file.tileSide > 0;
+    parameters.cp_tdx = parameters.cp_tdy = file.tileSide;
     parameters.tcp_mct = file.components == 3 && file.chromaStep == 1 && !file.isSYCC ? 1 : 0;
     opj_codec_t* const codec = opj_create_compress(file.hasBoxes ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K);
     opj_image_t* const image = makeImage(file);

@@ -15,7 +15,7 @@ struct PngFile {
     int colorType = 2; // As libpng numbers them: 0 gray, 2 RGB, 3 palette, 4 and 6 with alpha.
     bool isInterlaced = false;
     bool hasTransparentColor = false; // A tRNS chunk; half of a palette's entries.
-    std::function<void(void* png, void* info)> addChunks;
+    std::function<void(void* png, void* info)> addChunks, addLateChunks; // Before, behind the rows.
 };
 // Random pixels, filtered as libpng likes.
 Bytes makePng(const PngFile& file);
@@ -41,10 +41,11 @@ struct Jpeg2000File {
     bool hasBoxes = true;
     bool isSYCC = false, isCMYK = false, hasAlpha = false;
     Bytes profile;
+    int tileSide = 0;          // 0 for one tile.
+    float compressionRate = 1; // Lossy if above 1.
 };
 // The component's samples, row after row.
 std::vector<std::int32_t> jpeg2000Samples(const Jpeg2000File& file, int component);
-// Lossless.
 Bytes makeJpeg2000(const Jpeg2000File& file);
 
 } // namespace test

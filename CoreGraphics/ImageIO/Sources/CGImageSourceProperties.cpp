@@ -3,6 +3,7 @@
 #include "CGImageSourceRecord.h"
 #include "XGColorSpace.h"
 
+#include "ProfileDescription.h"
 #include "PropertyDictionary.h"
 
 #include <ImageIO/CGImageProperties.h>
@@ -30,6 +31,12 @@ void addColors(CFMutableDictionaryRef properties, const ImageHeader& header) {
     setValue(properties, kCGImagePropertyColorModel, nameOf(CGColorSpaceGetModel(space)));
     const auto name = cf::adopt(CGColorSpaceCopyName(space));
     setValue(properties, kCGImagePropertyNamedColorSpace, name.get());
+    const auto profile = cf::adopt(CGColorSpaceCopyICCData(space));
+    if (profile)
+        setValue(properties, kCGImagePropertyProfileName,
+                 profileDescription({CFDataGetBytePtr(profile.get()),
+                                     static_cast<std::size_t>(CFDataGetLength(profile.get()))})
+                     .get());
 }
 
 void addHeader(CFMutableDictionaryRef properties, const ImageHeader& header) {

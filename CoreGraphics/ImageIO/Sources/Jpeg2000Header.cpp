@@ -2,6 +2,8 @@
 
 #include "Jpeg2000Header.h"
 
+#include "BigEndian.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -9,20 +11,6 @@ namespace imageio {
 namespace {
 
 constexpr std::uint32_t kMostDepth = 16;
-
-// Big-endian numbers, 0 beyond the end.
-std::uint32_t number(Bytes bytes, std::size_t offset, std::size_t size) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < size; ++i)
-        value = value << 8 | (offset + i < bytes.size() ? bytes[offset + i] : 0u);
-    return value;
-}
-std::uint32_t u16(Bytes bytes, std::size_t offset) {
-    return number(bytes, offset, 2);
-}
-std::uint32_t u32(Bytes bytes, std::size_t offset) {
-    return number(bytes, offset, 4);
-}
 
 constexpr std::uint32_t name(const char (&text)[5]) {
     std::uint32_t value = 0;
@@ -39,7 +27,7 @@ std::uint32_t ceilDivide(std::uint32_t a, std::uint32_t b) {
 
 // Each tile has a header of its own of 14 bytes. Decoders set up all tiles at once, so that a file
 // that announces more than it can hold is refused.
-bool tilesFit(Bytes siz, std::size_t fileSize) {
+bool readTiles(Bytes siz, std::size_t fileSize, Jpeg2000Header& header) {
     constexpr std::size_t kTileHeader = 14;
     const std::uint32_t right = u32(siz, 6), bottom = u32(siz, 10);
     const std::uint32_t tileWidth = u32(siz, 22), tileHeight = u32(siz, 26);
@@ -48,6 +36,9 @@ bool tilesFit(Bytes siz, std::size_t fileSize) {
         return false;
     const std::uint64_t tiles =
         std::uint64_t(ceilDivide(right - left, tileWidth)) * ceilDivide(bottom - top, tileHeight);
+    header.tileWidth = std::min(tileWidth, right - header.left);
+    header.tileHeight = std::min(tileHeight, bottom - header.top);
+    header.tileCount = static_cast<double>(tiles);
     return tiles <= fileSize / kTileHeader + 1;
 }
 
@@ -81,7 +72,7 @@ bool readCodestream(Bytes codestream, std::size_t fileSize, Jpeg2000Header& head
     const std::uint32_t right = u32(siz, 6), bottom = u32(siz, 10);
     header.left = u32(siz, 14);
     header.top = u32(siz, 18);
-    if (header.left >= right || header.top >= bottom || !tilesFit(siz, fileSize) ||
+    if (header.left >= right || header.top >= bottom || !readTiles(siz, fileSize, header) ||
         !readComponents(siz, header))
         return false;
     header.width =

@@ -28,6 +28,10 @@ struct Jpeg2000Header {
     // The picture's first grid point and the grid points for a pixel.
     std::uint32_t left = 0, top = 0, horizontalStep = 1, verticalStep = 1;
 
+    // In grid points; no tile is larger than the picture.
+    std::uint32_t tileWidth = 0, tileHeight = 0;
+    double tileCount = 0;
+
     std::size_t componentCount = 0; // In the codestream, at most four.
     std::array<Component, 4> components;
     Jpeg2000Colors colors = Jpeg2000Colors::Unspecified;

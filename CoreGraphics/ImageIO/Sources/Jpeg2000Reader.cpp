@@ -2,6 +2,7 @@
 
 #include "ImageReader.h"
 #include "Jpeg2000Header.h"
+#include "Jpeg2000Limits.h"
 
 #include <openjpeg.h>
 
@@ -295,7 +296,7 @@ std::size_t decode(Bytes file, const ImageHeader& layout, std::uint8_t* pixels) 
     if (!header || header->width != layout.width || header->height != layout.height ||
         !(again.width = header->width, again.height = header->height,
           setPixelLayout(*header, again)) ||
-        again.bitsPerPixel != layout.bitsPerPixel)
+        again.bitsPerPixel != layout.bitsPerPixel || !structuresFit(*header))
         return 0;
     RowWriter writer(*header, layout);
     const Image image = decodeComponents(file, header->codestream.data() != file.data());

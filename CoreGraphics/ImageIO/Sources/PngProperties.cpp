@@ -3,6 +3,7 @@
 #include "PngProperties.h"
 
 #include "ExifData.h"
+#include "PngChunks.h"
 #include "PropertyDictionary.h"
 
 #include <ImageIO/CGImageProperties.h>
@@ -36,7 +37,7 @@ void addTexts(const PngSession& png, CFMutableDictionaryRef properties) {
     };
     png_textp texts = nullptr;
     const int count = png_get_text(png.png(), png.info(), &texts, nullptr);
-    for (int i = 0; i < count; ++i) {
+    for (int i = count - 1; i >= 0; --i) {
         for (const auto& [keyword, key] : kTexts) {
             if (keyword != texts[i].key || !texts[i].text)
                 continue;
@@ -60,8 +61,16 @@ void addColors(const PngSession& png, CFMutableDictionaryRef properties) {
 
 } // namespace
 
-std::uint32_t pngOrientation(const PngSession& png) {
-    return ExifData(exifChunk(png)).orientation();
+std::uint32_t pngOrientation(Bytes file, const PngSession& png) {
+    const Bytes exif = exifChunk(png);
+    if (!exif.empty())
+        return ExifData(exif).orientation();
+    const PngLateMetadata late(file);
+    if (late.bytes().empty())
+        return ExifData({}).orientation();
+    PngSession session(late.bytes(), PngMetadata::Header);
+    session.readInfo();
+    return ExifData(exifChunk(session)).orientation();
 }
 
 void addPngProperties(Bytes file, CFMutableDictionaryRef properties) {
@@ -78,9 +87,14 @@ void addPngProperties(Bytes file, CFMutableDictionaryRef properties) {
         setInteger(own.get(), kCGImagePropertyPNGXPixelsPerMeter, x);
         setInteger(own.get(), kCGImagePropertyPNGYPixelsPerMeter, y);
     }
-    addTexts(png, own.get());
+    const PngLateMetadata lateMetadata(file);
+    PngSession late(lateMetadata.bytes(), PngMetadata::All);
+    late.readInfo(); // Fails for want of pixels, having kept what it read.
+    addTexts(late, own.get());
+    addTexts(png, own.get()); // Of equal keywords the first text counts.
     setDictionary(properties, kCGImagePropertyPNGDictionary, own);
-    ExifData(exifChunk(png)).addProperties(properties);
+    const Bytes exif = exifChunk(png);
+    ExifData(exif.empty() ? exifChunk(late) : exif).addProperties(properties);
 }
 
 } // namespace imageio

@@ -8,8 +8,9 @@
 
 namespace imageio {
 
-// The orientation in the file's EXIF data, 1 without.
-std::uint32_t pngOrientation(const PngSession& png);
+// The orientation in the file's EXIF data, which may stand behind the pixels; 1 without. `png` has
+// read what stands before them.
+std::uint32_t pngOrientation(Bytes file, const PngSession& png);
 void addPngProperties(Bytes file, CFMutableDictionaryRef properties);
 
 } // namespace imageio

@@ -1,12 +1,12 @@
 // PngReader.cpp: PNG headers and pixels.
 
 #include "ImageReader.h"
+#include "PngChunks.h"
 #include "PngProperties.h"
 #include "PngSession.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace imageio {
 namespace {
@@ -124,7 +124,7 @@ bool readHeader(Bytes file, ImageHeader& header) {
     header.isIndexed = type == PNG_COLOR_TYPE_PALETTE && !header.hasAlpha;
     header.space = header.isIndexed ? indexedSpace(png)
                                     : colorSpace(png, (type & PNG_COLOR_MASK_COLOR) != 0 ? 3 : 1);
-    header.orientation = pngOrientation(png);
+    header.orientation = pngOrientation(file, png);
     setResolution(png, header);
     return header.space && setPixelLayout(png, header);
 }
@@ -134,19 +134,12 @@ std::size_t decode(Bytes file, const ImageHeader& header, std::uint8_t* pixels) 
     return png.readInfo() ? png.readRows(header, pixels) : 0;
 }
 
-// Follows the chunks, each of length, name, contents and checksum, to the one that ends the file.
+// Follows the chunks to the one that ends the file.
 bool isComplete(Bytes file) {
-    constexpr std::size_t kSignature = 8, kFrame = 12;
-    std::size_t position = kSignature;
-    while (position <= file.size() && file.size() - position >= kFrame) {
-        const std::size_t length = png_get_uint_32(file.data() + position);
-        const bool isLast = std::memcmp(file.data() + position + 4, "IEND", 4) == 0;
-        if (length > file.size() - position - kFrame)
-            return false;
-        if (isLast)
+    PngChunks chunks(file);
+    while (const auto chunk = chunks.next())
+        if (chunk->name == pngName("IEND"))
             return true;
-        position += kFrame + length;
-    }
     return false;
 }
 

@@ -39,7 +39,7 @@ CG_EXPORT const CFStringRef kCGImagePropertyColorModelRGB;
 CG_EXPORT const CFStringRef kCGImagePropertyColorModelGray;
 CG_EXPORT const CFStringRef kCGImagePropertyColorModelCMYK;
 CG_EXPORT const CFStringRef kCGImagePropertyColorModelLab;
-/** CFString: the description of the embedded colour profile. */
+/** CFString: how the colour profile describes itself, where the colour space has one. */
 CG_EXPORT const CFStringRef kCGImagePropertyProfileName;
 /** CFString: the name of the colour space, where it has one. */
 CG_EXPORT const CFStringRef kCGImagePropertyNamedColorSpace;
