@@ -3,6 +3,7 @@
 #include <CoreFoundation/CFNumber.h>
 #include <Host/Host.h>
 
+#include "Base64.h"
 #include "PropertyListInternal.h"
 #include "StringBytes.h"
 
@@ -60,38 +61,6 @@ bool hasDeclarations(std::string_view text) {
         }
     }
     return false;
-}
-
-// Six bits of a base-64 letter, or -1.
-int sextet(char letter) {
-    if (letter >= 'A' && letter <= 'Z')
-        return letter - 'A';
-    if (letter >= 'a' && letter <= 'z')
-        return letter - 'a' + 26;
-    if (letter >= '0' && letter <= '9')
-        return letter - '0' + 52;
-    return letter == '+' ? 62 : letter == '/' ? 63 : -1;
-}
-
-bool decodeBase64(std::string_view text, TextBuffer& result) {
-    uint32_t bits = 0;
-    int count = 0;
-    int padding = 0;
-    for (const char letter : text) {
-        if (kSpace.find(letter) != std::string_view::npos)
-            continue;
-        if (letter == '=') {
-            ++padding;
-            continue;
-        }
-        const int value = sextet(letter);
-        if (value < 0 || padding > 0)
-            return false;
-        bits = bits << 6 | static_cast<uint32_t>(value);
-        if (++count % 4 != 1)
-            result.append(static_cast<char>(bits >> (6 - 2 * ((count - 1) % 4))));
-    }
-    return count % 4 != 1 && padding <= 2 && !result.failed();
 }
 
 void ignoreMessage(void*, const char*, ...) {}
