@@ -87,8 +87,8 @@ CG_EXPORT CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data);
 /** Over a file, mapped into memory where possible. NULL for an empty path and for what cannot be
  *  opened or is no regular file. */
 CG_EXPORT CGDataProviderRef CGDataProviderCreateWithFilename(const char* path);
-/** Over the file that a URL names, by a path of at most 1024 bytes. NULL for a URL without scheme
- *  and, with a warning, of a scheme other than "file", for which there is no loader. */
+/** Over the file that a URL names, by a path of at most 1024 bytes, or over the bytes in a "data"
+ *  URL. NULL for a URL without scheme and, with an error in the log, of any other one. */
 CG_EXPORT CGDataProviderRef CGDataProviderCreateWithURL(CFURLRef url);
 CG_EXPORT CGDataProviderRef CGDataProviderRetain(CGDataProviderRef provider);
 CG_EXPORT void CGDataProviderRelease(CGDataProviderRef provider);

@@ -1,5 +1,6 @@
 // CGDataProviderTest.cpp: the kinds of providers, one by one.
 
+#include "Core/Data/CGDataProviderRecord.h"
 #include "Core/Data/LockedData.h"
 #include "Support/CollectedLog.h"
 #include "Support/FailingAllocator.h"
@@ -210,8 +211,36 @@ TEST(DataProvider, ReadsFilesMappedOrNot) {
     }
     EXPECT_EQ(CGDataProviderCreateWithFilename(folder.path("missing").c_str()), nullptr);
     EXPECT_EQ(CGDataProviderCreateWithFilename(folder.path().c_str()), nullptr) << "a folder";
+}
+
+TEST(DataProvider, TakesTheBytesInAURLAndSaysWhichItCannotLoad) {
+    const auto inside =
+        cf::adopt(CFURLCreateWithString(nullptr, CFSTR("data:;base64,AAEC/w=="), nullptr));
+    const Provider provider = cf::adopt(CGDataProviderCreateWithURL(inside.get()));
+    const auto data = cf::adopt(CGDataProviderCopyData(provider.get()));
+    ASSERT_TRUE(data);
+    EXPECT_EQ(test::Bytes(CFDataGetBytePtr(data.get()), CFDataGetBytePtr(data.get()) + 4),
+              test::Bytes({0, 1, 2, 255}));
+    EXPECT_EQ(cf::adopt(XGDataProviderCopyURL(provider.get())).get(), inside.get());
+
+    const CollectedLog log;
     const auto web = cf::adopt(CFURLCreateWithString(nullptr, CFSTR("http://host/a"), nullptr));
     EXPECT_EQ(CGDataProviderCreateWithURL(web.get()), nullptr);
+    EXPECT_THAT(log.lines(), ElementsAre(EndsWith("there is no loader for the URL http://host/a")));
+}
+
+// Callers cannot make one; memory that is written over can.
+TEST(DataProviderDeathTest, AbortsOnOneWithNeitherMemoryNorData) {
+    ByteSource source = counting(8);
+    const Provider provider = test::makeProvider(SourceKind::CFData, source);
+    provider.get()->lentAs(cg::DataVariant::Plain).pointer = nullptr;
+    provider.get()->data = nullptr;
+    EXPECT_DEATH(XGDataProviderLockData(provider.get()),
+                 "_XGDataProviderLockDataUnsafe.*Corrupt CGDataProvider");
+    std::uint8_t byte = 0;
+    std::size_t count = 0;
+    EXPECT_DEATH(XGDataProviderReadBytes(provider.get(), &byte, 0, 1, &count),
+                 "_XGDataProviderReadBytesUnsafe.*Corrupt CGDataProvider");
 }
 
 TEST(DataProvider, GivesEverythingBackWhenMemoryRunsOut) {

@@ -1,9 +1,8 @@
 // CGDataProviderFile.cpp: providers over files, by mapping or by descriptor, and over URLs.
 
-#include <CoreFoundation/CFURL.h>
+#include <CoreFoundation/CFURLAccess.h>
 
 #include "Core/Data/CGDataProviderRecord.h"
-#include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
 #include <array>
@@ -79,6 +78,14 @@ Provider makeOverFileURL(CFURLRef url, int map) {
         XGDataProviderCreateWithFilename2(reinterpret_cast<const char*>(path.data()), map));
 }
 
+// What cannot be loaded is told in the log by the loader.
+Provider loadWhole(CFURLRef url) {
+    CFDataRef loaded = nullptr;
+    CFURLCreateDataAndPropertiesFromResource(nullptr, url, &loaded, nullptr, nullptr, nullptr);
+    const auto data = cf::adopt(loaded);
+    return cf::adopt(CGDataProviderCreateWithCFData(data.get()));
+}
+
 bool isFileScheme(CFStringRef scheme) {
     return CFStringCompare(scheme, CFSTR("file"), kCFCompareCaseInsensitive) == kCFCompareEqualTo;
 }
@@ -112,12 +119,7 @@ CGDataProviderRef XGDataProviderCreateWithURL2(CFURLRef url, int map) {
     const auto scheme = cf::adopt(url ? CFURLCopyScheme(url) : nullptr);
     if (!scheme)
         return nullptr;
-    if (!isFileScheme(scheme.get())) {
-        CG_LOG_WARNING("there is no loader for URLs of the scheme %@",
-                       static_cast<CFTypeRef>(scheme.get()));
-        return nullptr;
-    }
-    Provider provider = makeOverFileURL(url, map);
+    Provider provider = isFileScheme(scheme.get()) ? makeOverFileURL(url, map) : loadWhole(url);
     if (provider)
         provider.get()->url = cf::retain(url);
     return provider.release();
