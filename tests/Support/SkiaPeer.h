@@ -13,13 +13,14 @@
 
 namespace test {
 
-// A canvas over pixels of its own, in a user space like a bitmap context's: y up from the lower
-// left.
+// A canvas over BGRA pixels of its own, in a user space like a bitmap context's: y up from the
+// lower left.
 class SkiaPeer {
 public:
-    SkiaPeer(int width, int height, SkColorType type = kBGRA_8888_SkColorType,
-             SkAlphaType alpha = kPremul_SkAlphaType)
-        : bitmap_(makeBitmap(SkImageInfo::Make(width, height, type, alpha))), canvas_(bitmap_) {
+    SkiaPeer(int width, int height)
+        : bitmap_(makeBitmap(
+              SkImageInfo::Make(width, height, kBGRA_8888_SkColorType, kPremul_SkAlphaType))),
+          canvas_(bitmap_) {
         canvas_.translate(0, static_cast<float>(height));
         canvas_.scale(1, -1);
     }
@@ -44,20 +45,17 @@ private:
 inline testing::AssertionResult samePixels(CGContextRef context, const SkiaPeer& peer) {
     const SkPixmap& bare = peer.bitmap().pixmap();
     const auto* ours = static_cast<const std::uint8_t*>(CGBitmapContextGetData(context));
-    const auto bytesPerPixel = static_cast<std::size_t>(bare.info().bytesPerPixel());
     for (int y = 0; y < bare.height(); ++y) {
         for (int x = 0; x < bare.width(); ++x) {
             const auto* const mine =
                 ours + static_cast<std::size_t>(y) * CGBitmapContextGetBytesPerRow(context) +
-                static_cast<std::size_t>(x) * bytesPerPixel;
-            const void* const its = bare.addr(x, y);
-            if (std::memcmp(mine, its, bytesPerPixel) == 0)
-                continue;
-            std::uint32_t a = 0, b = 0;
-            std::memcpy(&a, mine, bytesPerPixel);
-            std::memcpy(&b, its, bytesPerPixel);
-            return testing::AssertionFailure() << "pixel (" << x << ", " << y << ") is " << std::hex
-                                               << a << ", bare Skia's " << b;
+                static_cast<std::size_t>(x) * sizeof(std::uint32_t);
+            std::uint32_t pixel = 0;
+            std::memcpy(&pixel, mine, sizeof pixel);
+            if (pixel != *bare.addr32(x, y))
+                return testing::AssertionFailure()
+                       << "pixel (" << x << ", " << y << ") is " << std::hex << pixel
+                       << ", bare Skia's " << *bare.addr32(x, y);
         }
     }
     return testing::AssertionSuccess();

@@ -185,43 +185,6 @@ TEST(DrawImage, PutsBareSkiasPixelsDown) {
     }
 }
 
-TEST(DrawImage, FollowsBlendModeAndClip) {
-    const Layout& layout = kLayouts[0];
-    const Bytes bytes = randomPixels(layout, 40, 30);
-    const Image image = makeImage(layout, 40, 30, bytes);
-    const auto bare = bareImage(layout, 40, 30, bytes);
-    const struct {
-        CGBlendMode ours;
-        SkBlendMode bare;
-    } modes[] = {{kCGBlendModeMultiply, SkBlendMode::kMultiply},
-                 {kCGBlendModeCopy, SkBlendMode::kSrc},
-                 {kCGBlendModeDestinationOver, SkBlendMode::kDstOver},
-                 {kCGBlendModeSourceIn, SkBlendMode::kSrcIn}};
-    for (const auto& mode : modes) {
-        const Context context = makeContext(kSize, kSize);
-        SkiaPeer peer(kSize, kSize);
-        fillGray(context.get(), peer.canvas());
-        CGContextMoveToPoint(context.get(), 12, 20);
-        CGContextAddLineToPoint(context.get(), 49, 22.5f);
-        CGContextAddLineToPoint(context.get(), 30, 44);
-        CGContextClosePath(context.get());
-        CGContextClip(context.get());
-        CGContextSetBlendMode(context.get(), mode.ours);
-        CGContextDrawImage(context.get(), kPlacements[0].rect, image.get());
-        SkPath clip;
-        clip.moveTo(12, 20);
-        clip.lineTo(49, 22.5f);
-        clip.lineTo(30, 44);
-        clip.close();
-        peer.canvas().clipPath(clip, true);
-        SkPaint paint;
-        paint.setAntiAlias(true);
-        paint.setBlendMode(mode.bare);
-        drawBare(peer.canvas(), bare.get(), kPlacements[0], SkSamplingOptions(), paint);
-        EXPECT_TRUE(samePixels(context.get(), peer)) << mode.ours;
-    }
-}
-
 TEST(DrawImage, BringsImagesOfUnusedBytesInOpaque) {
     const Bytes bytes = {1, 2, 3, 0, 4, 5, 6, 77};
     const Context context = makeContext(2, 1);

@@ -4,6 +4,7 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Support/Bitmaps.h"
+#include "Support/CollectedLog.h"
 #include "Support/Picture.h"
 #include "Support/SkiaPeer.h"
 #include "include/core/SkPath.h"
@@ -89,45 +90,8 @@ void setHalfBlue(CGContextRef context) {
 
 } // namespace
 
-TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
+TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoesUnderTransforms) {
     const Comparison comparisons[] = {
-        {"winding fill",
-         [](CGContextRef c) {
-             setHalfBlue(c);
-             addShape(c);
-             CGContextFillPath(c);
-         },
-         [](SkCanvas& canvas) { canvas.drawPath(shape(), paintOf(kHalfBlue)); }},
-        {"even-odd fill",
-         [](CGContextRef c) {
-             setHalfBlue(c);
-             addShape(c);
-             CGContextEOFillPath(c);
-         },
-         [](SkCanvas& canvas) {
-             SkPath path = shape();
-             path.setFillType(SkPathFillType::kEvenOdd);
-             canvas.drawPath(path, paintOf(kHalfBlue));
-         }},
-        {"no antialiasing",
-         [](CGContextRef c) {
-             CGContextSetShouldAntialias(c, false);
-             addShape(c);
-             CGContextFillPath(c);
-         },
-         [](SkCanvas& canvas) {
-             SkPaint paint = paintOf(SK_ColorBLACK);
-             paint.setAntiAlias(false);
-             canvas.drawPath(shape(), paint);
-         }},
-        {"stroke",
-         [](CGContextRef c) {
-             setHalfBlue(c);
-             CGContextSetLineWidth(c, 5.5f);
-             addShape(c);
-             CGContextStrokePath(c);
-         },
-         [](SkCanvas& canvas) { canvas.drawPath(shape(), strokeOf(kHalfBlue, 5.5f)); }},
         {"round stroke under a uniform scale",
          [](CGContextRef c) {
              CGContextScaleCTM(c, 0.5f, 0.5f);
@@ -148,16 +112,6 @@ TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
          [](SkCanvas& canvas) {
              canvas.drawRect(SkRect::MakeXYWH(10.5f, 20.5f, 30, 40.25f),
                              strokeOf(SK_ColorBLACK, 1));
-         }},
-        {"fractional rectangles",
-         [](CGContextRef c) {
-             setHalfBlue(c);
-             CGContextFillRect(c, CGRectMake(10.25f, 20.5f, 40.125f, 30));
-             CGContextFillRect(c, CGRectMake(60, 60, -20, -33));
-         },
-         [](SkCanvas& canvas) {
-             canvas.drawRect(SkRect::MakeXYWH(10.25f, 20.5f, 40.125f, 30), paintOf(kHalfBlue));
-             canvas.drawRect(SkRect::MakeLTRB(40, 27, 60, 60), paintOf(kHalfBlue));
          }},
         {"opaque rectangles, partly outside",
          [](CGContextRef c) {
@@ -181,53 +135,9 @@ TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoes) {
              canvas.drawPath(SkPath::Rect(SkRect::MakeXYWH(-20, -30, 40, 60)).makeTransform(turn),
                              paintOf(SK_ColorBLACK));
          }},
-        {"alpha of the state times the colour's",
-         [](CGContextRef c) {
-             CGContextSetAlpha(c, 0.5f);
-             setHalfBlue(c);
-             addShape(c);
-             CGContextFillPath(c);
-         },
-         [](SkCanvas& canvas) { canvas.drawPath(shape(), paintOf(SkColorSetA(kHalfBlue, 64))); }},
     };
     for (const Comparison& comparison : comparisons)
         expectSame(comparison);
-}
-
-TEST(RasterBackend, BlendModesFollowTheirTable) {
-    constexpr SkBlendMode modes[] = {
-        SkBlendMode::kSrcOver,    SkBlendMode::kMultiply,   SkBlendMode::kScreen,
-        SkBlendMode::kOverlay,    SkBlendMode::kDarken,     SkBlendMode::kLighten,
-        SkBlendMode::kColorDodge, SkBlendMode::kColorBurn,  SkBlendMode::kSoftLight,
-        SkBlendMode::kHardLight,  SkBlendMode::kDifference, SkBlendMode::kExclusion,
-        SkBlendMode::kHue,        SkBlendMode::kSaturation, SkBlendMode::kColor,
-        SkBlendMode::kLuminosity, SkBlendMode::kClear,      SkBlendMode::kSrc,
-        SkBlendMode::kSrcIn,      SkBlendMode::kSrcOut,     SkBlendMode::kSrcATop,
-        SkBlendMode::kDstOver,    SkBlendMode::kDstIn,      SkBlendMode::kDstOut,
-        SkBlendMode::kDstATop,    SkBlendMode::kXor,        SkBlendMode::kDarken,
-        SkBlendMode::kLighten,    SkBlendMode::kSrcOver,
-    };
-    for (std::size_t mode = 0; mode < std::size(modes); ++mode) {
-        SCOPED_TRACE(mode);
-        expectSame({"blend mode",
-                    [mode](CGContextRef c) {
-                        CGContextSetRGBFillColor(c, 1, 0.6f, 0, 0.8f);
-                        CGContextFillRect(c, CGRectMake(0, 0, 60, kSize));
-                        CGContextSetBlendMode(c, static_cast<CGBlendMode>(mode));
-                        setHalfBlue(c);
-                        addShape(c);
-                        CGContextFillPath(c);
-                        CGContextFillRect(c, CGRectMake(10.5f, 80, 70, 10));
-                    },
-                    [mode](SkCanvas& canvas) {
-                        canvas.drawRect(SkRect::MakeWH(60, kSize),
-                                        paintOf(SkColorSetARGB(204, 255, 153, 0)));
-                        SkPaint paint = paintOf(kHalfBlue);
-                        paint.setBlendMode(modes[mode]);
-                        canvas.drawPath(shape(), paint);
-                        canvas.drawRect(SkRect::MakeXYWH(10.5f, 80, 70, 10), paint);
-                    }});
-    }
 }
 
 TEST(RasterBackend, ClipsAsBareSkiaDoes) {
@@ -245,15 +155,6 @@ TEST(RasterBackend, ClipsAsBareSkiaDoes) {
         return path;
     };
     const Comparison comparisons[] = {
-        {"rectangle with soft edges",
-         [](CGContextRef c) {
-             CGContextClipToRect(c, CGRectMake(20.5f, 10.25f, 40, 60.5f));
-             CGContextFillRect(c, CGRectMake(0, 0, kSize, kSize));
-         },
-         [](SkCanvas& canvas) {
-             canvas.clipRect(SkRect::MakeXYWH(20.5f, 10.25f, 40, 60.5f), true);
-             canvas.drawPaint(paintOf(SK_ColorBLACK));
-         }},
         {"a path that is such a rectangle: its edges count once",
          [](CGContextRef c) {
              CGContextAddRect(c, CGRectMake(20.5f, 10.25f, 40, 60.5f));
@@ -465,6 +366,7 @@ TEST(RasterBackend, GeometryThatIsNotFiniteDrawsNothing) {
 // Random programs of drawing calls with hostile numbers among them: whatever they draw, they
 // neither fault nor write outside the rows.
 TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
+    const CollectedLog log; // Of restores and layer ends without a beginning.
     constexpr std::size_t kGuard = 64, kRow = 32 * 4 + 16, kRows = 32;
     std::vector<std::uint8_t> memory(2 * kGuard + kRow * kRows, 0xA5);
     const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());

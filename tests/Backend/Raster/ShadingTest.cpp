@@ -50,29 +50,13 @@ Gradient makeGradient(const Stops& stops) {
         space.get(), components.data(), stops.locations.data(), stops.colors.size()));
 }
 
-Context makeContext(SkColorType type) {
-    const auto gray = cf::adopt(CGColorSpaceCreateDeviceGray());
-    if (type == kGray_8_SkColorType)
-        return cf::adopt(
-            CGBitmapContextCreate(nullptr, kSide, kSide, 8, 0, gray.get(), kCGImageAlphaNone));
-    if (type == kAlpha_8_SkColorType)
-        return cf::adopt(
-            CGBitmapContextCreate(nullptr, kSide, kSide, 8, 0, nullptr, kCGImageAlphaOnly));
-    return test::makeContext(kSide, kSide,
-                             type == kRGBA_8888_SkColorType ? test::kRGBA : test::kBGRA);
-}
-
 // ---- Beside bare Skia
 
 struct Case {
     const char* what;
     const Stops& stops;
-    SkColorType type = kBGRA_8888_SkColorType;
-    bool isRadial = false;
-    bool extends = true;
-    CGFloat alpha = 1;
-    CGBlendMode mode = kCGBlendModeNormal;
-    SkBlendMode itsMode = SkBlendMode::kSrcOver;
+    bool isRadial;
+    bool extends;
 };
 
 constexpr CGPoint kStart = {10.25f, 8}, kEnd = {50, 40.5f};
@@ -86,8 +70,6 @@ void drawOurs(CGContextRef context, const Case& test) {
     CGContextClip(context);
     CGContextRotateCTM(context, 0.25f);
     CGContextScaleCTM(context, 1, 0.75f);
-    CGContextSetAlpha(context, test.alpha);
-    CGContextSetBlendMode(context, test.mode);
     const Gradient gradient = makeGradient(test.stops);
     const auto options = test.extends ? kBothEnds : CGGradientDrawingOptions{};
     if (test.isRadial)
@@ -113,8 +95,6 @@ void drawBare(SkCanvas& canvas, const Case& test) {
     matrix.setSinCos(std::sin(0.25f), std::cos(0.25f));
     matrix.preScale(1, 0.75f);
     canvas.concat(matrix);
-    paint.setAlphaf(static_cast<float>(std::lround(test.alpha * 255)) / 255);
-    paint.setBlendMode(test.itsMode);
     paint.setShader(test.isRadial
                         ? SkGradientShader::MakeTwoPointConical(
                               ends[0], kStartRadius, ends[1], kEndRadius, test.stops.colors.data(),
@@ -126,27 +106,13 @@ void drawBare(SkCanvas& canvas, const Case& test) {
 
 TEST(ShadingPixels, OfGradientsAreBareSkias) {
     const Case cases[] = {
-        {"two stops", kTwo},
-        {"a hard edge", kHard},
-        {"five stops", kFive},
-        {"not extended", kFive, kBGRA_8888_SkColorType, false, false},
-        {"radial", kFive, kBGRA_8888_SkColorType, true},
-        {"radial, not extended", kTwo, kBGRA_8888_SkColorType, true, false},
-        {"RGBA", kFive, kRGBA_8888_SkColorType},
-        {"gray", kFive, kGray_8_SkColorType},
-        {"alpha only", kFive, kAlpha_8_SkColorType},
-        {"half opaque", kHard, kBGRA_8888_SkColorType, false, true, 0.5f},
-        {"multiplied", kTwo, kBGRA_8888_SkColorType, false, true, 1, kCGBlendModeMultiply,
-         SkBlendMode::kMultiply},
-        {"copied", kTwo, kBGRA_8888_SkColorType, false, false, 1, kCGBlendModeCopy,
-         SkBlendMode::kSrc},
+        {"two stops", kTwo, false, true},   {"a hard edge", kHard, false, true},
+        {"five stops", kFive, false, true}, {"not extended", kFive, false, false},
+        {"radial", kFive, true, true},      {"radial, not extended", kTwo, true, false},
     };
     for (const Case& test : cases) {
-        const Context context = makeContext(test.type);
-        ASSERT_TRUE(context) << test.what;
-        test::SkiaPeer peer(kSide, kSide, test.type,
-                            test.type == kGray_8_SkColorType ? kOpaque_SkAlphaType
-                                                             : kPremul_SkAlphaType);
+        const Context context = test::makeContext(kSide, kSide);
+        test::SkiaPeer peer(kSide, kSide);
         drawOurs(context.get(), test);
         drawBare(peer.canvas(), test);
         EXPECT_TRUE(test::samePixels(context.get(), peer)) << test.what;
@@ -187,14 +153,16 @@ std::optional<double> parameterAt(double x, double y, CGPoint start, double star
     return best;
 }
 
+struct Circles {
+    const char* what;
+    CGPoint start;
+    CGFloat startRadius;
+    CGPoint end;
+    CGFloat endRadius;
+};
+
 TEST(ShadingPixels, OfTwoCirclesInEveryRelation) {
-    const struct {
-        const char* what;
-        CGPoint start;
-        CGFloat startRadius;
-        CGPoint end;
-        CGFloat endRadius;
-    } circles[] = {
+    const Circles circles[] = {
         {"one centre", {32, 32}, 5, {32, 32}, 25},
         {"one centre, shrinking", {32, 32}, 25, {32, 32}, 0},
         {"one inside the other", {25, 32}, 4, {32, 32}, 25},
@@ -325,13 +293,7 @@ TEST(ShadingPixels, OfAGradientInInksFollowTheInks) {
 TEST(ShadingPixels, OfGeometryWithoutAnExtentAreNone) {
     constexpr CGFloat kNaN = std::numeric_limits<CGFloat>::quiet_NaN();
     constexpr CGFloat kInfinity = std::numeric_limits<CGFloat>::infinity();
-    const struct {
-        const char* what;
-        CGPoint start;
-        CGFloat startRadius;
-        CGPoint end;
-        CGFloat endRadius;
-    } cases[] = {
+    const Circles cases[] = {
         {"the same circle twice", {9, 9}, 4, {9, 9}, 4},
         {"two points", {9, 9}, 0, {20, 9}, 0},
         {"negative radius", {9, 9}, -4, {20, 9}, 4},
