@@ -47,6 +47,8 @@ CG_EXPORT size_t CGBitmapContextGetBytesPerRow(CGContextRef context);
 CG_EXPORT CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context);
 CG_EXPORT CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context);
 CG_EXPORT CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context);
+/** Whether the context records commands for a compositor and has no pixels yet. */
+CG_EXPORT bool CGBitmapContextHasCommandQueue(CGContextRef context);
 
 /** An image of the pixels as drawn so far, in the context's own layout and colour space; what is
  *  drawn later does not change it. NULL for contexts that are not bitmap contexts and when memory

@@ -13,7 +13,7 @@ CG_BEGIN_DECLS
 typedef struct CGImage* CGImageRef;
 
 /** Where a pixel's opacity stands, and whether the other components are multiplied by it. */
-CG_ENUM(uint32_t, CGImageAlphaInfo) {
+CG_ENUM(uint32_t, CGImageAlphaInfo){
     kCGImageAlphaNone = 0,
     kCGImageAlphaPremultipliedLast = 1,
     kCGImageAlphaPremultipliedFirst = 2,
@@ -21,18 +21,23 @@ CG_ENUM(uint32_t, CGImageAlphaInfo) {
     kCGImageAlphaFirst = 4,
     kCGImageAlphaNoneSkipLast = 5, /**< As many bits as an opacity would take, without meaning. */
     kCGImageAlphaNoneSkipFirst = 6,
-    kCGImageAlphaOnly = 7          /**< Opacity, and no colour. */
+    kCGImageAlphaOnly = 7 /**< Opacity, and no colour. */
 };
 
 /** In which order the bytes of a 16-bit or 32-bit unit lie in memory. */
-CG_ENUM(uint32_t, CGImageByteOrderInfo) {
-    kCGImageByteOrderMask = 0x7000,
-    kCGImageByteOrderDefault = 0x0000,
-    kCGImageByteOrder16Little = 0x1000,
-    kCGImageByteOrder32Little = 0x2000,
-    kCGImageByteOrder16Big = 0x3000,
-    kCGImageByteOrder32Big = 0x4000
-};
+CG_ENUM(uint32_t, CGImageByteOrderInfo){
+    kCGImageByteOrderMask = 0x7000,     kCGImageByteOrderDefault = 0x0000,
+    kCGImageByteOrder16Little = 0x1000, kCGImageByteOrder32Little = 0x2000,
+    kCGImageByteOrder16Big = 0x3000,    kCGImageByteOrder32Big = 0x4000};
+
+/** How the components of a pixel share its bits, where they are not all of one width. */
+CG_ENUM(uint32_t, CGImagePixelFormatInfo){
+    kCGImagePixelFormatMask = 0xF0000,
+    kCGImagePixelFormatPacked = 0x00000, /**< As many bits for each. */
+    kCGImagePixelFormatRGB555 = 0x10000, /**< 5 bits each, and one that is skipped or opacity. */
+    kCGImagePixelFormatRGB565 = 0x20000, /**< 5 bits of red, 6 of green and 5 of blue. */
+    kCGImagePixelFormatRGB101010 = 0x30000,
+    kCGImagePixelFormatRGBCIF10 = 0x40000};
 
 typedef uint32_t CGBitmapInfo;
 
@@ -171,5 +176,11 @@ CG_BITMAP_INFO_OR(CGImageAlphaInfo, CGImageByteOrderInfo)
 CG_BITMAP_INFO_OR(CGImageByteOrderInfo, CGImageAlphaInfo)
 CG_BITMAP_INFO_OR(CGBitmapInfoFlags, CGImageByteOrderInfo)
 CG_BITMAP_INFO_OR(CGImageByteOrderInfo, CGBitmapInfoFlags)
+CG_BITMAP_INFO_OR(CGImageAlphaInfo, CGImagePixelFormatInfo)
+CG_BITMAP_INFO_OR(CGImagePixelFormatInfo, CGImageAlphaInfo)
+CG_BITMAP_INFO_OR(CGBitmapInfoFlags, CGImagePixelFormatInfo)
+CG_BITMAP_INFO_OR(CGImagePixelFormatInfo, CGBitmapInfoFlags)
+CG_BITMAP_INFO_OR(CGImageByteOrderInfo, CGImagePixelFormatInfo)
+CG_BITMAP_INFO_OR(CGImagePixelFormatInfo, CGImageByteOrderInfo)
 #undef CG_BITMAP_INFO_OR
 #endif

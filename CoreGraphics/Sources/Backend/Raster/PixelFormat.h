@@ -8,8 +8,15 @@
 
 namespace cg {
 
-// Skia's description of the bitmap's pixels, or nothing, with the reason in the log, when no such
-// bitmap can be drawn into.
-std::optional<SkImageInfo> skiaImageInfo(const Bitmap& bitmap);
+// The layout that marks are drawn in: the bitmap's own, or another in which the part that a mark
+// may touch is drawn aside.
+struct SurfaceFormat {
+    SkImageInfo info; // Of the bitmap's size.
+    bool isInPlace = false;
+};
+
+// Nothing, with the reason in the log, when no such bitmap can be drawn into. A pixel that Skia
+// knows is drawn aside all the same where the bitmap's rows do not begin at whole pixels.
+std::optional<SurfaceFormat> surfaceFormat(const Bitmap& bitmap);
 
 } // namespace cg

@@ -5,7 +5,9 @@
 #include "XGPath.h"
 
 #include "Backend/Raster/DeviceClip.h"
+#include "Backend/Raster/ForeignPixels.h"
 #include "Backend/Raster/ImageShadow.h"
+#include "Backend/Raster/NativeBufferPixels.h"
 #include "Backend/Raster/PixelFormat.h"
 #include "Backend/Raster/Shading.h"
 #include "Backend/Raster/SkiaConversions.h"
@@ -34,9 +36,31 @@ SkVector shadowOffset(XGGStateRef state) {
 
 } // namespace
 
-RasterBackend::RasterBackend(const SkPixmap& pixels, CGColorSpaceRef space)
-    : base_(pixels, pixels.height(), {0, 0}), space_(cf::retain(space)) {
+RasterBackend::RasterBackend() {
     scratchPath_.setIsVolatile(true);
+}
+
+bool RasterBackend::setBitmap(const Bitmap& bitmap) {
+    const auto format = surfaceFormat(bitmap);
+    if (!format)
+        return false;
+    const SkImageInfo& info = format->info;
+    if (format->isInPlace && !bitmap.buffer) {
+        base_.emplace(SkPixmap(info, bitmap.pixels, bitmap.bytesPerRow), info.height(),
+                      SkIPoint{0, 0});
+    } else {
+        std::unique_ptr<PixelLender> lender;
+        if (format->isInPlace)
+            lender.reset(new (std::nothrow) NativeBufferPixels(bitmap, info));
+        else
+            lender = ForeignPixels::create(bitmap, info);
+        if (!lender)
+            return false;
+        base_.emplace(info, std::move(lender));
+    }
+    space_ = cf::retain(bitmap.space);
+    clipIsStale_ = true;
+    return true;
 }
 
 bool RasterBackend::takeBackPixels() {
@@ -191,16 +215,19 @@ void initializeSkia() {
 } // namespace
 
 bool rasterBackendAccepts(const Bitmap& bitmap) {
-    return skiaImageInfo(bitmap).has_value();
+    return surfaceFormat(bitmap).has_value();
 }
 
 void* createRasterBackend(const Bitmap& bitmap) {
-    const auto info = skiaImageInfo(bitmap);
-    if (!info)
-        return nullptr;
     initializeSkia();
-    return new (std::nothrow)
-        RasterBackend(SkPixmap(*info, bitmap.pixels, bitmap.bytesPerRow), bitmap.space);
+    std::unique_ptr<RasterBackend> backend(new (std::nothrow) RasterBackend);
+    if (!backend || !backend->setBitmap(bitmap))
+        return nullptr;
+    return backend.release();
+}
+
+bool reinterpretPixels(void* backend, const Bitmap& bitmap) {
+    return static_cast<RasterBackend*>(backend)->setBitmap(bitmap);
 }
 
 void callBeforeNextMark(void* backend, bool (*takeBack)(void* owner), void* owner) {

@@ -14,8 +14,11 @@ namespace cg {
 // One per bitmap context, and used on that context's thread alone.
 class RasterBackend {
 public:
-    // Over `pixels`, whose colours are those of `space`.
-    RasterBackend(const SkPixmap& pixels, CGColorSpaceRef space);
+    // Over pixels that are given by setBitmap().
+    RasterBackend();
+
+    // False, and nothing has changed, when the format is not accepted or memory runs out.
+    bool setBitmap(const Bitmap& bitmap);
 
     void drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                   bool evenOdd);
@@ -27,22 +30,22 @@ public:
         takeBack_ = takeBack;
         pixelOwner_ = owner;
     }
-    void movePixels(void* pixels) { base_.movePixels(pixels); }
+    void movePixels(void* pixels) { base_->movePixels(pixels); }
     void beginTransparencyLayer(XGGStateRef state, uint32_t flags);
     void endTransparencyLayer(XGGStateRef state, uint32_t flags);
 
 private:
     Surface& surfaceUnderClip(XGGStateRef state, uint32_t flags);
-    Surface& surface() { return layer_ ? layer_->surface() : base_; }
+    Surface& surface() { return layer_ ? layer_->surface() : *base_; }
     bool takeBackPixels();
-    int deviceHeight() const { return base_.pixels().height(); }
+    int deviceHeight() const { return base_->pixels().height(); }
     void drawMark(XGGStateRef state, uint32_t flags, const SkPath& path, const SkPaint& paint);
     void drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
                     const SkPaint& paint);
     std::optional<SkPixmap> directPixels(CGContextRef layer) const;
     void drawEmptyImage(XGGStateRef state, uint32_t flags, CGRect rect);
 
-    Surface base_;
+    std::optional<Surface> base_;
     cf::Ref<CGColorSpaceRef> space_;
     std::unique_ptr<TransparencyLayer> layer_; // The innermost open layer.
     int unmadeLayers_ = 0;    // Layers begun, innermost, for which there was no memory.

@@ -9,7 +9,9 @@
 #include "src/core/SkMemset.h"
 #include "src/core/SkScan.h"
 
+#include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace cg {
 
@@ -45,6 +47,18 @@ Surface::Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin)
     : pixels_(pixels), origin_(origin), deviceToPixels_(cg::deviceToPixels(deviceHeight, origin)),
       clip_(SkIRect::MakeSize(pixels.dimensions())) {
     pixelPath_.setIsVolatile(true);
+}
+
+Surface::Surface(const SkImageInfo& info, std::unique_ptr<PixelLender> lender)
+    : Surface(SkPixmap(info, nullptr, info.minRowBytes()), info.height(), {0, 0}) {
+    lender_ = std::move(lender);
+}
+
+void Surface::movePixels(void* to) {
+    if (lender_)
+        lender_->movePixels(to);
+    else
+        pixels_.reset(pixels_.info(), to, pixels_.rowBytes());
 }
 
 // ---- Clip
@@ -91,39 +105,76 @@ void Surface::clipMask(const PlacedImage& coverage) {
 // ---- Marks
 
 template <typename Draw>
-void Surface::drawInTiles(const SkMatrix& matrix, Draw&& draw) {
-    const SkIRect area = clip_.getBounds();
-    for (int top = area.top(); top < area.bottom(); top += kLargestTile) {
-        for (int left = area.left(); left < area.right(); left += kLargestTile) {
-            SkDraw tile;
-            if (!pixels_.extractSubset(&tile.fDst,
-                                       SkIRect::MakeXYWH(left, top, kLargestTile, kLargestTile)))
+void Surface::drawTile(const SkPixmap& pixels, SkIPoint corner, const SkMatrix& matrix,
+                       Draw&& draw) {
+    const int left = corner.x(), top = corner.y();
+    const SkMatrix move = SkMatrix::Translate(static_cast<float>(-left), static_cast<float>(-top));
+    SkRasterClip clip;
+    clip_.translate(-left, -top, &clip);
+    clip.op(SkIRect::MakeSize(pixels.dimensions()), SkClipOp::kIntersect);
+    if (const auto mask = clip_.clipShader())
+        clip.op(mask->makeWithLocalMatrix(move));
+    const SkMatrix moved = SkMatrix::Concat(move, matrix);
+    SkDraw target;
+    target.fDst = pixels;
+    target.fCTM = &moved;
+    target.fRC = &clip;
+    draw(target);
+}
+
+std::optional<SkPixmap> Surface::tile(const SkIRect& area) {
+    if (lender_)
+        return lender_->borrow(area);
+    SkPixmap part;
+    return pixels_.extractSubset(&part, area) ? std::optional(part) : std::nullopt;
+}
+
+template <typename Draw>
+void Surface::drawInTiles(const Mark& mark, Draw&& draw) {
+    const SkIRect area = touched(mark);
+    const int columns = std::min(area.width(), kLargestTile);
+    if (columns <= 0)
+        return;
+    const std::int64_t rowsToLend =
+        lender_ ? std::max<std::int64_t>(lender_->mostPixels() / columns, 1) : kLargestTile;
+    const int rows = static_cast<int>(std::min<std::int64_t>(rowsToLend, kLargestTile));
+    for (int top = area.top(); top < area.bottom(); top += rows) {
+        for (int left = area.left(); left < area.right(); left += columns) {
+            SkIRect part = SkIRect::MakeXYWH(left, top, columns, rows);
+            const auto pixels = part.intersect(area) ? tile(part) : std::nullopt;
+            if (!pixels)
                 continue;
-            SkRasterClip clip;
-            clip_.translate(-left, -top, &clip);
-            clip.op(SkIRect::MakeSize(tile.fDst.dimensions()), SkClipOp::kIntersect);
-            if (const auto mask = clip_.clipShader())
-                clip.op(mask->makeWithLocalMatrix(
-                    SkMatrix::Translate(static_cast<float>(-left), static_cast<float>(-top))));
-            SkMatrix moved = matrix;
-            moved.postTranslate(static_cast<float>(-left), static_cast<float>(-top));
-            tile.fCTM = &moved;
-            tile.fRC = &clip;
-            draw(tile);
+            drawTile(*pixels, part.topLeft(), mark.matrix, draw);
+            if (lender_)
+                lender_->giveBack();
         }
     }
 }
 
+// The pixels that a mark may change.
+SkIRect Surface::touched(const Mark& mark) const {
+    SkIRect area = clip_.getBounds();
+    if (!mark.bounds || !mark.paint.canComputeFastBounds())
+        return area;
+    SkRect storage;
+    const SkRect covered =
+        mark.matrix.mapRect(mark.paint.computeFastBounds(*mark.bounds, &storage));
+    // Hairlines and soft edges reach a pixel further; one more for what rounding adds.
+    if (covered.isFinite() && !area.intersect(covered.roundOut().makeOutset(2, 2)))
+        return SkIRect::MakeEmpty();
+    return area;
+}
+
 template <typename Draw>
-void Surface::draw(const SkMatrix& matrix, Draw&& draw) {
+void Surface::draw(const Mark& mark, Draw&& draw) {
     const SkIRect area = clip_.getBounds();
-    if (area.right() > kLargestTile || area.bottom() > kLargestTile) {
-        drawInTiles(matrix, draw);
+    if (lender_ || area.right() > kLargestTile || area.bottom() > kLargestTile) {
+        drawInTiles(mark, draw);
         return;
     }
     SkDraw whole;
     whole.fDst = pixels_;
-    whole.fCTM = &matrix;
+    whole.fCTM = &mark.matrix;
     whole.fRC = &clip_;
     draw(whole);
 }
@@ -139,26 +190,32 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
         SkRect frame;
         bool isClosed = false;
         if (devicePath.isRect(&frame, &isClosed) && isClosed) {
-            draw(matrix, [&](const SkDraw& target) { target.drawRect(frame, paint); });
+            draw({matrix, paint, &frame},
+                 [&](const SkDraw& target) { target.drawRect(frame, paint); });
             return;
         }
         // A stroke is outlined before it is turned around, so that caps and joins start as given.
-        draw(matrix,
+        draw({matrix, paint, &devicePath.getBounds()},
              [&](const SkDraw& target) { target.drawPath(devicePath, paint, nullptr, false); });
         return;
     }
     devicePath.transform(matrix, &pixelPath_);
-    draw(SkMatrix::I(),
+    draw({SkMatrix::I(), paint, &pixelPath_.getBounds()},
          [&](const SkDraw& target) { target.drawPath(pixelPath_, paint, nullptr, false); });
 }
 
 // Whole pixels of one opaque colour under a rectangular clip need no blitter.
 bool Surface::fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint) {
-    if (!clip_.isRect() || clip_.clipShader() || pixels_.colorType() != kN32_SkColorType ||
-        !isOpaqueFill(paint) || !isWhole(pixelRect))
+    if (!clip_.isRect() || clip_.clipShader() ||
+        (pixels_.colorType() != kN32_SkColorType && !lender_) || !isOpaqueFill(paint) ||
+        !isWhole(pixelRect))
         return false;
     SkIRect area = pixelRect.roundOut();
-    if (area.intersect(clip_.getBounds()))
+    if (!area.intersect(clip_.getBounds()))
+        return true;
+    if (lender_)
+        lender_->fill(area, paint.getColor());
+    else
         SkOpts::rect_memset32(pixels_.writable_addr32(area.left(), area.top()),
                               SkPreMultiplyColor(paint.getColor()), area.width(),
                               pixels_.rowBytes(), area.height());
@@ -172,7 +229,8 @@ void Surface::drawRect(const SkRect& deviceRect, const SkPaint& paint) {
     deviceToPixels_.mapRectScaleTranslate(&pixelRect, deviceRect);
     if (fillOpaquePixels(pixelRect, paint))
         return;
-    draw(SkMatrix::I(), [&](const SkDraw& target) { target.drawRect(pixelRect, paint); });
+    draw({SkMatrix::I(), paint, &pixelRect},
+         [&](const SkDraw& target) { target.drawRect(pixelRect, paint); });
 }
 
 void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
@@ -183,7 +241,7 @@ void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
         return;
     const SkMatrix pixelsToRect = image.pixelsToRect();
     if (image.repeat == Repeat::Once) {
-        draw(matrix, [&](const SkDraw& target) {
+        draw({matrix, paint, &image.rect}, [&](const SkDraw& target) {
             target.drawBitmap(bitmap, pixelsToRect, &image.rect, image.sampling, paint);
         });
         return;
@@ -192,13 +250,14 @@ void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
     SkPaint tiles = paint;
     tiles.setShader(
         bitmap.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect));
-    draw(matrix, [&](const SkDraw& target) { target.drawPaint(tiles); });
+    draw({matrix, tiles}, [&](const SkDraw& target) { target.drawPaint(tiles); });
 }
 
 void Surface::drawMask(const SkMask& mask, const SkPaint& paint) {
     if (clip_.isEmpty())
         return;
-    draw(SkMatrix::I(), [&](const SkDraw& target) {
+    const SkRect bounds = SkRect::Make(mask.fBounds);
+    draw({SkMatrix::I(), paint, &bounds}, [&](const SkDraw& target) {
         const SkIPoint at = {SkScalarRoundToInt(target.fCTM->getTranslateX()),
                              SkScalarRoundToInt(target.fCTM->getTranslateY())};
         const SkMask moved(mask.fImage, mask.fBounds.makeOffset(at), mask.fRowBytes, mask.fFormat);
@@ -210,7 +269,9 @@ void Surface::drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& pai
     SkBitmap bitmap;
     if (clip_.isEmpty() || !bitmap.installPixels(source))
         return;
-    draw(SkMatrix::Translate(static_cast<float>(at.x()), static_cast<float>(at.y())),
+    const SkRect bounds = SkRect::Make(source.dimensions());
+    draw({SkMatrix::Translate(static_cast<float>(at.x()), static_cast<float>(at.y())), paint,
+          &bounds},
          [&](const SkDraw& target) {
              target.drawBitmap(bitmap, SkMatrix::I(), nullptr, SkSamplingOptions(), paint);
          });

@@ -1,6 +1,7 @@
 // Surface.h: pixels, and the clip and transform through which marks reach them.
 #pragma once
 
+#include "Backend/Raster/PixelLender.h"
 #include "include/core/SkMatrix.h"
 #include "include/core/SkPaint.h"
 #include "include/core/SkPath.h"
@@ -8,6 +9,8 @@
 #include "include/core/SkSamplingOptions.h"
 #include "src/core/SkMask.h"
 #include "src/core/SkRasterClip.h"
+
+#include <memory>
 
 namespace cg {
 
@@ -42,13 +45,16 @@ public:
     // of an area `deviceHeight` high, of which the pixels show the part from `origin` (in rows and
     // columns from its upper left corner) on.
     Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin);
+    // Over pixels that `lender` has; `info` is their layout when they are lent.
+    Surface(const SkImageInfo& info, std::unique_ptr<PixelLender> lender);
 
     Surface(const Surface&) = delete;
     Surface& operator=(const Surface&) = delete;
 
+    // Without an address where pixels are lent.
     const SkPixmap& pixels() const { return pixels_; }
     // The same pixels lie elsewhere.
-    void movePixels(void* to) { pixels_.reset(pixels_.info(), to, pixels_.rowBytes()); }
+    void movePixels(void* to);
     SkIPoint origin() const { return origin_; }
     // Device space to the pixels' rows and columns.
     const SkMatrix& deviceToPixels() const { return deviceToPixels_; }
@@ -74,14 +80,25 @@ public:
     void drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint);
 
 private:
+    // What a mark is: the space that it is drawn in, and what it covers there.
+    struct Mark {
+        SkMatrix matrix;
+        const SkPaint& paint;
+        const SkRect* bounds = nullptr; // Without the paint's effects. NULL: everywhere.
+    };
     template <typename Draw>
-    void draw(const SkMatrix& matrix, Draw&& draw);
+    void draw(const Mark& mark, Draw&& draw);
     template <typename Draw>
-    void drawInTiles(const SkMatrix& matrix, Draw&& draw);
+    void drawInTiles(const Mark& mark, Draw&& draw);
+    template <typename Draw>
+    void drawTile(const SkPixmap& pixels, SkIPoint corner, const SkMatrix& matrix, Draw&& draw);
+    std::optional<SkPixmap> tile(const SkIRect& area);
+    SkIRect touched(const Mark& mark) const;
     bool fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint);
     bool clipsSmoothly(Antialias wanted) const;
 
     SkPixmap pixels_;
+    std::unique_ptr<PixelLender> lender_; // NULL where the pixels are at hand.
     SkIPoint origin_;
     SkMatrix deviceToPixels_;
     SkRasterClip clip_;

@@ -1,206 +1,47 @@
-// CGBitmapContext.cpp: contexts over pixels in memory.
+// CGBitmapContext.cpp: what a bitmap context says of itself, and its end.
 
 #include "XGBitmapContext.h"
-#include "XGGState.h"
-#include <CoreFoundation/CFData.h>
+#include "XGColorSpace.h"
 #include <CoreGraphics/CGBitmapContext.h>
 
 #include "Core/Context/CGBitmapContextRecord.h"
+#include "Core/Context/NativeBuffer.h"
 #include "Core/Context/XGBackend.h"
-#include "Core/Object/CheckedSize.h"
 #include "Core/Object/Diagnostics.h"
 
-#include <new>
-
-using cg::BitmapContext;
 using cg::BitmapFields;
 using cg::fieldsOf;
 
-namespace {
+// ---- For the files of bitmap contexts
 
-CGImageAlphaInfo alphaInfo(CGBitmapInfo info) {
-    return static_cast<CGImageAlphaInfo>(info & kCGBitmapAlphaInfoMask);
+cg::Bitmap cg::describe(const BitmapFields& fields) {
+    return {.pixels = fields.pixels,
+            .width = fields.width,
+            .height = fields.height,
+            .bitsPerComponent = fields.bitsPerComponent,
+            .bitsPerPixel = fields.bitsPerPixel,
+            .bytesPerRow = fields.bytesPerRow,
+            .space = fields.space.get(),
+            .info = fields.info & ~kRecordsCommands,
+            .buffer = fields.buffer};
 }
 
-// ---- Creation
-
-struct PixelSource {
-    void* data = nullptr;
-    XGBitmapContextAllocateCallback allocate = nullptr;
-    CGBitmapContextReleaseDataCallback release = nullptr;
-    void* info = nullptr;
-};
-
-std::size_t componentsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha) {
-    if (alpha == kCGImageAlphaOnly)
-        return 1;
-    return CGColorSpaceGetNumberOfComponents(space) + (alpha == kCGImageAlphaNone ? 0 : 1);
+void cg::logFailedAllocation(CGContextRef context, const Bitmap& bitmap) {
+    CG_LOG_ERROR("[%p] Failed to allocate %s (%zuX%zu+%zu-bit).", static_cast<const void*>(context),
+                 "pixels", bitmap.width, bitmap.height, bitmap.bitsPerPixel);
 }
 
-// 0 when the numbers overflow.
-std::size_t bitsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha,
-                         std::size_t bitsPerComponent) {
-    constexpr std::size_t kBitsOf555 = 16;
-    if (bitsPerComponent == 5)
-        return kBitsOf555;
-    return (cg::CheckedSize(componentsPerPixel(space, alpha)) * bitsPerComponent)
-        .value()
-        .value_or(0);
+cg::LockedPixels::LockedPixels(const BitmapFields& fields)
+    : buffer_(fields.buffer),
+      pixels_(static_cast<const std::byte*>(buffer_ ? lockNativeBuffer(*buffer_) : fields.pixels)) {
 }
 
-std::optional<std::size_t> packedBytesPerRow(std::size_t bitsPerPixel, std::size_t width) {
-    const auto bits = (cg::CheckedSize(bitsPerPixel) * width + 7).value();
-    return bits ? std::optional(*bits / 8) : std::nullopt;
+cg::LockedPixels::~LockedPixels() {
+    if (buffer_ && pixels_)
+        unlockNativeBuffer(*buffer_);
 }
 
-// The pixels' owner: memory of our own is zeroed, the caller's is wrapped.
-cf::Ref<CFDataRef> obtainPixels(const PixelSource& source, void* given, std::size_t size) {
-    if (given)
-        return cf::adopt(CFDataCreateWithBytesNoCopy(nullptr, static_cast<const UInt8*>(given),
-                                                     static_cast<CFIndex>(size), kCFAllocatorNull));
-    if (source.data || source.allocate)
-        return nullptr;
-    const auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
-    if (!data)
-        return nullptr;
-    CFDataSetLength(data.get(), static_cast<CFIndex>(size));
-    const bool isWhole = CFDataGetLength(data.get()) == static_cast<CFIndex>(size);
-    return isWhole ? cf::retain(static_cast<CFDataRef>(data.get())) : nullptr;
-}
-
-// A context with the bitmap's backend, which the context frees from then on.
-CGContextRef makeContext(const cg::Bitmap& bitmap) {
-    void* const backend = cg::createRasterBackend(bitmap);
-    if (!backend)
-        return nullptr;
-    const XGContextCallbacks& callbacks = cg::rasterBackendCallbacks();
-    const CGContextRef context =
-        XGContextCreate(kXGContextKindBitmap, &callbacks, backend, sizeof(BitmapContext));
-    if (!context) {
-        callbacks.releaseInfo(backend);
-        return nullptr;
-    }
-    new (&reinterpret_cast<BitmapContext*>(context)->bitmap) BitmapFields{};
-    context->holdsBitmap = true;
-    return context;
-}
-
-void setUp(CGContextRef context, const cg::Bitmap& bitmap, const cf::Ref<CFDataRef>& data) {
-    *fieldsOf(context) = {.width = bitmap.width,
-                          .height = bitmap.height,
-                          .bitsPerComponent = bitmap.bitsPerComponent,
-                          .bytesPerRow = bitmap.bytesPerRow,
-                          .bitsPerPixel = bitmap.bitsPerPixel,
-                          .pixels = bitmap.pixels,
-                          .space = cf::retain(bitmap.space),
-                          .data = data,
-                          .info = bitmap.info};
-    CGContextSetFillColorSpace(context, bitmap.space);
-    CGContextSetStrokeColorSpace(context, bitmap.space);
-    CGContextClipToRect(context, CGRectMake(0, 0, static_cast<CGFloat>(bitmap.width),
-                                            static_cast<CGFloat>(bitmap.height)));
-}
-
-CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
-    const auto size = (cg::CheckedSize(bitmap.bytesPerRow) * bitmap.height).value();
-    if (!size || *size > static_cast<std::size_t>(LONG_MAX))
-        return nullptr;
-    void* const allocated =
-        !source.data && source.allocate ? source.allocate(source.info, *size) : nullptr;
-    void* const given = source.data ? source.data : allocated;
-
-    const auto data = obtainPixels(source, given, *size);
-    bitmap.pixels =
-        given || !data ? given : CFDataGetMutableBytePtr(const_cast<CFMutableDataRef>(data.get()));
-    auto made = cf::adopt(data ? makeContext(bitmap) : nullptr);
-    if (made)
-        setUp(made.get(), bitmap, data);
-    // The clip is the whole bitmap's: a context without one had no memory for it.
-    if (!made || !XGGStateGetClipping(made.get()->state.get())) {
-        made = nullptr;
-        if (allocated && source.release)
-            source.release(source.info, allocated);
-        return nullptr;
-    }
-    // Only now: a context that is given up leaves the caller's memory alone.
-    BitmapFields& fields = *fieldsOf(made.get());
-    fields.release = given ? source.release : nullptr;
-    fields.releaseInfo = source.info;
-    fields.isReachable = given;
-    return made.release();
-}
-
-bool isAlphaSupported(CGBitmapInfo info) {
-    const CGImageAlphaInfo alpha = alphaInfo(info);
-    return alpha <= kCGImageAlphaOnly && alpha != kCGImageAlphaLast && alpha != kCGImageAlphaFirst;
-}
-
-// Every message of creation carries this function's name.
-CGContextRef _CGBitmapContextCreateInternal(cg::Bitmap bitmap, const PixelSource& source) {
-    if (bitmap.width == 0 || bitmap.height == 0 || bitmap.bitsPerComponent == 0)
-        return nullptr;
-    bitmap.info &= ~cg::kRecordsCommands;
-    const CGImageAlphaInfo alpha = alphaInfo(bitmap.info);
-    if (!isAlphaSupported(bitmap.info)) {
-        if (alpha <= kCGImageAlphaOnly)
-            CG_LOG_ERROR("Unsupported alpha format: %s",
-                         alpha == kCGImageAlphaLast ? "kCGImageAlphaLast" : "kCGImageAlphaFirst");
-        return nullptr;
-    }
-
-    bitmap.bitsPerPixel = bitsPerPixel(bitmap.space, alpha, bitmap.bitsPerComponent);
-    const auto packed = packedBytesPerRow(bitmap.bitsPerPixel, bitmap.width);
-    if (!packed || (bitmap.bytesPerRow != 0 && bitmap.bytesPerRow < *packed)) {
-        CG_LOG_ERROR("Unable to create context: invalid arguments (bytesPerRow=%zu, "
-                     "bitsPerPixel=%zu, width=%zu)",
-                     bitmap.bytesPerRow, bitmap.bitsPerPixel, bitmap.width);
-        return nullptr;
-    }
-    if (bitmap.bytesPerRow == 0)
-        bitmap.bytesPerRow = *packed;
-    if (!cg::rasterBackendAccepts(bitmap)) {
-        CG_LOG_ERROR("Unable to validate context with arguments (colorpace=%@ bitmapInfo=%x "
-                     "bitsPerPixel=%zu bitsPerComponent=%zu)",
-                     static_cast<const void*>(bitmap.space), static_cast<unsigned>(bitmap.info),
-                     bitmap.bitsPerPixel, bitmap.bitsPerComponent);
-        return nullptr;
-    }
-    return createOver(bitmap, source);
-}
-
-} // namespace
-
-CGContextRef _CGBitmapContextCreateWithDataAllocator(void* data, size_t width, size_t height,
-                                                     size_t bitsPerComponent, size_t bytesPerRow,
-                                                     CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
-                                                     XGBitmapContextAllocateCallback allocate,
-                                                     CGBitmapContextReleaseDataCallback release,
-                                                     void* info) {
-    return _CGBitmapContextCreateInternal({.width = width,
-                                           .height = height,
-                                           .bitsPerComponent = bitsPerComponent,
-                                           .bytesPerRow = bytesPerRow,
-                                           .space = space,
-                                           .info = bitmapInfo},
-                                          {data, allocate, release, info});
-}
-
-CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t height,
-                                           size_t bitsPerComponent, size_t bytesPerRow,
-                                           CGColorSpaceRef space, CGBitmapInfo bitmapInfo,
-                                           CGBitmapContextReleaseDataCallback release,
-                                           void* releaseInfo) {
-    return _CGBitmapContextCreateWithDataAllocator(data, width, height, bitsPerComponent,
-                                                   bytesPerRow, space, bitmapInfo, nullptr, release,
-                                                   releaseInfo);
-}
-
-CGContextRef CGBitmapContextCreate(void* data, size_t width, size_t height, size_t bitsPerComponent,
-                                   size_t bytesPerRow, CGColorSpaceRef space,
-                                   CGBitmapInfo bitmapInfo) {
-    return CGBitmapContextCreateWithData(data, width, height, bitsPerComponent, bytesPerRow, space,
-                                         bitmapInfo, nullptr, nullptr);
-}
+// ---- The end
 
 // The finaliser of contexts calls this once, for bitmap contexts only.
 void XGBitmapContextDispose(CGContextRef context) {
@@ -220,7 +61,7 @@ void* CGBitmapContextGetData(CGContextRef context) {
     if (!bitmap || !cg::takeBackPixels(context))
         return nullptr;
     bitmap->isReachable = true;
-    return bitmap->pixels;
+    return bitmap->buffer ? bitmap->buffer->data : bitmap->pixels;
 }
 
 size_t CGBitmapContextGetWidth(CGContextRef context) {
@@ -259,10 +100,29 @@ CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context) {
 }
 
 CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context) {
-    return alphaInfo(CGBitmapContextGetBitmapInfo(context));
+    return static_cast<CGImageAlphaInfo>(CGBitmapContextGetBitmapInfo(context) &
+                                         kCGBitmapAlphaInfoMask);
+}
+
+bool CGBitmapContextHasCommandQueue(CGContextRef context) {
+    return (CGBitmapContextGetBitmapInfo(context) & cg::kRecordsCommands) != 0;
 }
 
 void XGBitmapContextAddFlags(CGContextRef context, CGBitmapInfo flags) {
     if (BitmapFields* const bitmap = fieldsOf(context))
         bitmap->info |= flags;
+}
+
+bool XGBitmapContextConvertFromAlphaToGrayscale(CGContextRef context) {
+    BitmapFields* const fields = fieldsOf(context);
+    if (!fields || CGBitmapContextGetAlphaInfo(context) != kCGImageAlphaOnly)
+        return false;
+    cg::Bitmap gray = cg::describe(*fields);
+    gray.space = XGColorSpaceGetDeviceGray();
+    gray.info &= ~CGBitmapInfo{kCGBitmapAlphaInfoMask};
+    if (!cg::reinterpretPixels(context->info, gray))
+        return false;
+    fields->space = cf::retain(gray.space);
+    fields->info &= ~CGBitmapInfo{kCGBitmapAlphaInfoMask};
+    return true;
 }

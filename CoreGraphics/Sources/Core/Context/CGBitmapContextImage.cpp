@@ -3,11 +3,13 @@
 // An image takes the pixels that the context holds, and the context copies them when it is next
 // drawn to, if the image still exists then: most are made when a picture is finished.
 
+#include "XGBitmapContext.h"
 #include <CoreGraphics/CGBitmapContext.h>
 #include <CoreGraphics/CGDataProvider.h>
 
 #include "Core/Context/CGBitmapContextRecord.h"
 #include "Core/Context/XGBackend.h"
+#include "Core/Image/CGImageRecord.h"
 #include "Core/Object/Diagnostics.h"
 
 namespace {
@@ -23,9 +25,13 @@ bool takeBack(void* context) {
 
 // The pixels as they are now and stay.
 cf::Ref<CFDataRef> snapshot(CGContextRef context, const cg::BitmapFields& bitmap) {
-    if (bitmap.isReachable)
-        return cf::adopt(CFDataCreate(nullptr, static_cast<const UInt8*>(bitmap.pixels),
-                                      CFDataGetLength(bitmap.data.get())));
+    if (bitmap.isReachable) {
+        const cg::LockedPixels pixels(bitmap);
+        return pixels.get()
+                   ? cf::adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(pixels.get()),
+                                            CFDataGetLength(bitmap.data.get())))
+                   : nullptr;
+    }
     cg::callBeforeNextMark(context->info, takeBack, context);
     return bitmap.data;
 }
@@ -38,9 +44,7 @@ bool cg::takeBackPixels(CGContextRef context) {
         return true;
     const auto copy = cf::adopt(CFDataCreateMutableCopy(nullptr, 0, bitmap.data.get()));
     if (!copy) {
-        CG_LOG_ERROR("[%p] Failed to allocate %s (%zuX%zu+%zu-bit).",
-                     static_cast<const void*>(context), "pixels", bitmap.width, bitmap.height,
-                     bitmap.bitsPerPixel);
+        logFailedAllocation(context, describe(bitmap));
         return false;
     }
     bitmap.pixels = CFDataGetMutableBytePtr(copy.get());
@@ -50,13 +54,35 @@ bool cg::takeBackPixels(CGContextRef context) {
 }
 
 CGImageRef CGBitmapContextCreateImage(CGContextRef context) {
+    return XGBitmapContextCreateImageWithSize(context, CGBitmapContextGetWidth(context),
+                                              CGBitmapContextGetHeight(context));
+}
+
+// Not validated as an image that a caller describes: some formats that can be drawn into, such as
+// three times 5 bits and an opacity of one, are none for CGImageCreate.
+CGImageRef XGBitmapContextCreateImageWithSize(CGContextRef context, size_t width, size_t height) {
     const cg::BitmapFields* const bitmap = cg::fieldsOf(context);
-    if (!bitmap)
+    if (!bitmap || width == 0 || height == 0)
         return nullptr;
+    if (width > bitmap->width || height > bitmap->height) {
+        CG_LOG_ERROR("A bitmap of %zu by %zu pixels has no part of %zu by %zu", bitmap->width,
+                     bitmap->height, width, height);
+        return nullptr;
+    }
     const auto data = snapshot(context, *bitmap);
     const auto provider = cf::adopt(data ? CGDataProviderCreateWithCFData(data.get()) : nullptr);
-    return CGImageCreate(bitmap->width, bitmap->height, bitmap->bitsPerComponent,
-                         bitmap->bitsPerPixel, bitmap->bytesPerRow, bitmap->space.get(),
-                         bitmap->info & ~cg::kRecordsCommands, provider.get(), nullptr, true,
-                         kCGRenderingIntentDefault);
+    if (!provider) {
+        cg::logFailedAllocation(context, cg::describe(*bitmap));
+        return nullptr;
+    }
+    return cg::makeImage({.width = width,
+                          .height = height,
+                          .bitsPerComponent = bitmap->bitsPerComponent,
+                          .bitsPerPixel = bitmap->bitsPerPixel,
+                          .bytesPerRow = bitmap->bytesPerRow,
+                          .bitmapInfo = bitmap->info & ~cg::kRecordsCommands,
+                          .flags = cg::kImageInterpolates,
+                          .space = bitmap->space.get(),
+                          .provider = provider.get()})
+        .release();
 }

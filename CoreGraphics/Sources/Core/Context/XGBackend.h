@@ -1,6 +1,7 @@
 // XGBackend.h: what the front end asks of the backends, and the only way in which it reaches them.
 #pragma once
 
+#include "XGBitmapContext.h"
 #include "XGContext.h"
 #include <CoreGraphics/CGColorSpace.h>
 #include <CoreGraphics/CGImage.h>
@@ -22,6 +23,7 @@ struct Bitmap {
     std::size_t bytesPerRow = 0;
     CGColorSpaceRef space = nullptr;
     CGBitmapInfo info = 0;
+    XGNativeBuffer* buffer = nullptr; // Where the pixels are while it is locked, if there is one.
 };
 
 // Whether the raster backend can draw into bitmaps made up like this one (its pixels are not looked
@@ -39,6 +41,9 @@ const XGContextCallbacks& rasterBackendCallbacks();
 void callBeforeNextMark(void* backend, bool (*takeBack)(void* owner), void* owner);
 // The bitmap's pixels, as they are, lie at another place from now on.
 void movePixels(void* backend, void* pixels);
+// The same pixels mean something else from now on: a format of as many bits, which has been
+// accepted. False, and nothing has changed, when memory runs out.
+bool reinterpretPixels(void* backend, const Bitmap& bitmap);
 
 // Empties a path but keeps the memory of its points, for the next path to use.
 void rewindPath(CGMutablePathRef path);

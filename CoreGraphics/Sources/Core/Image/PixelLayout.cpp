@@ -10,12 +10,6 @@ namespace cg {
 
 namespace {
 
-// The published field for pixels whose components differ in width.
-constexpr CGBitmapInfo kPixelFormatMask = 0xF0000;
-constexpr CGBitmapInfo kPixelFormatPacked = 0;
-constexpr CGBitmapInfo kPixelFormatRGB555 = 0x10000;
-constexpr CGBitmapInfo kPixelFormatRGB565 = 0x20000;
-
 // The bytes of a unit that are to be reversed, for pixels of that many bits.
 std::optional<std::size_t> reversedUnit(CGBitmapInfo info, std::size_t bitsPerPixel) {
     std::size_t unit = 1;
@@ -69,10 +63,10 @@ std::optional<PixelLayout> PixelLayout::of(const PixelDescription& description) 
     if (layout.fieldCount() > kMostFields || layout.colorCount_ >= kMostFields)
         return std::nullopt;
 
-    const CGBitmapInfo format = description.bitmapInfo & kPixelFormatMask;
-    if (format == kPixelFormatRGB565)
+    const CGBitmapInfo format = description.bitmapInfo & kCGImagePixelFormatMask;
+    if (format == kCGImagePixelFormatRGB565)
         return layout.placePackedFields(alpha) ? std::optional(layout) : std::nullopt;
-    if (format != kPixelFormatPacked && format != kPixelFormatRGB555)
+    if (format != kCGImagePixelFormatPacked && format != kCGImagePixelFormatRGB555)
         return std::nullopt;
     return layout.placeFields(description, alpha) ? std::optional(layout) : std::nullopt;
 }

@@ -62,6 +62,7 @@ public:
     bool prepare();
     bool readRows(std::size_t firstRow, std::size_t rowCount, std::byte* out,
                   std::size_t outBytesPerRow) override;
+    bool readPixels(std::size_t row, std::size_t first, std::size_t count, std::byte* out) override;
 
 private:
     bool prepareMask();
@@ -74,8 +75,6 @@ private:
     void hideMaskedColors(std::size_t count);
     bool applyMask(Component* pixels, std::size_t row, std::size_t first, std::size_t count,
                    bool isPremultiplied);
-    bool swizzleRows(std::size_t firstRow, std::size_t rowCount, std::byte* out,
-                     std::size_t outBytesPerRow);
     bool convertSpan(std::size_t row, std::size_t first, std::size_t count, std::byte* out);
     void store(const Component* pixels, std::size_t count, std::byte* out) const;
 
@@ -107,8 +106,8 @@ template <typename Component>
 bool TypedPixelReader<Component>::prepare() {
     const CGColorSpaceRef from = pixelSpace(image_);
     CGColorSpaceRef to = target_.space ? target_.space : from;
-    // Storing in this order spreads grays by itself.
-    if (target_.order == ComponentOrder::BGRX && isReplicated(from, to))
+    // Storing in these orders spreads grays by itself.
+    if (target_.order != ComponentOrder::OfSpace && isReplicated(from, to))
         to = from;
     loadedColors_ = CGColorSpaceGetNumberOfComponents(from);
     wantedColors_ = CGColorSpaceGetNumberOfComponents(to);
@@ -118,7 +117,7 @@ bool TypedPixelReader<Component>::prepare() {
     isIndexed_ = !isAlphaOnly && isIndexed(image_);
     isPremultiplied_ = layout_.isPremultiplied() && !isIndexed_;
     componentsPerPixel_ =
-        target_.order == ComponentOrder::BGRX ? 4 : wantedColors_ + (wantsAlpha ? 1 : 0);
+        target_.order != ComponentOrder::OfSpace ? 4 : wantedColors_ + (wantsAlpha ? 1 : 0);
 
     if (needsConversion(from, to)) {
         const RowFormat format = {kTypeOf<Component>, hasAlpha_ && !isIndexed_};
@@ -313,7 +312,8 @@ void TypedPixelReader<Component>::store(const Component* pixels, std::size_t cou
     const PixelStore store = {.colors = wantedColors_,
                               .hasAlpha = hasAlpha_,
                               .keepsAlpha = target_.alpha != AlphaUse::None,
-                              .isBGRX = target_.order == ComponentOrder::BGRX};
+                              .isSpread = target_.order != ComponentOrder::OfSpace,
+                              .startsWithBlue = target_.order == ComponentOrder::BGRX};
     switch (target_.type) {
     case ComponentType::Unsigned8:
         return storePixels(pixels, count, store, reinterpret_cast<std::uint8_t*>(out));
@@ -325,14 +325,20 @@ void TypedPixelReader<Component>::store(const Component* pixels, std::size_t cou
 }
 
 template <typename Component>
-bool TypedPixelReader<Component>::swizzleRows(std::size_t firstRow, std::size_t rowCount,
-                                              std::byte* out, std::size_t outBytesPerRow) {
-    const std::size_t rowBytes = image_->width * (layout_.bitsPerPixel() / 8);
-    for (std::size_t row = firstRow; row < firstRow + rowCount; ++row, out += outBytesPerRow) {
-        const std::byte* const pixels = rows_.bytes(row, 0, rowBytes);
-        if (!pixels)
+bool TypedPixelReader<Component>::readPixels(std::size_t row, std::size_t first, std::size_t count,
+                                             std::byte* out) {
+    if (swizzle_) {
+        const std::size_t pixelBytes = layout_.bitsPerPixel() / 8;
+        const std::byte* const pixels = rows_.bytes(row, first * pixelBytes, count * pixelBytes);
+        if (pixels)
+            swizzle_->apply(pixels, count, out);
+        return pixels;
+    }
+    for (; count > 0; first += kSpan, out += kSpan * bytesPerPixel()) {
+        const std::size_t span = std::min(kSpan, count);
+        if (!convertSpan(row, first, span, out))
             return false;
-        swizzle_->apply(pixels, image_->width, out);
+        count -= span;
     }
     return true;
 }
@@ -340,12 +346,9 @@ bool TypedPixelReader<Component>::swizzleRows(std::size_t firstRow, std::size_t 
 template <typename Component>
 bool TypedPixelReader<Component>::readRows(std::size_t firstRow, std::size_t rowCount,
                                            std::byte* out, std::size_t outBytesPerRow) {
-    if (swizzle_)
-        return swizzleRows(firstRow, rowCount, out, outBytesPerRow);
     for (std::size_t row = firstRow; row < firstRow + rowCount; ++row, out += outBytesPerRow)
-        for (std::size_t x = 0; x < image_->width; x += kSpan)
-            if (!convertSpan(row, x, std::min(kSpan, image_->width - x), out + x * bytesPerPixel()))
-                return false;
+        if (!readPixels(row, 0, image_->width, out))
+            return false;
     return true;
 }
 

@@ -11,16 +11,16 @@
 namespace cg {
 
 enum class AlphaUse : std::uint8_t { None, Straight, Premultiplied };
-// BGRX is four components a pixel whatever the space: a gray is given three times, and where
-// opacity is not wanted the fourth component is full.
-enum class ComponentOrder : std::uint8_t { OfSpace, BGRX };
+// BGRX and RGBX are four components a pixel whatever the space: a gray is given three times, and
+// where opacity is not wanted the fourth component is full.
+enum class ComponentOrder : std::uint8_t { OfSpace, BGRX, RGBX };
 
 // What pixels are wanted as.
 struct PixelTarget {
     CGColorSpaceRef space = nullptr; // NULL: the image's own colours, an indexed image's base.
     ComponentType type = ComponentType::Unsigned8;
     AlphaUse alpha = AlphaUse::None;
-    ComponentOrder order = ComponentOrder::OfSpace; // BGRX for gray and RGB alone.
+    ComponentOrder order = ComponentOrder::OfSpace; // Others for gray and RGB alone.
     CGColorRenderingIntent intent = kCGRenderingIntentDefault;
 };
 
@@ -49,6 +49,9 @@ public:
     // log, when bytes are missing: rows before that are good.
     virtual bool readRows(std::size_t firstRow, std::size_t rowCount, std::byte* out,
                           std::size_t outBytesPerRow) = 0;
+    // `count` pixels of a row from `first` on, which begins on a whole byte.
+    virtual bool readPixels(std::size_t row, std::size_t first, std::size_t count,
+                            std::byte* out) = 0;
 
 protected:
     PixelTarget target_;

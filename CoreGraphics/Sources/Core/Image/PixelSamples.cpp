@@ -3,6 +3,7 @@
 #include "PixelSamples.h"
 
 #include <array>
+#include <cstring>
 
 namespace cg {
 
@@ -56,6 +57,36 @@ void gatherFields(const PixelLayout& layout, const std::byte* pixels, std::size_
                                      layout.bitsPerPixel() / 8, count, samples);
 }
 
+// The way back of gather(). Bytes of no field become 0xFF.
+template <std::size_t bytesPerField, std::size_t fields, typename Sample>
+void scatter(const BytePlaces& places, const Sample* samples, std::size_t count, std::byte* pixels,
+             std::size_t stride) {
+    const bool hasUnused = stride > fields * bytesPerField;
+    for (std::size_t x = 0; x < count; ++x, pixels += stride) {
+        if (hasUnused)
+            std::memset(pixels, 0xFF, stride);
+        for (std::size_t i = 0; i < fields; ++i) {
+            const unsigned value = *samples++;
+            for (std::size_t byte = 0; byte < bytesPerField; ++byte)
+                pixels[places[i * bytesPerField + byte]] =
+                    static_cast<std::byte>(value >> 8 * (bytesPerField - 1 - byte));
+        }
+    }
+}
+
+template <std::size_t bytesPerField, typename Sample>
+void scatterFields(const PixelLayout& layout, const Sample* samples, std::size_t count,
+                   std::byte* pixels) {
+    using Scatter =
+        void (*)(const BytePlaces&, const Sample*, std::size_t, std::byte*, std::size_t);
+    constexpr std::array<Scatter, PixelLayout::kMostFields> byCount = {
+        scatter<bytesPerField, 1, Sample>, scatter<bytesPerField, 2, Sample>,
+        scatter<bytesPerField, 3, Sample>, scatter<bytesPerField, 4, Sample>,
+        scatter<bytesPerField, 5, Sample>};
+    byCount[layout.fieldCount() - 1](placesOf(layout, bytesPerField), samples, count, pixels,
+                                     layout.bitsPerPixel() / 8);
+}
+
 } // namespace
 
 void unpackSamples(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
@@ -78,6 +109,34 @@ void unpackBytes(const PixelLayout& layout, const std::byte* pixels, std::size_t
 void unpackWords(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
                  std::uint16_t* samples) {
     gatherFields<2>(layout, pixels, count, samples);
+}
+
+void packSamples(const PixelLayout& layout, const std::uint32_t* samples, std::size_t count,
+                 std::byte* pixels) {
+    const std::size_t bits = layout.bitsPerPixel();
+    const std::size_t bytes = bits / 8;
+    for (std::size_t x = 0; x < count; ++x, pixels += bytes) {
+        std::uint64_t stream = ~std::uint64_t{0};
+        for (std::size_t i = 0; i < layout.fieldCount(); ++i) {
+            const SampleField& field = layout.field(i);
+            const std::size_t shift = bits - field.offset - field.bits;
+            stream &= ~(((std::uint64_t{1} << field.bits) - 1) << shift);
+            stream |= std::uint64_t{*samples++} << shift;
+        }
+        for (std::size_t byte = 0; byte < bytes; ++byte)
+            pixels[layout.bytePlace(byte)] =
+                static_cast<std::byte>(stream >> 8 * (bytes - 1 - byte));
+    }
+}
+
+void packBytes(const PixelLayout& layout, const std::uint8_t* samples, std::size_t count,
+               std::byte* pixels) {
+    scatterFields<1>(layout, samples, count, pixels);
+}
+
+void packWords(const PixelLayout& layout, const std::uint16_t* samples, std::size_t count,
+               std::byte* pixels) {
+    scatterFields<2>(layout, samples, count, pixels);
 }
 
 } // namespace cg

@@ -20,4 +20,13 @@ void unpackBytes(const PixelLayout& layout, const std::byte* pixels, std::size_t
 void unpackWords(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
                  std::uint16_t* samples);
 
+// Makes pixels of one to eight whole bytes up of samples, which fit their fields: the way back.
+// Bits of no field become 1, as the unused byte of opaque pixels is full.
+void packSamples(const PixelLayout& layout, const std::uint32_t* samples, std::size_t count,
+                 std::byte* pixels);
+void packBytes(const PixelLayout& layout, const std::uint8_t* samples, std::size_t count,
+               std::byte* pixels);
+void packWords(const PixelLayout& layout, const std::uint16_t* samples, std::size_t count,
+               std::byte* pixels);
+
 } // namespace cg

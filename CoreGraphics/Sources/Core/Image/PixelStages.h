@@ -40,7 +40,8 @@ struct PixelStore {
     std::size_t colors = 0;
     bool hasAlpha = false;   // Of what is stored.
     bool keepsAlpha = false; // Otherwise it is left out, or full.
-    bool isBGRX = false;
+    bool isSpread = false;   // Into four components, a gray three times.
+    bool startsWithBlue = false;
 };
 
 template <typename Wanted, typename Component>
@@ -56,14 +57,16 @@ void storeInOrder(const Component* pixels, std::size_t count, const PixelStore& 
 }
 
 template <typename Wanted, typename Component>
-void storeBGRX(const Component* pixels, std::size_t count, const PixelStore& store, Wanted* out) {
-    const std::size_t blue = store.colors == 3 ? 2 : 0;
-    const std::size_t green = store.colors == 3 ? 1 : 0;
+void storeSpread(const Component* pixels, std::size_t count, const PixelStore& store, Wanted* out) {
+    const bool isGray = store.colors == 1;
+    const std::size_t first = isGray || !store.startsWithBlue ? 0 : 2;
+    const std::size_t second = isGray ? 0 : 1;
+    const std::size_t third = isGray ? 0 : 2 - first;
     const bool takesAlpha = store.hasAlpha && store.keepsAlpha;
     for (std::size_t x = 0; x < count; ++x, out += 4) {
-        out[0] = widthChanged<Wanted>(pixels[blue]);
-        out[1] = widthChanged<Wanted>(pixels[green]);
-        out[2] = widthChanged<Wanted>(pixels[0]);
+        out[0] = widthChanged<Wanted>(pixels[first]);
+        out[1] = widthChanged<Wanted>(pixels[second]);
+        out[2] = widthChanged<Wanted>(pixels[third]);
         out[3] = takesAlpha ? widthChanged<Wanted>(pixels[store.colors]) : kOne<Wanted>;
         pixels += store.colors + (store.hasAlpha ? 1 : 0);
     }
@@ -71,8 +74,8 @@ void storeBGRX(const Component* pixels, std::size_t count, const PixelStore& sto
 
 template <typename Wanted, typename Component>
 void storePixels(const Component* pixels, std::size_t count, const PixelStore& store, Wanted* out) {
-    if (store.isBGRX)
-        storeBGRX(pixels, count, store, out);
+    if (store.isSpread)
+        storeSpread(pixels, count, store, out);
     else
         storeInOrder(pixels, count, store, store.keepsAlpha, out);
 }
