@@ -44,7 +44,9 @@ __CFAllocator nullAllocator = {CF_STATIC_BASE(cf::kAllocatorClass, cf::kTypeAllo
 __CFAllocator useContext = {CF_STATIC_BASE(cf::kAllocatorClass, cf::kTypeAllocator), {}};
 
 // nullptr stands for the system's allocator, so that threads which set nothing pay for nothing.
-constinit thread_local CFAllocatorRef threadDefault = nullptr;
+// Every creation of an object looks at it: a library that is loaded with its program finds it
+// without a call.
+[[gnu::tls_model("initial-exec")]] constinit thread_local CFAllocatorRef threadDefault = nullptr;
 
 // Touched only by threads that set a default, whose end then lets go of it.
 struct ThreadDefaultOwner {

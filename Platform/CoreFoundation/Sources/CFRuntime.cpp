@@ -48,6 +48,19 @@ CFAllocatorRef& prefixedAllocator(CFTypeRef object) {
                                               kAllocatorPrefix);
 }
 
+// Room for an instance, zeroed behind its base. Small blocks come from the thread's own cache of
+// freed ones, which the C library's calloc does not look into; large ones may come from the system
+// zeroed already.
+void* allocateInstance(std::size_t size) {
+    constexpr std::size_t kSmall = 1024;
+    if (size > kSmall)
+        return std::calloc(1, size);
+    void* const memory = std::malloc(size);
+    if (memory)
+        std::memset(static_cast<CFRuntimeBase*>(memory) + 1, 0, size - sizeof(CFRuntimeBase));
+    return memory;
+}
+
 CFTypeRef createInstance(CFAllocatorRef allocator, const CFRuntimeClass* record, CFTypeID type,
                          CFIndex extraBytes) {
     constexpr auto most = static_cast<std::size_t>(std::numeric_limits<CFIndex>::max());
@@ -59,7 +72,7 @@ CFTypeRef createInstance(CFAllocatorRef allocator, const CFRuntimeClass* record,
 
     void* memory = nullptr;
     if (!ownAllocator) {
-        memory = std::calloc(1, size);
+        memory = allocateInstance(size);
     } else if (auto* block = static_cast<std::byte*>(CFAllocatorAllocate(
                    allocator, static_cast<CFIndex>(size + kAllocatorPrefix), 0))) {
         memory = block + kAllocatorPrefix;
@@ -71,6 +84,7 @@ CFTypeRef createInstance(CFAllocatorRef allocator, const CFRuntimeClass* record,
     auto* const base = static_cast<CFRuntimeBase*>(memory);
     base->classWord = reinterpret_cast<uintptr_t>(record) | kCFRuntimeClassTag;
     base->typeID = static_cast<uint16_t>(type);
+    base->flags = 0;
     base->retainCount = 1;
     if (ownAllocator) {
         base->flags = cf::kHasAllocatorFlag;
