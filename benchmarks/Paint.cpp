@@ -14,6 +14,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <vector>
@@ -63,7 +64,7 @@ void drawGradient(benchmark::State& state, Shape shape, int count) {
     }
 }
 
-void drawBare(benchmark::State& state, Shape shape, int count) {
+void drawGradientBare(benchmark::State& state, Shape shape, int count) {
     SkGraphics::Init();
     SkBitmap bitmap;
     bitmap.allocN32Pixels(kSize, kSize);
@@ -90,56 +91,93 @@ void drawBare(benchmark::State& state, Shape shape, int count) {
 }
 
 BENCHMARK_CAPTURE(drawGradient, linear_2, Shape::Linear, 2);
-BENCHMARK_CAPTURE(drawBare, linear_2, Shape::Linear, 2);
+BENCHMARK_CAPTURE(drawGradientBare, linear_2, Shape::Linear, 2);
 BENCHMARK_CAPTURE(drawGradient, linear_5, Shape::Linear, 5);
-BENCHMARK_CAPTURE(drawBare, linear_5, Shape::Linear, 5);
+BENCHMARK_CAPTURE(drawGradientBare, linear_5, Shape::Linear, 5);
 BENCHMARK_CAPTURE(drawGradient, radial_2, Shape::Radial, 2);
-BENCHMARK_CAPTURE(drawBare, radial_2, Shape::Radial, 2);
+BENCHMARK_CAPTURE(drawGradientBare, radial_2, Shape::Radial, 2);
 BENCHMARK_CAPTURE(drawGradient, radial_5, Shape::Radial, 5);
-BENCHMARK_CAPTURE(drawBare, radial_5, Shape::Radial, 5);
+BENCHMARK_CAPTURE(drawGradientBare, radial_5, Shape::Radial, 5);
 
 // ---- A gradient's colour at a place, beside a loop over the same stops
 
-constexpr int kPlaces = 256;
+constexpr std::size_t kPlaces = 256;
 
-void evaluateGradient(benchmark::State& state) {
+enum class Way { OneByOne, Span };
+
+void evaluateGradient(benchmark::State& state, Way way) {
     const auto gradient = makeGradient(5);
     const CGFunctionRef function = XGGradientGetFunction(gradient.get());
+    std::array<CGFloat, kPlaces> places;
+    std::array<CGFloat, 4 * kPlaces> out;
+    for (std::size_t place = 0; place < kPlaces; ++place)
+        places[place] = static_cast<CGFloat>(place) / kPlaces;
     for ([[maybe_unused]] auto round : state) {
-        for (int place = 0; place < kPlaces; ++place) {
-            const CGFloat location = static_cast<CGFloat>(place) / kPlaces;
-            CGFloat out[4];
-            XGFunctionEvaluate(function, &location, out);
-            benchmark::DoNotOptimize(out);
-        }
+        benchmark::DoNotOptimize(places);
+        if (way == Way::Span)
+            XGFunctionEvaluateSpan(function, places.data(), places.size(), out.data());
+        else
+            for (std::size_t place = 0; place < kPlaces; ++place)
+                XGFunctionEvaluate(function, &places[place], &out[4 * place]);
+        benchmark::DoNotOptimize(out);
     }
-    state.SetItemsProcessed(state.iterations() * kPlaces);
+    state.SetItemsProcessed(state.iterations() * std::int64_t{kPlaces});
 }
 
-void evaluateBare(benchmark::State& state) {
+// A loop of a program's own, which keeps the place and the colours in 0 … 1 as ours does.
+float inUnit(float value) {
+    return std::isfinite(value) && value > 0 ? std::min(value, 1.f) : 0;
+}
+
+void evaluateGradientBare(benchmark::State& state, Way) {
     const auto colors = colorsOf(5);
     std::array<float, 5> locations = {0, 0.25f, 0.5f, 0.75f, 1};
-    benchmark::DoNotOptimize(locations);
+    std::array<float, kPlaces> places;
+    std::array<float, 4 * kPlaces> out;
+    for (std::size_t place = 0; place < kPlaces; ++place)
+        places[place] = static_cast<float>(place) / kPlaces;
     for ([[maybe_unused]] auto round : state) {
-        for (int place = 0; place < kPlaces; ++place) {
-            const float location = static_cast<float>(place) / kPlaces;
+        benchmark::DoNotOptimize(places);
+        benchmark::DoNotOptimize(locations);
+        float* to = out.data();
+        for (const float place : places) {
+            const float location = inUnit(place);
             std::size_t end = 1;
             while (end < 4 && location > locations[end])
                 ++end;
             const float t = (location - locations[end - 1]) / (locations[end] - locations[end - 1]);
-            float out[4];
             for (int channel = 0; channel < 4; ++channel) {
                 const float from = colors[end - 1][channel];
-                out[channel] = from + t * (colors[end][channel] - from);
+                *to++ = inUnit(from + t * (colors[end][channel] - from));
             }
-            benchmark::DoNotOptimize(out);
         }
+        benchmark::DoNotOptimize(out);
     }
-    state.SetItemsProcessed(state.iterations() * kPlaces);
+    state.SetItemsProcessed(state.iterations() * std::int64_t{kPlaces});
 }
 
-BENCHMARK(evaluateGradient);
-BENCHMARK(evaluateBare);
+// A row of Skia's gradient, which yields premultiplied pixels.
+void evaluateGradientSkia(benchmark::State& state, Way) {
+    SkGraphics::Init();
+    SkBitmap bitmap;
+    bitmap.allocPixels(SkImageInfo::Make(kPlaces, 1, kRGBA_F32_SkColorType, kPremul_SkAlphaType));
+    SkCanvas canvas(bitmap);
+    const auto colors = colorsOf(5);
+    const SkPoint ends[] = {{0, 0}, {kPlaces, 0}};
+    SkPaint paint;
+    paint.setBlendMode(SkBlendMode::kSrc);
+    paint.setShader(
+        SkGradientShader::MakeLinear(ends, colors.data(), nullptr, nullptr, 5, SkTileMode::kClamp));
+    for ([[maybe_unused]] auto round : state)
+        canvas.drawPaint(paint);
+    state.SetItemsProcessed(state.iterations() * std::int64_t{kPlaces});
+}
+
+BENCHMARK_CAPTURE(evaluateGradient, one_by_one, Way::OneByOne);
+BENCHMARK_CAPTURE(evaluateGradientBare, one_by_one, Way::OneByOne);
+BENCHMARK_CAPTURE(evaluateGradient, span, Way::Span);
+BENCHMARK_CAPTURE(evaluateGradientBare, span, Way::Span);
+BENCHMARK_CAPTURE(evaluateGradientSkia, span, Way::Span);
 
 // ---- What a function costs before its first pixel: the bitmap is one pixel
 

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <limits>
 #include <vector>
 
 namespace {
@@ -54,6 +55,38 @@ TEST(Gradient, GoesLinearlyFromStopToStop) {
     };
     for (const auto& [what, gradient, location, gray] : cases)
         EXPECT_NEAR(grayAt(gradient, location), gray, 1e-6) << what;
+}
+
+// Places in order, backwards and beyond the ends, and locations of every kind.
+TEST(Gradient, AnswersSpansAsItAnswersPlaces) {
+    const CGFloat nan = std::numeric_limits<CGFloat>::quiet_NaN();
+    const CGFloat infinity = std::numeric_limits<CGFloat>::infinity();
+    const std::vector<CGFloat> places = {0,    0.1f, 0.25f,     0.3f, 0.5f, 0.75f,   0.9f,
+                                         1,    0.6f, 0.2f,      0,    -1,   2,       nan,
+                                         0.5f, 0.5f, -infinity, 1,    0.1f, infinity};
+    const CGFloat locations[][4] = {
+        {0, 0.25f, 0.75f, 1}, {0, 0, 0.5f, 0.5f}, {-1, 0.2f, 0.3f, 3}, {nan, 0.2f, 0.3f, 1}};
+    for (const auto& kind : locations) {
+        const Gradient gradient = makeGray({0.1f, 0.9f, 0.4f, 1.5f}, kind);
+        const CGFunctionRef function = XGGradientGetFunction(gradient.get());
+        std::vector<CGFloat> span(2 * places.size());
+        XGFunctionEvaluateSpan(function, places.data(), places.size(), span.data());
+        for (std::size_t index = 0; index < places.size(); ++index)
+            EXPECT_EQ(span[2 * index], grayAt(gradient, places[index]))
+                << kind[0] << " at " << places[index];
+    }
+}
+
+// More stops than are sorted one by one, given backwards.
+TEST(Gradient, SortsManyStopsInNoTime) {
+    constexpr int kStops = 200'000;
+    std::vector<CGFloat> levels, locations;
+    for (int index = kStops; index >= 0; --index) {
+        locations.push_back(static_cast<CGFloat>(index) / kStops);
+        levels.push_back(locations.back());
+    }
+    const Gradient gradient = makeGray(levels, locations.data());
+    EXPECT_NEAR(grayAt(gradient, 0.125f), 0.125f, 1e-4);
 }
 
 TEST(Gradient, KeepsTheOrderOfManyStopsInOnePlace) {

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstdint>
 #include <limits>
 
@@ -88,23 +87,24 @@ void CGFunctionRelease(CGFunctionRef function) {
 namespace {
 
 CGFloat limitedInput(CGFloat value, const cg::Limits& limits) {
-    if (std::isnan(value) || value < limits.least)
-        return limits.least;
-    return value > limits.greatest ? limits.greatest : value;
+    return value >= limits.least ? std::min(value, limits.greatest) : limits.least; // As a NaN is.
 }
 
 // Deliberate: an infinite output is a failed computation, not a large one, and becomes the least.
 CGFloat limitedOutput(CGFloat value, const cg::Limits& limits) {
-    if (!std::isfinite(value) || value < limits.least)
-        return limits.least;
-    return value > limits.greatest ? limits.greatest : value;
+    const bool isUsable =
+        value >= limits.least && value <= std::numeric_limits<CGFloat>::max(); // No NaN is.
+    return isUsable ? std::min(value, limits.greatest) : limits.least;
 }
 
-} // namespace
+void limitOutputs(CGFunctionRef function, CGFloat* out) {
+    for (const cg::Limits& limits : function->range) {
+        *out = limitedOutput(*out, limits);
+        ++out;
+    }
+}
 
-void XGFunctionEvaluate(CGFunctionRef function, const CGFloat* in, CGFloat* out) {
-    if (!function || !in || !out)
-        return;
+void evaluateOne(CGFunctionRef function, const CGFloat* in, CGFloat* out) {
     // Functions of shadings have one input: threads that share them do not meet in the scratch
     // area.
     std::array<CGFloat, 4> few;
@@ -117,8 +117,24 @@ void XGFunctionEvaluate(CGFunctionRef function, const CGFloat* in, CGFloat* out)
         inputs = limited;
     }
     function->callbacks.evaluate(function->info, inputs, out);
-    for (std::size_t index = 0; index < function->range.size(); ++index)
-        out[index] = limitedOutput(out[index], function->range[index]);
+    limitOutputs(function, out);
+}
+
+} // namespace
+
+void XGFunctionEvaluate(CGFunctionRef function, const CGFloat* in, CGFloat* out) {
+    XGFunctionEvaluateSpan(function, in, 1, out);
+}
+
+void XGFunctionEvaluateSpan(CGFunctionRef function, const CGFloat* in, size_t count, CGFloat* out) {
+    if (!function || !in || !out)
+        return;
+    if (function->evaluateSpan) {
+        function->evaluateSpan(function->info, in, count, out);
+        return;
+    }
+    for (; count > 0; --count, in += function->domainDimension, out += function->rangeDimension)
+        evaluateOne(function, in, out);
 }
 
 // ---- Comparison

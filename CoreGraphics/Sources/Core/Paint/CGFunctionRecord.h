@@ -28,6 +28,8 @@ struct CGFunction {
     std::size_t domainDimension = 0;
     std::size_t rangeDimension = 0;
     void* info = nullptr;
+    // Computes many places at once, limits included; NULL where only the callback knows how.
+    void (*evaluateSpan)(void* info, const CGFloat* in, std::size_t count, CGFloat* out) = nullptr;
 
     ~CGFunction() {
         if (callbacks.releaseInfo)

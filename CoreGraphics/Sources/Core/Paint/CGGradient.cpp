@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 namespace {
@@ -54,16 +55,17 @@ bool comesBefore(const cg::GradientStop& a, const cg::GradientStop& b) {
     return a.location < b.location;
 }
 
-// In place and stable, without the memory that the library's stable sort allocates. Most gradients
-// are given in order, and then every stop is where it belongs.
+// Stable, so that equal locations keep their order. Few stops, as nearly all gradients have, are
+// inserted one by one, which allocates nothing; the library's sort of many may.
 void sortStops(std::span<cg::GradientStop> stops) {
-    for (std::size_t index = 1; index < stops.size(); ++index) {
-        const auto place =
-            std::upper_bound(stops.begin(), stops.begin() + static_cast<std::ptrdiff_t>(index),
-                             stops[index], comesBefore);
-        std::rotate(place, stops.begin() + static_cast<std::ptrdiff_t>(index),
-                    stops.begin() + static_cast<std::ptrdiff_t>(index) + 1);
+    constexpr std::size_t kFew = 32;
+    if (stops.size() > kFew) {
+        if (!std::ranges::is_sorted(stops, comesBefore))
+            std::ranges::stable_sort(stops, comesBefore);
+        return;
     }
+    for (auto next = stops.begin(); next != stops.end(); ++next)
+        std::rotate(std::upper_bound(stops.begin(), next, *next, comesBefore), next, next + 1);
 }
 
 // Repeats the outermost stops at 0 and 1.
@@ -153,19 +155,69 @@ void CGGradientRelease(CGGradientRef gradient) {
 
 namespace {
 
+using Components = std::array<CGFloat, 5>;
+
+// Deliberate: exactly where stops share the first location the share is not a number, and neither
+// are the components.
+Components between(const cg::GradientStop& start, const cg::GradientStop& end, CGFloat x) {
+    const CGFloat share = (x - start.location) / (end.location - start.location);
+    Components mixed;
+    for (std::size_t index = 0; index < mixed.size(); ++index) {
+        const CGFloat from = start.components[index];
+        mixed[index] = from + share * (end.components[index] - from);
+    }
+    return mixed;
+}
+
 void evaluate(void* info, const CGFloat* in, CGFloat* out) {
     CGGradient& gradient = *static_cast<CGGradient*>(info);
     const auto stops = gradient.stops();
     const CGFloat x = in[0];
     const auto end = std::find_if(stops.begin() + 1, stops.end(),
                                   [x](const cg::GradientStop& stop) { return x <= stop.location; });
-    if (end == stops.end())
-        return;
-    const cg::GradientStop& start = *(end - 1);
-    const CGFloat t = (x - start.location) / (end->location - start.location);
-    for (std::size_t index = 0; index < gradient.componentsPerStop; ++index) {
-        const CGFloat from = start.components[index];
-        out[index] = from + t * (end->components[index] - from);
+    if (end != stops.end())
+        std::copy_n(between(*(end - 1), *end, x).begin(), gradient.componentsPerStop, out);
+}
+
+// A value in 0 … 1; what is not a number or not finite is 0.
+CGFloat inUnit(CGFloat value) {
+    const bool isUsable = value >= 0 && value <= std::numeric_limits<CGFloat>::max();
+    return isUsable ? std::min(value, CGFloat(1)) : 0;
+}
+
+// The same for many places with the limits of the function. Places mostly come in order, so that
+// the stops found for one serve the next.
+template <std::size_t componentCount>
+void evaluateSpan(std::span<const cg::GradientStop> stops, std::span<const CGFloat> places,
+                  CGFloat* out) {
+    auto end = stops.begin() + 1;
+    for (const CGFloat place : places) {
+        const CGFloat x = place >= 0 ? std::min(place, CGFloat(1)) : 0;
+        if (!((end - 1)->location < x))
+            end = stops.begin() + 1;
+        while (end != stops.end() - 1 && !(x <= end->location))
+            ++end;
+        const Components mixed = between(*(end - 1), *end, x);
+        for (std::size_t index = 0; index < componentCount; ++index)
+            *out++ = inUnit(mixed[index]);
+    }
+}
+
+void evaluateSpan(void* info, const CGFloat* in, std::size_t count, CGFloat* out) {
+    CGGradient& gradient = *static_cast<CGGradient*>(info);
+    const std::span places(in, count);
+    switch (gradient.componentsPerStop) {
+    case 2:
+        return evaluateSpan<2>(gradient.stops(), places, out);
+    case 4:
+        return evaluateSpan<4>(gradient.stops(), places, out);
+    case 5:
+        return evaluateSpan<5>(gradient.stops(), places, out);
+    default:
+        for (const CGFloat& place : places) {
+            XGFunctionEvaluate(gradient.function, &place, out);
+            out += gradient.componentsPerStop;
+        }
     }
 }
 
@@ -174,8 +226,11 @@ constexpr CGFunctionCallbacks kGradientCallbacks = {.version = 0, .evaluate = ev
 // Deliberate: the gradient is not retained, since it owns the function.
 CGFunctionRef createFunction(CGGradientRef gradient) {
     constexpr std::array<CGFloat, 10> kUnit = {0, 1, 0, 1, 0, 1, 0, 1, 0, 1};
-    return CGFunctionCreate(gradient, 1, kUnit.data(), gradient->componentsPerStop, kUnit.data(),
-                            &kGradientCallbacks);
+    const CGFunctionRef function = CGFunctionCreate(
+        gradient, 1, kUnit.data(), gradient->componentsPerStop, kUnit.data(), &kGradientCallbacks);
+    if (function)
+        function->evaluateSpan = evaluateSpan;
+    return function;
 }
 
 } // namespace
