@@ -8,12 +8,14 @@
 #include <CoreGraphics/CGColor.h>
 
 #include "Core/Color/CGColorRecord.h"
+#include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/StaticInstance.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <bit>
+#include <cstdint>
 
 CF_CONST_STRING_DECL(kCGColorWhite, "kCGColorWhite");
 CF_CONST_STRING_DECL(kCGColorBlack, "kCGColorBlack");
@@ -58,9 +60,10 @@ void fill(CGColor& color, CGColorSpaceRef space, const CGFloat* components,
           CGPatternRef pattern = nullptr, std::optional<CGFloat> alpha = std::nullopt) {
     color.space = cf::retain(space);
     color.pattern = cf::retain(pattern);
-    color.count = CGColorSpaceGetNumberOfComponents(space) + 1;
+    color.count = space->componentCount + 1;
     const auto own = color.components();
-    std::copy_n(components, color.count, own.data());
+    for (CGFloat& component : own)
+        component = *components++;
     if (alpha)
         own.back() = *alpha;
     XGColorSpaceClampComponents(space, own.data(), own.data());
@@ -77,7 +80,7 @@ CFTypeID CGColorGetTypeID(void) {
 
 cf::Ref<CGColorRef> cg::makeColor(CGColorSpaceRef space, const CGFloat* components,
                                   CGPatternRef pattern, std::optional<CGFloat> alpha) {
-    const std::size_t count = CGColorSpaceGetNumberOfComponents(space) + 1;
+    const std::size_t count = space->componentCount + 1;
     const auto color = cg::create<CGColor>(CGColorGetTypeID(), count * sizeof(CGFloat));
     if (color)
         fill(*color, space, components, pattern, alpha);
@@ -235,9 +238,13 @@ const CGFloat* CGColorGetComponents(CGColorRef color) {
 
 namespace {
 
-// Bit for bit: 0 and -0 differ, and a NaN equals itself.
+// Bit for bit: 0 and -0 differ, and a NaN equals itself. They are too few for the C library's
+// comparison to pay.
 bool hasComponents(CGColor& color, const CGFloat* components) {
-    return std::memcmp(color.components().data(), components, color.components().size_bytes()) == 0;
+    return std::ranges::all_of(color.components(), [&components](CGFloat component) {
+        return std::bit_cast<std::uint32_t>(component) ==
+               std::bit_cast<std::uint32_t>(*components++);
+    });
 }
 
 bool samePattern(CGPatternRef a, CGPatternRef b) {
@@ -254,7 +261,8 @@ bool CGColorEqualToColor(CGColorRef a, CGColorRef b) {
     return left && right && left->count == right->count &&
            hasComponents(*left, right->components().data()) &&
            samePattern(left->pattern.get(), right->pattern.get()) &&
-           XGColorSpaceEqualToColorSpace(left->space.get(), right->space.get());
+           (left->space == right->space ||
+            XGColorSpaceEqualToColorSpace(left->space.get(), right->space.get()));
 }
 
 bool XGColorEqualToColorComponents(CGColorRef color, CGColorSpaceRef space,

@@ -6,12 +6,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <limits>
 
 namespace {
 
 CGFloat clamped(CGFloat value, CGFloat least, CGFloat most) {
-    return !std::isfinite(value) || value < least ? least : std::min(value, most);
+    const bool isUsable =
+        value >= least && value <= std::numeric_limits<CGFloat>::max(); // No NaN is.
+    return isUsable ? std::min(value, most) : least;
 }
 
 void clampToUnit(const CGFloat* in, CGFloat* out, std::size_t count) {

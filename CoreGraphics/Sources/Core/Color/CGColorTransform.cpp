@@ -1,14 +1,14 @@
 // CGColorTransform.cpp: single colours into one colour space.
 
 #include "XGColor.h"
+#include "XGColorSpace.h"
 #include <CoreGraphics/CGColorTransform.h>
 
-#include "Core/Color/CGColorRecord.h"
 #include "Core/Color/CGColorSpaceRecord.h"
+#include "Core/Color/ColorTransform.h"
 #include "Core/Object/RuntimeObject.h"
 
 #include <algorithm>
-#include <array>
 
 struct CGColorTransform {
     CFRuntimeBase base;
@@ -61,15 +61,14 @@ bool CGColorTransformConvertColorComponents(CGColorTransformRef transform, CGCol
     constexpr std::size_t kMostComponents = 4;
     if (!transform || !space || !in || !out || space->componentCount > kMostComponents)
         return false;
-    std::array<CGFloat, kMostComponents + 1> opaque = {};
-    std::copy_n(in, space->componentCount, opaque.begin());
-    opaque[space->componentCount] = 1;
-    const auto color = cg::makeColor(space, opaque.data());
-    const auto converted =
-        cf::adopt(XGColorCreateWithColor(transform->space.get(), color.get(), intent));
-    if (!converted)
+    const CGColorSpaceRef to = transform->space.get();
+    cg::ColorComponents color = {}, converted = {};
+    std::copy_n(in, space->componentCount, color.begin());
+    color[space->componentCount] = 1;
+    XGColorSpaceClampComponents(space, color.data(), color.data());
+    if (!cg::convertColor(space, color, to, intent, converted))
         return false;
-    const auto components = converted.get()->components();
-    std::copy_n(components.begin(), components.size() - 1, out);
+    XGColorSpaceClampComponents(to, converted.data(), converted.data());
+    std::copy_n(converted.begin(), to->componentCount, out);
     return true;
 }

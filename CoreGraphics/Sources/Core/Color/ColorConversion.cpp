@@ -5,88 +5,11 @@
 #include <CoreFoundation/CFString.h>
 
 #include "Core/Color/CGColorRecord.h"
-#include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/ColorTransform.h"
-#include "Core/Color/DirectRows.h"
-#include "Core/Color/NativeProfile.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-
-namespace {
-
-using Color = cf::Ref<CGColorRef>;
-
-// ---- Between the spaces of the device
-
-Color grayToRGB(CGColorSpaceRef space, CGColor& color) {
-    const CGFloat gray = color.components()[0];
-    return cg::makeColor(space, std::array{gray, gray, gray, color.alpha()}.data());
-}
-
-Color rgbToGray(CGColorSpaceRef space, CGColor& color) {
-    const auto rgb = color.components();
-    const CGFloat gray = cg::luma(rgb[0], rgb[1], rgb[2]);
-    return cg::makeColor(space, std::array{gray, color.alpha()}.data());
-}
-
-// ---- Through a base
-
-// The colour that an index stands for; indices beyond the table mean its last colour.
-Color lookUp(CGColor& color, const cg::ColorTable& table) {
-    const CGColorSpaceRef base = color.space.get()->baseSpace.get();
-    const CGFloat last = static_cast<CGFloat>(table.count - 1);
-    const CGFloat index = color.components()[0];
-    const auto row = static_cast<std::size_t>(index > 0 ? std::lround(std::min(index, last))
-                                                        : 0); // A NaN means the first.
-
-    std::array<CGFloat, 5> components = {}; // Up to four and the opacity.
-    const auto bytes = table.bytes.subspan(row * base->componentCount, base->componentCount);
-    std::ranges::transform(bytes, components.begin(),
-                           [](std::uint8_t byte) { return static_cast<CGFloat>(byte) / 255; });
-    if (const auto* const lab = std::get_if<cg::LabCalibration>(&base->calibration)) {
-        const auto& range = lab->range;
-        components[1] = range[0] + components[1] * (range[1] - range[0]);
-        components[2] = range[2] + components[2] * (range[3] - range[2]);
-    }
-    components[base->componentCount] = color.alpha();
-    return cg::makeColor(base, components.data());
-}
-
-// ---- Through profiles
-
-Color convertByProfiles(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent intent) {
-    const CGColorSpaceRef from = color.space.get();
-    cg::ColorComponents components = {};
-    std::copy_n(color.components().begin(), from->componentCount, components.begin());
-    const auto converted = cg::transformed(from, space, intent, components);
-    if (!converted)
-        return nullptr;
-    std::array<CGFloat, 5> withAlpha = {};
-    std::ranges::copy(*converted, withAlpha.begin());
-    withAlpha[space->componentCount] = color.alpha();
-    return cg::makeColor(space, withAlpha.data());
-}
-
-Color convert(CGColorSpaceRef space, CGColor& color, CGColorRenderingIntent intent) {
-    CGColorSpace& from = *color.space.get();
-    if (const auto* const table = std::get_if<cg::ColorTable>(&from.calibration))
-        return cf::adopt(XGColorCreateWithColor(space, lookUp(color, *table).get(), intent));
-    if (from.model == kCGColorSpaceModelPattern) {
-        if (!from.baseSpace)
-            return nullptr;
-        const Color inBase = cg::makeColor(from.baseSpace.get(), color.components().data());
-        return cf::adopt(XGColorCreateWithColor(space, inBase.get(), intent));
-    }
-    if (!cg::isDeviceLike(&from) || !cg::isDeviceLike(space))
-        return convertByProfiles(space, color, intent);
-    return from.model == kCGColorSpaceModelMonochrome ? grayToRGB(space, color)
-                                                      : rgbToGray(space, color);
-}
-
-} // namespace
 
 CGColorRef XGColorCreateWithColor(CGColorSpaceRef space, CGColorRef color,
                                   CGColorRenderingIntent intent) {
@@ -95,13 +18,18 @@ CGColorRef XGColorCreateWithColor(CGColorSpaceRef space, CGColorRef color,
         return nullptr;
     if (XGColorSpaceEqualToColorSpace(space, native->space.get()))
         return CGColorCreateCopy(native);
-    return convert(space, *native, intent).release();
+    cg::ColorComponents components = {}, converted = {};
+    std::ranges::copy(native->components(), components.begin());
+    if (!cg::convertColor(native->space.get(), components, space, intent, converted))
+        return nullptr;
+    return cg::makeColor(space, converted.data()).release();
 }
 
 // ---- Red, green and blue
 
 namespace {
 
+using Color = cf::Ref<CGColorRef>;
 using RGBA = std::array<CGFloat, 4>;
 
 RGBA firstFour(CGColor& color) {

@@ -1,19 +1,23 @@
-// ColorTransform.h: components from one space's profile to another's.
+// ColorTransform.h: the numbers of single colours from one space to another.
 #pragma once
 
 #include <CoreGraphics/CGColorSpace.h>
 
 #include <array>
-#include <optional>
 
 namespace cg {
 
-// Components of a colour without its opacity: up to four are used.
-using ColorComponents = std::array<CGFloat, 4>;
+// Up to four components of a colour and, right behind those that there are, its opacity.
+using ColorComponents = std::array<CGFloat, 5>;
 
-// The components in the space `to`. Empty when either has no profile, or the two do not meet.
-std::optional<ColorComponents> transformed(CGColorSpaceRef from, CGColorSpaceRef to,
-                                           CGColorRenderingIntent intent,
-                                           const ColorComponents& components);
+// Writes the colour in the space `to`, as it is where the spaces are equal, to `out`. Indices go
+// through their table, patterns through their base. Not clamped to what the space allows. False
+// when either has no profile, or the two do not meet.
+bool convertColor(CGColorSpaceRef from, const ColorComponents& color, CGColorSpaceRef to,
+                  CGColorRenderingIntent intent, ColorComponents& out);
+
+// The same through the profiles of two spaces, whether they are equal or not.
+bool convertByProfiles(CGColorSpaceRef from, const ColorComponents& color, CGColorSpaceRef to,
+                       CGColorRenderingIntent intent, ColorComponents& out);
 
 } // namespace cg

@@ -4,6 +4,8 @@
 
 #include <Host/Host.h>
 
+#include "Core/Color/EngineMemory.h"
+
 #include <lcms2_plugin.h>
 
 #include <array>
@@ -51,7 +53,8 @@ cmsContext engineContext() {
                              giveLockBack,
                              lock,
                              unlock};
-    const cmsContext mine = cmsCreateContext(&plugin, nullptr);
+    cmsPluginMemHandler memory = engineMemoryPlugin(&plugin.base);
+    const cmsContext mine = cmsCreateContext(&memory, nullptr);
     cmsContext first = nullptr;
     if (!mine || shared.compare_exchange_strong(first, mine))
         return mine;

@@ -7,14 +7,17 @@
 
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/EngineContext.h"
+#include "Core/Color/EngineMemory.h"
 #include "Core/Color/RowTransform.h"
 #include "Core/Color/XGColorSpaceProfileRecord.h"
 
 #include <lcms2.h>
 
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <memory>
+#include <optional>
 
 namespace cg {
 
@@ -25,22 +28,35 @@ struct DeleteTransform {
 };
 using Transform = std::unique_ptr<void, DeleteTransform>;
 
-// What the screen shows is sRGB: the device's gray and RGB have its tone curve, as they pass into
-// it unchanged, rather than the linear one of their calibration.
-void* sRGBProfile() {
-    static void* const profile = cmsCreate_sRGBProfileTHR(engineContext());
-    return profile;
+// A profile made the first time that it can be: what failed for want of memory is tried again.
+template <void* (*make)()>
+void* shared() {
+    static constinit std::atomic<void*> kept = nullptr;
+    if (void* const made = kept.load(std::memory_order_acquire))
+        return made;
+    void* const mine = make();
+    void* first = nullptr;
+    if (!mine || kept.compare_exchange_strong(first, mine))
+        return mine;
+    cmsCloseProfile(mine);
+    return first;
 }
 
-void* sRGBGrayProfile() {
-    static void* const profile = [] {
-        constexpr double parameters[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
-        constexpr int kIEC61966 = 4;
-        const ToneCurve curve(cmsBuildParametricToneCurve(engineContext(), kIEC61966, parameters));
-        return cmsCreateGrayProfileTHR(engineContext(), cmsD50_xyY(), curve.get());
-    }();
-    return profile;
+void* makeSRGB() {
+    return cmsCreate_sRGBProfileTHR(engineContext());
 }
+
+void* makeSRGBGray() {
+    constexpr double parameters[] = {2.4, 1 / 1.055, 0.055 / 1.055, 1 / 12.92, 0.04045};
+    constexpr int kIEC61966 = 4;
+    const ToneCurve curve(cmsBuildParametricToneCurve(engineContext(), kIEC61966, parameters));
+    return curve ? cmsCreateGrayProfileTHR(engineContext(), cmsD50_xyY(), curve.get()) : nullptr;
+}
+
+// What the screen shows is sRGB: the device's gray and RGB have its tone curve, as they pass into
+// it unchanged, rather than the linear one of their calibration.
+constexpr auto sRGBProfile = shared<makeSRGB>;
+constexpr auto sRGBGrayProfile = shared<makeSRGBGray>;
 
 constexpr int kGridPoints = 9;
 
@@ -67,16 +83,20 @@ bool keepsGrid(void* transform) {
     }
 }
 
-bool matchesSRGB(CGColorSpaceRef space) {
+// Nothing when memory runs out over the question, or there is no profile.
+std::optional<bool> matchesSRGB(CGColorSpaceRef space) {
     const bool isGray = space->model == kCGColorSpaceModelMonochrome;
     void* const profile = nativeProfileOf(space);
     void* const standard = isGray ? sRGBGrayProfile() : sRGBProfile();
     if (!profile || !standard)
-        return false;
+        return std::nullopt;
     const cmsUInt32Number format = isGray ? TYPE_GRAY_FLT : TYPE_RGB_FLT;
-    const Transform transform(
-        cmsCreateTransform(profile, format, standard, format, INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
-    return transform && (isGray ? keepsGrid<1>(transform.get()) : keepsGrid<3>(transform.get()));
+    const EngineTransform made = createEngineTransform(profile, format, standard, format,
+                                                       INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE);
+    const Transform transform(made.native);
+    if (!transform)
+        return made.ranOutOfMemory ? std::nullopt : std::optional(false);
+    return isGray ? keepsGrid<1>(transform.get()) : keepsGrid<3>(transform.get());
 }
 
 bool haveSameBytes(CGColorSpaceRef a, CGColorSpaceRef b) {
@@ -98,12 +118,22 @@ bool showsAsSRGB(CGColorSpaceRef space) {
         return true;
     if (space->model != kCGColorSpaceModelMonochrome && space->model != kCGColorSpaceModelRGB)
         return false;
-    auto known = space->sRGBLikeness.load(std::memory_order_relaxed);
-    if (known == CGColorSpace::Likeness::Unknown) {
-        known = matchesSRGB(space) ? CGColorSpace::Likeness::Same : CGColorSpace::Likeness::Other;
-        space->sRGBLikeness.store(known, std::memory_order_relaxed);
-    }
-    return known == CGColorSpace::Likeness::Same;
+    using Likeness = CGColorSpace::Likeness;
+    const Likeness known = space->sRGBLikeness.load(std::memory_order_relaxed);
+    if (known != Likeness::Unknown)
+        return known == Likeness::Same;
+    const std::optional<bool> matches = matchesSRGB(space);
+    if (matches)
+        space->sRGBLikeness.store(*matches ? Likeness::Same : Likeness::Other,
+                                  std::memory_order_relaxed);
+    return matches.value_or(false);
+}
+
+bool hasOtherColors(CGColorSpaceRef space) {
+    const bool isGrayOrRGB =
+        space->model == kCGColorSpaceModelMonochrome || space->model == kCGColorSpaceModelRGB;
+    return isGrayOrRGB && std::holds_alternative<std::monostate>(space->calibration) &&
+           !showsAsSRGB(space);
 }
 
 void* nativeProfileOf(CGColorSpaceRef space) {
@@ -120,7 +150,7 @@ bool needsConversion(CGColorSpaceRef from, CGColorSpaceRef to) {
     if (from->model != to->model || from->componentCount != to->componentCount)
         return true;
     if (from->isDevice || to->isDevice)
-        return false;
+        return !from->isDevice && hasOtherColors(from);
     if (haveSameBytes(from, to))
         return false;
     return !showsAsSRGB(from) || !showsAsSRGB(to);

@@ -12,6 +12,10 @@ bool isDeviceLike(CGColorSpaceRef space);
 // first time it is asked for.
 bool showsAsSRGB(CGColorSpaceRef space);
 
+// Whether the gray or RGB of a profile shows otherwise than the device's does. Spaces that numbers
+// calibrate are taken for the device's own.
+bool hasOtherColors(CGColorSpaceRef space);
+
 // A cmsHPROFILE that lives as long as the space; NULL when there is none.
 void* nativeProfileOf(CGColorSpaceRef space);
 

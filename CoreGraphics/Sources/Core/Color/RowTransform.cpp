@@ -4,6 +4,7 @@
 
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/DirectRows.h"
+#include "Core/Color/EngineMemory.h"
 #include "Core/Color/NativeProfile.h"
 #include "Core/Color/TransformCache.h"
 #include "Core/Object/RuntimeObject.h"
@@ -87,9 +88,10 @@ void* createNative(CGColorSpaceRef from, RowFormat fromFormat, CGColorSpaceRef t
         return nullptr;
     const bool copiesAlpha = fromFormat.hasAlpha && toFormat.hasAlpha;
     const cmsUInt32Number flags = cmsFLAGS_NOCACHE | (copiesAlpha ? cmsFLAGS_COPY_ALPHA : 0u);
-    return cmsCreateTransform(source, nativeFormat(from, *nativeModel(from->model), fromFormat),
-                              destination, nativeFormat(to, *nativeModel(to->model), toFormat),
-                              intent, flags);
+    return createEngineTransform(source, nativeFormat(from, *nativeModel(from->model), fromFormat),
+                                 destination, nativeFormat(to, *nativeModel(to->model), toFormat),
+                                 intent, flags)
+        .native;
 }
 
 } // namespace
@@ -215,6 +217,13 @@ void RowTransform::apply(const void* in, void* out, std::size_t pixelCount) cons
         destination += count * to_.bytesPerPixel();
         pixelCount -= count;
     }
+}
+
+void RowTransform::applyToColor(const float* in, float* out) const {
+    if (!native_ || !from_.isInPercent)
+        return apply(in, out, 1);
+    const std::array percent = {100 * in[0], 100 * in[1], 100 * in[2], 100 * in[3]};
+    applyNative(percent.data(), out, 1);
 }
 
 } // namespace cg

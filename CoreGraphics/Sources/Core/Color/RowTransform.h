@@ -11,9 +11,11 @@
 namespace cg {
 
 // Whether pixels of `from` change on their way into `to`. They do not between equal objects,
-// between the device's space and any other of its model, between spaces that show as sRGB does
-// within a step of 8 bits, and between profiles of the same bytes. Narrower than the equality of
-// colour spaces, which colours keep: all RGB spaces are equal there. NULL changes nothing.
+// between spaces that show as sRGB does within a step of 8 bits, between profiles of the same
+// bytes, and from the device's space into any other of its model: they are that space's numbers
+// already. Into the device's space they do where a profile of gray or RGB shows otherwise than
+// sRGB. Narrower than the equality of colour spaces, by which colours are compared: all RGB spaces
+// are equal there. NULL changes nothing.
 bool needsConversion(CGColorSpaceRef from, CGColorSpaceRef to);
 
 // Integers are in host order, all of their range for 0…1. Floats are 0…1; of Lab, lightness is
@@ -51,6 +53,8 @@ struct RowTransform {
     // Opacity passes through unchanged but for its type; it is full where `in` has none. `in` and
     // `out` are aligned to their type and do not overlap.
     void apply(const void* in, void* out, std::size_t pixelCount) const;
+    // The same for a single colour, between two formats of floats without opacity.
+    void applyToColor(const float* in, float* out) const;
 
 private:
     friend class RowTransformMaker;
