@@ -86,7 +86,7 @@ const auto& imageBytes() {
 
 void drawImage(CGContextRef c, CGInterpolationQuality quality, CGRect rect) {
     const CGColorSpaceRef space = CGBitmapContextGetColorSpace(c);
-    const bool isGray = CGBitmapContextGetAlphaInfo(c) == kCGImageAlphaNone &&
+    const bool isGray = CGBitmapContextGetAlphaInfo(c) != kCGImageAlphaOnly &&
                         CGColorSpaceGetModel(space) == kCGColorSpaceModelMonochrome;
     const auto rgb = cf::adopt(CGColorSpaceCreateDeviceRGB());
     const void* const bytes =
@@ -118,8 +118,10 @@ void drawPixels(SkCanvas& canvas, const SkPaint& paint, const SkPixmap& pixels, 
     canvas.drawImageRect(SkImages::RasterFromPixmapCopy(pixels), rect, sampling, &paint);
 }
 
+thread_local bool bareImagesAreGray = false;
+
 void drawImage(SkCanvas& canvas, SkPaint paint, SkRect rect, SkSamplingOptions sampling = {}) {
-    const bool isGray = canvas.imageInfo().colorType() == kGray_8_SkColorType;
+    const bool isGray = bareImagesAreGray;
     const auto info = SkImageInfo::Make(kImageWidth, kImageHeight,
                                         isGray ? kGray_8_SkColorType : kRGBA_8888_SkColorType,
                                         isGray ? kOpaque_SkAlphaType : kPremul_SkAlphaType);
@@ -140,7 +142,8 @@ void drawMask(SkCanvas& canvas, const SkPaint& paint, SkRect rect) {
 }
 
 constexpr CGRect kOwnSize = {{11, 9}, {kImageWidth, kImageHeight}};
-constexpr CGRect kEnlarged = {{3.5f, 2}, {40, 33}}, kReduced = {{20, 15}, {7, 5}};
+// No pixel's centre falls on the border of two of the image.
+constexpr CGRect kEnlarged = {{3.4f, 2.1f}, {40.3f, 33.7f}}, kReduced = {{20, 15}, {7, 5}};
 
 SkRect bareRect(const CGRect& rect) {
     return SkRect::MakeXYWH(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
@@ -345,7 +348,8 @@ const DrawingOperation kOperations[] = {
          shadow.setMaskFilter(SkMaskFilter::MakeBlur(kNormal_SkBlurStyle, 2.5f, false));
          canvas.drawPath(shape().makeTransform(SkMatrix::Translate(3, -2)), shadow);
          canvas.drawPath(shape(), paint);
-     }},
+     },
+     2},
     {"transparency group",
      [](CGContextRef c) {
          CGContextBeginTransparencyLayer(c, nullptr);
@@ -404,7 +408,9 @@ void drawOurs(const DrawingOperation& operation, CGContextRef context, std::size
     operation.ours(context);
 }
 
-void drawBare(const DrawingOperation& operation, const SkBitmap& bitmap, std::size_t mode) {
+void drawBare(const DrawingOperation& operation, const SkBitmap& bitmap, std::size_t mode,
+              bool isGray) {
+    bareImagesAreGray = isGray;
     SkGraphics::Init();
     SkCanvas canvas(bitmap);
     canvas.translate(0, static_cast<float>(bitmap.height()));

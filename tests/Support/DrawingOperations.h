@@ -24,6 +24,8 @@ struct DrawingOperation {
     void (*ours)(CGContextRef context);
     // With the paint of that state: its colour with both alphas, antialiased, in the blend mode.
     void (*bare)(SkCanvas& canvas, SkPaint paint);
+    // How many times pixels are drawn over.
+    int marks = 1;
 };
 
 std::span<const DrawingOperation> drawingOperations();
@@ -32,7 +34,8 @@ std::span<const DrawingOperation> drawingOperations();
 std::span<const SkBlendMode> tableBlendModes();
 
 void drawOurs(const DrawingOperation& operation, CGContextRef context, std::size_t mode);
-// Onto a canvas that is to be turned around: y goes up in the operations.
-void drawBare(const DrawingOperation& operation, const SkBitmap& bitmap, std::size_t mode);
+// `isGray`: the pixels stand for a bitmap of gray, whose images are gray as well.
+void drawBare(const DrawingOperation& operation, const SkBitmap& bitmap, std::size_t mode,
+              bool isGray);
 
 } // namespace test

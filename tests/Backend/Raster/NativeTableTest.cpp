@@ -23,6 +23,7 @@ struct Format {
     CGBitmapInfo info;
     SkColorType color;
     SkAlphaType opacity;
+    std::size_t bitsPerComponent = 8;
 
     std::size_t rowBytes() const {
         return test::kTableWidth * static_cast<std::size_t>(SkColorTypeBytesPerPixel(color));
@@ -35,6 +36,11 @@ const Format kFormats[] = {
     {"BGRX", kCGImageAlphaNoneSkipFirst | kLittle, kBGRA_8888_SkColorType, kOpaque_SkAlphaType},
     {"RGBA", test::kRGBA, kRGBA_8888_SkColorType, kPremul_SkAlphaType},
     {"RGBX", kCGImageAlphaNoneSkipLast, kRGBA_8888_SkColorType, kOpaque_SkAlphaType},
+    {"5-6-5", CGBitmapInfo{kCGImagePixelFormatRGB565} | CGBitmapInfo{kCGBitmapByteOrder16Little},
+     kRGB_565_SkColorType, kOpaque_SkAlphaType, 5},
+    {"RGBA of 16 bits",
+     CGBitmapInfo{kCGImageAlphaPremultipliedLast} | CGBitmapInfo{kCGBitmapByteOrder16Little},
+     kR16G16B16A16_unorm_SkColorType, kPremul_SkAlphaType, 16},
     {"gray", kCGImageAlphaNone, kGray_8_SkColorType, kOpaque_SkAlphaType},
     {"alpha", kCGImageAlphaOnly, kAlpha_8_SkColorType, kPremul_SkAlphaType},
 };
@@ -52,15 +58,20 @@ Bytes backdrop(const Format& format) {
             for (std::size_t i = 0; i < 3; ++i)
                 bytes[at + i] = std::min(bytes[at + i], bytes[at + 3]);
         }
+    // In 16 bits each the high bytes come second.
+    for (std::size_t at = 0; format.bitsPerComponent == 16 && at < bytes.size(); at += 8)
+        for (std::size_t i = 1; i < 7; i += 2)
+            bytes[at + i] = std::min<std::uint8_t>(bytes[at + i], bytes[at + 7] / 2);
     return bytes;
 }
 
 test::Context contextOver(const Format& format, Bytes& bytes) {
-    const bool hasColor = SkColorTypeBytesPerPixel(format.color) == 4;
+    const bool hasColor = SkColorTypeBytesPerPixel(format.color) > 1;
     const auto space =
         cf::adopt(hasColor ? CGColorSpaceCreateDeviceRGB() : CGColorSpaceCreateDeviceGray());
-    return cf::adopt(CGBitmapContextCreate(bytes.data(), test::kTableWidth, test::kTableHeight, 8,
-                                           format.rowBytes(), space.get(), format.info));
+    return cf::adopt(CGBitmapContextCreate(bytes.data(), test::kTableWidth, test::kTableHeight,
+                                           format.bitsPerComponent, format.rowBytes(), space.get(),
+                                           format.info));
 }
 
 SkBitmap bitmapOver(const Format& format, Bytes& bytes) {
@@ -81,7 +92,8 @@ TEST(NativeTable, IsWhatBareSkiaDraws) {
                 const test::Context context = contextOver(format, ours);
                 ASSERT_TRUE(context) << format.what;
                 test::drawOurs(operation, context.get(), mode);
-                test::drawBare(operation, bitmapOver(format, bare), mode);
+                test::drawBare(operation, bitmapOver(format, bare), mode,
+                               format.color == kGray_8_SkColorType);
                 const auto [mine, its] = std::ranges::mismatch(ours, bare);
                 EXPECT_TRUE(mine == ours.end())
                     << format.what << ", " << operation.what << ", mode " << mode << ": byte "
