@@ -228,8 +228,7 @@ TEST_P(ForeignTable, IsWhatBareSkiaDraws) {
     const auto space = format.isGray() ? XGColorSpaceGetDeviceGray() : XGColorSpaceGetDeviceRGB();
     const Bytes start = pixels.random();
     const Peer before(format, pixels, start);
-    const auto compare = [&](const Bytes& bytes, const Peer& after, int marks,
-                             std::size_t& changed) {
+    const auto compare = [&](const Bytes& bytes, const Peer& after, std::size_t& changed) {
         for (std::size_t i = 0; i < kWidth * kHeight; ++i) {
             const std::uint8_t* const pixel = &bytes[pixels.at(i)];
             const Color color = after.colorOf(i);
