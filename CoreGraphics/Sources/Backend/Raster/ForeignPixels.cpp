@@ -4,11 +4,13 @@
 
 #include <CoreGraphics/CGDataProvider.h>
 
+#include "Core/Color/RowTransform.h"
 #include "Core/Image/CGImageRecord.h"
 #include "Core/Object/Diagnostics.h"
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <new>
 
@@ -42,6 +44,16 @@ std::uint64_t drawnPixel(SkColor color, DrawnFormat format) {
     std::uint64_t pixel;
     std::memcpy(&pixel, words.data(), sizeof pixel);
     return pixel;
+}
+
+// The bits of a pixel in which a change is one: all, or those of the colours.
+template <typename Pixel>
+Pixel meaningfulBits(bool isOpaque) {
+    std::array<std::byte, sizeof(Pixel)> bytes;
+    bytes.fill(std::byte{0xFF});
+    if (isOpaque)
+        std::fill(bytes.end() - sizeof(Pixel) / 4, bytes.end(), std::byte{0});
+    return std::bit_cast<Pixel>(bytes);
 }
 
 } // namespace
@@ -133,13 +145,18 @@ std::optional<SkPixmap> ForeignPixels::borrow(const SkIRect& area) {
 template <typename Pixel>
 void ForeignPixels::writeChanges() {
     const int width = area_.width();
+    const Pixel meaningful = meaningfulBits<Pixel>(info_.isOpaque());
+    const auto isChanged = [meaningful](Pixel now, Pixel before) {
+        return ((now ^ before) & meaningful) != 0;
+    };
     for (int row = 0; row < area_.height(); ++row) {
         const auto* const now = reinterpret_cast<const Pixel*>(drawnRow(row));
         const auto* const before = reinterpret_cast<const Pixel*>(rowBefore(row));
         for (int x = 0; x < width;) {
-            x = static_cast<int>(std::mismatch(now + x, now + width, before + x).first - now);
+            while (x < width && !isChanged(now[x], before[x]))
+                ++x;
             const int first = x;
-            while (x < width && now[x] != before[x])
+            while (x < width && isChanged(now[x], before[x]))
                 ++x;
             if (x > first)
                 writer_->write(reinterpret_cast<const std::byte*>(now + first),
@@ -162,6 +179,16 @@ std::int64_t ForeignPixels::mostPixels() const {
 }
 
 // ---- One colour
+
+void ForeignPixels::noteColor(CGColorRef color, SkColor drawn) {
+    const CGColorSpaceRef space = CGColorGetColorSpace(color);
+    if (SkColorGetA(drawn) != 0xFF || CGColorSpaceGetModel(space) != kCGColorSpaceModelCMYK ||
+        CGColorSpaceGetModel(bitmap_.space) != kCGColorSpaceModelCMYK ||
+        needsConversion(space, bitmap_.space))
+        return;
+    const std::uint64_t pixel = drawnPixel(drawn, drawnFormat(info_));
+    writer_->keepColor(reinterpret_cast<const std::byte*>(&pixel), CGColorGetComponents(color));
+}
 
 void ForeignPixels::fill(const SkIRect& area, SkColor color) {
     if (!memory_.lock())

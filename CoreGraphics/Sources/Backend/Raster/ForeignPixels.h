@@ -26,6 +26,7 @@ public:
     std::optional<SkPixmap> borrow(const SkIRect& area) override;
     void giveBack() override;
     std::int64_t mostPixels() const override;
+    void noteColor(CGColorRef color, SkColor drawn) override;
     void fill(const SkIRect& area, SkColor color) override;
     void movePixels(void* to) override;
 

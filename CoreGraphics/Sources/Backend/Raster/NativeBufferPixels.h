@@ -14,6 +14,7 @@ public:
     std::optional<SkPixmap> borrow(const SkIRect& area) override;
     void giveBack() override { memory_.unlock(); }
     std::int64_t mostPixels() const override;
+    void noteColor(CGColorRef, SkColor) override {} // Drawn as Skia knows it.
     void fill(const SkIRect& area, SkColor color) override;
     void movePixels(void*) override {} // The buffer says where they are.
 

@@ -1,6 +1,8 @@
 // PixelLender.h: pixels that a surface may have while a mark is drawn, and not otherwise.
 #pragma once
 
+#include <CoreGraphics/CGColor.h>
+
 #include "include/core/SkColor.h"
 #include "include/core/SkPixmap.h"
 #include "include/core/SkRect.h"
@@ -22,6 +24,8 @@ public:
     // How many pixels are best borrowed at once.
     virtual std::int64_t mostPixels() const = 0;
 
+    // What follows is drawn in `color`, which Skia knows as `drawn`.
+    virtual void noteColor(CGColorRef color, SkColor drawn) = 0;
     // Makes all pixels of `area` one opaque colour, without lending them.
     virtual void fill(const SkIRect& area, SkColor color) = 0;
     // The bitmap's pixels lie elsewhere.

@@ -106,6 +106,7 @@ void RasterBackend::drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, 
     if (fill) {
         const SkPath& path = nativePath(fill);
         const SkPaint& paint = paints_.fill(state, flags);
+        surface().noteColor(XGGStateGetFillColor(state), paint);
         if (path.getFillType() == fillType(evenOdd)) {
             drawMark(state, flags, path, paint);
         } else {
@@ -114,13 +115,17 @@ void RasterBackend::drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, 
             drawMark(state, flags, ruled, paint);
         }
     }
-    if (stroke)
-        drawMark(state, flags, nativePath(stroke), paints_.stroke(state, flags));
+    if (stroke) {
+        const SkPaint& paint = paints_.stroke(state, flags);
+        surface().noteColor(XGGStateGetStrokeColor(state), paint);
+        drawMark(state, flags, nativePath(stroke), paint);
+    }
 }
 
 void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects,
                               size_t count) {
     const SkPaint& paint = paints_.fill(state, flags);
+    surface().noteColor(XGGStateGetFillColor(state), paint);
     const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
     const SkMatrix matrix = inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
     const bool staysRect = matrix.rectStaysRect() && !(flags & kXGContextShadowPass);

@@ -71,6 +71,11 @@ public:
     // `devicePath` under the paint's style; `offset` moves its marks, in pixels.
     void drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset = {0, 0});
     void drawRect(const SkRect& deviceRect, const SkPaint& paint);
+    // The colour that marks are drawn in next, before it became a paint's.
+    void noteColor(CGColorRef color, const SkPaint& paint) {
+        if (lender_)
+            lender_->noteColor(color, paint.getColor());
+    }
     // Pixels of coverage alone take the paint's colour.
     void drawImage(const PlacedImage& image, const SkPaint& paint);
     // The paint's colour through a mask over rows and columns of these pixels, which the paint's

@@ -20,6 +20,7 @@ namespace {
 
 // As in PixelReader: what goes through all stages together.
 constexpr std::size_t kSpan = 256;
+constexpr std::size_t kInks = 4;
 
 template <typename Component>
 constexpr ComponentType kTypeOf = sizeof(Component) == 1 ? ComponentType::Unsigned8
@@ -32,17 +33,22 @@ public:
     explicit TypedPixelWriter(const PixelLayout& layout) : layout_(layout) {}
 
     bool prepare(CGColorSpaceRef space);
+    void keepColor(const std::byte* drawn, const CGFloat* components) override;
     void write(const std::byte* drawn, std::size_t count, std::byte* pixels) override;
 
 private:
     void writeSpan(const Component* drawn, std::size_t count, std::byte* pixels);
     void takeComponents(const Component* drawn, std::size_t count, Component* out) const;
+    void putKeptColor(std::size_t count);
     void findIndices(const Component* colors, std::size_t count);
     void pack(const Component* components, std::size_t count, std::byte* pixels);
 
     PixelLayout layout_;
     RowTransformRef transform_;            // From RGB; empty where RGB is written.
     std::optional<PaletteSearch> palette_; // Of indexed pixels.
+    bool hasKeptColor_ = false;
+    std::array<Component, 3> keptDrawn_ = {};
+    std::array<Component, kInks> keptInks_ = {};
     Component components_[kSpan * 4];
     Component converted_[kSpan * PixelLayout::kMostFields];
     std::uint32_t samples_[kSpan * PixelLayout::kMostFields];
@@ -69,6 +75,23 @@ bool TypedPixelWriter<Component>::prepare(CGColorSpaceRef space) {
     default:
         return false;
     }
+}
+
+template <typename Component>
+void TypedPixelWriter<Component>::keepColor(const std::byte* drawn, const CGFloat* components) {
+    if (!transform_ || layout_.colorCount() != kInks || layout_.hasAlpha())
+        return;
+    takeComponents(reinterpret_cast<const Component*>(drawn), 1, keptDrawn_.data());
+    for (std::size_t i = 0; i < kInks; ++i)
+        keptInks_[i] = widthChanged<Component>(components[i]);
+    hasKeptColor_ = true;
+}
+
+template <typename Component>
+void TypedPixelWriter<Component>::putKeptColor(std::size_t count) {
+    for (std::size_t x = 0; x < count; ++x)
+        if (std::equal(keptDrawn_.begin(), keptDrawn_.end(), &components_[3 * x]))
+            std::copy(keptInks_.begin(), keptInks_.end(), &converted_[kInks * x]);
 }
 
 // Red, green and blue, and opacity where it is kept.
@@ -122,6 +145,8 @@ void TypedPixelWriter<Component>::writeSpan(const Component* drawn, std::size_t 
         packSamples(layout_, samples_, count, pixels);
     } else if (transform_) {
         transform_.get()->apply(components_, converted_, count);
+        if (hasKeptColor_)
+            putKeptColor(count);
         pack(converted_, count, pixels);
     } else {
         pack(components_, count, pixels);

@@ -28,6 +28,10 @@ public:
                                            DrawnFormat drawn);
     virtual ~PixelWriter() = default;
 
+    // For inks: a pixel that was drawn exactly as this one gets these components, 0…1, instead of
+    // those that would be found, until the next such call. So colours of the bitmap's own space
+    // arrive as they were given.
+    virtual void keepColor(const std::byte* drawn, const CGFloat* components) = 0;
     virtual void write(const std::byte* drawn, std::size_t count, std::byte* pixels) = 0;
 };
 
