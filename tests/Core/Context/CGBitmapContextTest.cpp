@@ -8,11 +8,15 @@
 #include "Support/Bitmaps.h"
 #include "Support/CollectedLog.h"
 #include "Support/FailingAllocator.h"
+#include "Support/Picture.h"
+#include "Support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
@@ -22,10 +26,11 @@ using test::makeContext;
 
 namespace {
 
-enum class Space { None, Gray, RGB, CMYK, Lab };
+enum class Space { None, Gray, RGB, CMYK, Lab, Indexed, IndexedLab };
 
 cf::Ref<CGColorSpaceRef> makeSpace(Space space) {
     const CGFloat white[] = {1, 1, 1};
+    const unsigned char table[6] = {};
     switch (space) {
     case Space::None:
         return nullptr;
@@ -37,6 +42,10 @@ cf::Ref<CGColorSpaceRef> makeSpace(Space space) {
         return cf::adopt(CGColorSpaceCreateDeviceCMYK());
     case Space::Lab:
         return cf::adopt(CGColorSpaceCreateLab(white, nullptr, nullptr));
+    case Space::Indexed:
+        return cf::adopt(CGColorSpaceCreateIndexed(makeSpace(Space::RGB).get(), 1, table));
+    case Space::IndexedLab:
+        return cf::adopt(CGColorSpaceCreateIndexed(makeSpace(Space::Lab).get(), 1, table));
     }
     return nullptr;
 }
@@ -81,6 +90,25 @@ TEST(BitmapContext, RefusesWhatItCannotDrawIntoAndSaysWhy) {
         {"no space and no alpha", 4, 4, 8, 0, Space::None, kCGImageAlphaNone,
          "Cannot get configuration with bpp: 0, bpc: 8"},
         {"Lab", 4, 4, 8, 0, Space::Lab, kCGImageAlphaNone, "Colorspace 3 not supported."},
+        {"48 bits", 4, 4, 16, 0, Space::RGB, kCGImageAlphaNone,
+         "Unable to support 48 bits per pixels for RGB formats"},
+        {"half floats", 4, 4, 16, 0, Space::RGB,
+         kCGImageAlphaPremultipliedLast | kCGBitmapFloatComponents,
+         "bitmapInfo: 0x101, bitsPerPixel: 64, bitsPerComponent: 16, isFromMask: no"},
+        {"gray of 16 bits", 4, 4, 16, 0, Space::Gray, kCGImageAlphaNone, "Unknown color type"},
+        {"gray in another order", 4, 4, 8, 0, Space::Gray,
+         kCGImageAlphaNone | kCGImagePixelFormatRGB565,
+         "Cannot support non-RGB/CMYK/GA colorspace with permute configurations at the moment"},
+        {"inks with alpha", 4, 4, 8, 0, Space::CMYK, kCGImageAlphaPremultipliedLast,
+         "Unable to support alpha format 1 for CMYK formats"},
+        {"inks of 16 bits", 4, 4, 16, 0, Space::CMYK, kCGImageAlphaNone,
+         "Unable to support 64 bits per pixels for CMYK formats"},
+        {"indices of 4 bits", 4, 4, 4, 0, Space::Indexed, kCGImageAlphaNone,
+         "Invalid colortable index size."},
+        {"table of Lab", 4, 4, 8, 0, Space::IndexedLab, kCGImageAlphaNone,
+         "Colorspace 3 not supported."},
+        {"more than there is memory", kHuge >> 38, kHuge >> 38, 8, 0, Space::RGB, kBGRA,
+         "Failed to allocate pixels (67108863X67108863+32-bit)."},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.what);
@@ -221,7 +249,9 @@ TEST(BitmapContext, TakesPixelsFromTheCallersAllocator) {
     }
     EXPECT_EQ(memory.released, 1);
     memory.refuses = true;
+    const CollectedLog log;
     EXPECT_FALSE(create());
+    EXPECT_THAT(joined(log.lines()), testing::HasSubstr("Failed to allocate pixels (4X4+32-bit)."));
     EXPECT_EQ(memory.released, 1);
 }
 
@@ -275,4 +305,119 @@ TEST(BitmapContext, IsWholeOrNothingWhenMemoryRunsOut) {
     EXPECT_GT(sweep.failures, 3u);
     EXPECT_EQ(sweep.leakedBytes, 0);
     EXPECT_TRUE(isWhole);
+}
+
+// ---- Native buffers
+
+TEST(BitmapContext, LocksANativeBufferForEachMarkAndStopsWhenItIsReleased) {
+    struct Buffer {
+        XGNativeBuffer record = {};
+        std::uint32_t pixels[2][4] = {};
+        int locks = 0, unlocks = 0;
+    };
+    for (const CGBitmapInfo info :
+         {kBGRA, kCGImageAlphaPremultipliedFirst | kCGBitmapByteOrder32Big}) {
+        SCOPED_TRACE(info);
+        Buffer buffer;
+        // There only while it is locked; the record stands first.
+        buffer.record = {.width = 3, .height = 2, .bytesPerRow = sizeof buffer.pixels[0]};
+        buffer.record.lock = [](XGNativeBuffer* record) {
+            auto* const buffer = reinterpret_cast<Buffer*>(record);
+            record->data = buffer->pixels;
+            ++buffer->locks;
+        };
+        buffer.record.unlock = [](XGNativeBuffer* record) {
+            record->data = nullptr;
+            ++reinterpret_cast<Buffer*>(record)->unlocks;
+        };
+        const auto context = cf::adopt(XGBitmapContextCreateWithNativeBuffer(
+            &buffer.record, 8, makeSpace(Space::RGB).get(), info));
+        ASSERT_TRUE(context);
+        CGContextSetGrayFillColor(context.get(), 1, 1);
+        CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));
+        CGContextFillEllipseInRect(context.get(), CGRectMake(1, -1, 4, 4));
+        EXPECT_EQ(buffer.pixels[1][0], 0xFFFFFFFFu);
+        EXPECT_EQ(buffer.pixels[1][2], 0xFFFFFFFFu);
+        EXPECT_EQ(buffer.pixels[0][0], 0u);
+        EXPECT_EQ(buffer.pixels[1][3], 0u) << "behind the row";
+        EXPECT_TRUE(cf::adopt(CGBitmapContextCreateImage(context.get())));
+        EXPECT_TRUE(cf::adopt(XGBitmapContextCreateClone(context.get())));
+        EXPECT_EQ(buffer.locks, 5);
+        EXPECT_EQ(buffer.unlocks, 5);
+
+        buffer.record.lock = nullptr;
+        const CollectedLog log;
+        CGContextFillRect(context.get(), CGRectMake(0, 0, 3, 2));
+        EXPECT_EQ(buffer.pixels[0][0], 0u);
+        EXPECT_THAT(joined(log.lines()), testing::HasSubstr("Drawing into bitmap context after "
+                                                            "releasing the native buffer."));
+        EXPECT_FALSE(cf::adopt(CGBitmapContextCreateImage(context.get())));
+        EXPECT_FALSE(cf::adopt(XGBitmapContextCreateClone(context.get())));
+        EXPECT_FALSE(cf::adopt(XGBitmapContextCreateWithNativeBuffer(
+            &buffer.record, 8, makeSpace(Space::RGB).get(), info)));
+    }
+}
+
+// ---- Copies of the pixels
+
+TEST(BitmapContext, ClonesArePixelsOfTheirOwn) {
+    const auto context = makeContext(2, 1);
+    CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));
+    CGContextClipToRect(context.get(), CGRectMake(1, 0, 1, 1));
+    const auto clone = cf::adopt(XGBitmapContextCreateClone(context.get()));
+    ASSERT_TRUE(clone);
+    CGContextSetGrayFillColor(clone.get(), 1, 1);
+    CGContextFillRect(clone.get(), CGRectMake(0, 0, 1, 1));
+    EXPECT_EQ(*static_cast<std::uint32_t*>(CGBitmapContextGetData(clone.get())), 0xFFFFFFFFu);
+    EXPECT_EQ(*static_cast<std::uint32_t*>(CGBitmapContextGetData(context.get())), 0xFF000000u);
+    EXPECT_EQ(CGBitmapContextGetBitmapInfo(clone.get()), kBGRA);
+    EXPECT_EQ(CGBitmapContextGetColorSpace(clone.get()),
+              CGBitmapContextGetColorSpace(context.get()));
+}
+
+TEST(BitmapContext, ImagesOfAPartBeginAtTheUpperLeft) {
+    const auto context = makeContext(3, 3);
+    CGContextFillRect(context.get(), CGRectMake(1, 1, 1, 2)); // Touches the upper edge.
+    const auto image = cf::adopt(XGBitmapContextCreateImageWithSize(context.get(), 2, 1));
+    const auto shown = makeContext(2, 1);
+    CGContextDrawImage(shown.get(), CGRectMake(0, 0, 2, 1), image.get());
+    EXPECT_EQ(test::Picture(shown.get()), test::Picture({".#"}));
+    EXPECT_FALSE(cf::adopt(XGBitmapContextCreateImageWithSize(context.get(), 4, 1)));
+    EXPECT_FALSE(cf::adopt(XGBitmapContextCreateImageWithSize(context.get(), 1, 0)));
+}
+
+TEST(BitmapContext, OpacitiesBecomeGraysWhereTheyAre) {
+    const auto context =
+        cf::adopt(CGBitmapContextCreate(nullptr, 2, 1, 8, 0, nullptr, kCGImageAlphaOnly));
+    CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));
+    EXPECT_TRUE(XGBitmapContextConvertFromAlphaToGrayscale(context.get()));
+    EXPECT_EQ(CGBitmapContextGetAlphaInfo(context.get()), kCGImageAlphaNone);
+    EXPECT_EQ(CGColorSpaceGetModel(CGBitmapContextGetColorSpace(context.get())),
+              kCGColorSpaceModelMonochrome);
+    CGContextSetGrayFillColor(context.get(), 0.2f, 1);
+    CGContextFillRect(context.get(), CGRectMake(1, 0, 1, 1));
+    const auto* const grays =
+        static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+    EXPECT_EQ(std::vector(grays, grays + 2), (std::vector<std::uint8_t>{255, 51}));
+    EXPECT_FALSE(XGBitmapContextConvertFromAlphaToGrayscale(context.get()));
+}
+
+TEST(BitmapContext, DumpsAFileOfBGRAFromTheTop) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.path("dump.tga");
+    const auto context = makeContext(3, 2, test::kRGBA);
+    CGContextSetRGBFillColor(context.get(), 1, 0.4f, 0, 0.6f);
+    CGContextFillRect(context.get(), CGRectMake(1, 1, 1, 1));
+    EXPECT_TRUE(XGBitmapContextDumpTGA(context.get(), path.c_str()));
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    std::vector<char> expected = {0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0, 2, 0, 32, 40};
+    expected.resize(18 + 24);
+    const char pixel[] = {0, 102, char(255), char(153)};
+    std::copy(std::begin(pixel), std::end(pixel), &expected[18 + 4]);
+    EXPECT_EQ(bytes, expected);
+
+    const CollectedLog log;
+    EXPECT_FALSE(XGBitmapContextDumpTGA(context.get(), folder.path("none/dump.tga").c_str()));
+    EXPECT_THAT(joined(log.lines()), testing::HasSubstr("Failed to write"));
 }
