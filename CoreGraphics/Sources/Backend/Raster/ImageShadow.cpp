@@ -15,7 +15,7 @@ namespace {
 // Beyond three sigmas nothing of a blur is seen; Skia blurs with 135 at most.
 int reachOfBlur(float sigma) {
     constexpr float kLargestSigma = 135;
-    return static_cast<int>(std::ceil(3 * std::clamp(sigma, 0.f, kLargestSigma)));
+    return sigma > 0 ? static_cast<int>(std::ceil(3 * std::min(sigma, kLargestSigma))) : 0;
 }
 
 // Where coverage can matter: what of the image is near enough to the clip to be seen blurred.
