@@ -16,18 +16,28 @@ SkMatrix userToDevice(XGGStateRef state, uint32_t flags) {
     return inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
 }
 
+// Whether the size that pixels get has a say in how they are sampled.
+bool dependsOnSize(CGInterpolationQuality quality) {
+    return quality == kCGInterpolationDefault || quality == kCGInterpolationMedium ||
+           quality == kCGInterpolationHigh;
+}
+
 PlacedImage place(const ImagePixels& pixels, CGRect rect, const SkMatrix& userToDevice,
                   CGInterpolationQuality quality, uint32_t flags) {
-    PlacedImage image = {.pixels = pixels.pixmap(), .rect = toSkia(rect)};
+    PlacedImage image = {
+        .pixels = pixels.pixmap(), .rect = toSkia(rect), .bitmap = pixels.bitmap()};
     image.toDevice = SkMatrix::Concat(userToDevice, turnedAround(image.rect));
-    const SkMatrix matrix = SkMatrix::Concat(image.toDevice, image.pixelsToRect());
-    image.sampling = samplingFor(quality, matrix);
     image.repeat = flags & kXGContextTiledImage ? Repeat::Tiled : Repeat::Once;
+    SkMatrix matrix;
+    if (dependsOnSize(quality))
+        matrix.setConcat(image.toDevice, image.pixelsToRect());
+    image.sampling = samplingFor(quality, matrix);
     SkSize scale;
     if (image.sampling.mipmap == SkMipmapMode::kNearest && matrix.decomposeScale(&scale)) {
         // As Skia would do it, but that it forgets the halved images after the call.
         if (const auto halved = pixels.halved(scale)) {
             image.pixels = *halved;
+            image.bitmap = nullptr;
             image.sampling = SkSamplingOptions(SkFilterMode::kLinear);
         }
     }

@@ -75,6 +75,7 @@ public:
     }
 
     bool isOpaque() const { return isOpaque_; }
+    const SkBitmap& bitmap() const { return bitmap_; }
 
     const SkMipmap* mipmap(const SkPixmap& pixels) {
         std::call_once(once_, [&] { mipmap_.reset(SkMipmap::Build(pixels, nullptr)); });
@@ -85,7 +86,9 @@ private:
     ImageCache(CGColorSpaceRef space, CGColorRenderingIntent intent, const SkPixmap& pixels)
         : space_(cf::retain(space)), intent_(intent),
           isOpaque_(pixels.isOpaque() && pixels.info().bytesPerPixel() == 4 &&
-                    cg::isOpaque(pixels)) {}
+                    cg::isOpaque(pixels)) {
+        bitmap_.installPixels(pixels);
+    }
 
     static ImageCache* keep(CGImageRef image, ImageCache* made) {
         DrawingCache* first = nullptr;
@@ -98,6 +101,7 @@ private:
     const cf::Ref<CGColorSpaceRef> space_; // Held: its address is compared.
     const CGColorRenderingIntent intent_;
     const bool isOpaque_; // No byte that Skia takes for opacity says anything else.
+    SkBitmap bitmap_;     // Where the pixels lay when they were drawn for the first time.
     std::once_flag once_;
     sk_sp<SkMipmap> mipmap_;
 };
@@ -111,6 +115,13 @@ std::optional<SkPixmap> ImagePixels::halved(SkSize scale) const {
     if (!mipmap || !mipmap->getLevel(times - 1, &level))
         return std::nullopt;
     return level.fPixmap;
+}
+
+const SkBitmap* ImagePixels::bitmap() const {
+    const bool isSame = cache_ && cache_->bitmap().getPixels() == pixmap_.addr() &&
+                        cache_->bitmap().rowBytes() == pixmap_.rowBytes() &&
+                        cache_->bitmap().info() == pixmap_.info();
+    return isSame ? &cache_->bitmap() : nullptr;
 }
 
 ImagePixels::ImagePixels(DrawablePixels drawable) : drawable_(std::move(drawable)) {

@@ -22,6 +22,8 @@ public:
                                          CGColorRenderingIntent intent);
 
     const SkPixmap& pixmap() const { return pixmap_; }
+    // The same as a bitmap that is kept with the image; NULL where there is none.
+    const SkBitmap* bitmap() const;
     // Whether the pixels say only how much of a colour is let through.
     bool isCoverage() const { return pixmap_.colorType() == kAlpha_8_SkColorType; }
     // The picture halved as often as brings it nearest to `scale` times its size. The halves are

@@ -235,21 +235,26 @@ void Surface::drawRect(const SkRect& deviceRect, const SkPaint& paint) {
 
 void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
     const SkMatrix matrix = SkMatrix::Concat(deviceToPixels_, image.toDevice);
-    SkBitmap bitmap;
     if (clip_.isEmpty() || image.rect.isEmpty() || !image.rect.isFinite() || !matrix.isFinite() ||
-        paint.nothingToDraw() || !bitmap.installPixels(image.pixels))
+        paint.nothingToDraw())
         return;
     const SkMatrix pixelsToRect = image.pixelsToRect();
+    SkBitmap own;
     if (image.repeat == Repeat::Once) {
+        if (!image.bitmap && !own.installPixels(image.pixels))
+            return;
+        const SkBitmap& bitmap = image.bitmap ? *image.bitmap : own;
         draw({matrix, paint, &image.rect}, [&](const SkDraw& target) {
             target.drawBitmap(bitmap, pixelsToRect, &image.rect, image.sampling, paint);
         });
         return;
     }
-    bitmap.setImmutable(); // A shader would copy what may change.
+    if (!own.installPixels(image.pixels))
+        return;
+    own.setImmutable(); // A shader would copy what may change.
     SkPaint tiles = paint;
     tiles.setShader(
-        bitmap.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect));
+        own.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect));
     draw({matrix, tiles}, [&](const SkDraw& target) { target.drawPaint(tiles); });
 }
 

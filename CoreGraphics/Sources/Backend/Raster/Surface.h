@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Backend/Raster/PixelLender.h"
+#include "include/core/SkBitmap.h"
 #include "include/core/SkMatrix.h"
 #include "include/core/SkPaint.h"
 #include "include/core/SkPath.h"
@@ -26,6 +27,7 @@ struct PlacedImage {
     SkMatrix toDevice;
     SkSamplingOptions sampling;
     Repeat repeat = Repeat::Once;
+    const SkBitmap* bitmap = nullptr; // The same pixels, where somebody keeps them as a bitmap.
 
     // The image's columns and rows to `rect`.
     SkMatrix pixelsToRect() const {

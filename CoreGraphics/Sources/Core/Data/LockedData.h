@@ -5,6 +5,7 @@
 #include <CoreFoundation/CFRef.h>
 
 #include <cstddef>
+#include <utility>
 
 namespace cg {
 
@@ -18,8 +19,10 @@ public:
         if (bytes_)
             XGDataProviderUnlockData(provider_.get());
     }
-    LockedData(const LockedData&) = delete;
-    LockedData& operator=(const LockedData&) = delete;
+    LockedData(LockedData&& other) noexcept
+        : provider_(std::move(other.provider_)), bytes_(std::exchange(other.bytes_, nullptr)),
+          size_(other.size_) {}
+    LockedData& operator=(LockedData&&) = delete;
 
     // NULL when the contents cannot be locked.
     const std::byte* bytes() const { return bytes_; }

@@ -65,6 +65,8 @@ struct CGImage {
     std::atomic<CGImageRef> maskedImage = nullptr;
     std::atomic<cg::PixelCache*> pixelCache = nullptr;
     std::atomic<cg::DrawingCache*> drawingCache = nullptr; // Made once, as those above.
+    // In which layout the provider's bytes can be drawn into which space; 0 before it is found out.
+    std::atomic<std::uint64_t> layoutInPlace = 0;
     cf::Ref<CFStringRef> debugSource;
     std::atomic<std::int32_t> traceID = -1;
     CGSize sizeInPoints = {0, 0};

@@ -5,13 +5,13 @@
 
 #include "XGColorSpace.h"
 
+#include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Object/CheckedSize.h"
 #include "Core/Object/Diagnostics.h"
 #include "PixelCache.h"
 #include "PixelDecode.h"
 #include "PixelLayout.h"
 #include "PixelReader.h"
-#include "PixelRows.h"
 
 #include <array>
 #include <new>
@@ -97,6 +97,34 @@ std::optional<DrawableFormat> formatInPlace(CGImageRef image, const PixelLayout&
     if (isGray)
         return isOneByte ? std::optional(DrawableFormat::Gray8) : std::nullopt;
     return colorFormatOf(layout);
+}
+
+// The same where the provider hands out its bytes, remembered for the space that was asked for
+// last: a small image takes less time to draw than to look at its layout.
+std::optional<DrawableFormat> rememberedFormatInPlace(CGImageRef image,
+                                                      CGColorSpaceRef destination) {
+    constexpr std::uint64_t kNone = 0xFF;
+    const std::uint64_t subject = destination->serial << 8; // Serials begin at 1.
+    std::uint64_t note = image->layoutInPlace.load(std::memory_order_relaxed);
+    if ((note & ~kNone) != subject) {
+        const auto layout = PixelLayout::of(*image);
+        const auto format = layout && XGDataProviderIsDirect(image->provider.get())
+                                ? formatInPlace(image, *layout, destination)
+                                : std::nullopt;
+        note = subject | (format ? static_cast<std::uint64_t>(*format) : kNone);
+        image->layoutInPlace.store(note, std::memory_order_relaxed);
+    }
+    return (note & kNone) == kNone ? std::nullopt
+                                   : std::optional(static_cast<DrawableFormat>(note & kNone));
+}
+
+// From the first pixel's byte to the last one's; nothing when there are none, rows overlap or do
+// not begin at a pixel's boundary, or the sizes overflow.
+std::optional<std::size_t> bytesInPlace(const CGImage& image, std::size_t pixelBytes) {
+    if (image.width == 0 || image.height == 0 || image.bytesPerRow / pixelBytes < image.width ||
+        image.bytesPerRow % pixelBytes != 0)
+        return std::nullopt;
+    return (CheckedSize(image.height - 1) * image.bytesPerRow + image.width * pixelBytes).value();
 }
 
 // ---- Conversion
@@ -188,30 +216,26 @@ DrawablePixels::DrawablePixels(ConvertedPixelsRef converted)
       height_(converted.get()->height), bytesPerRow_(converted.get()->bytesPerRow),
       pixels_(converted.get()->pixels.get()), converted_(std::move(converted)) {}
 
-std::optional<DrawablePixels> DrawablePixels::inPlace(CGImageRef image,
-                                                      CGColorSpaceRef destination) {
-    const auto layout = PixelLayout::of(*image);
-    const auto format = layout ? formatInPlace(image, *layout, destination) : std::nullopt;
-    if (!format || !XGDataProviderIsDirect(image->provider.get()))
-        return std::nullopt;
-    const std::size_t pixelBytes = bytesPerPixelOf(*format);
-    if (image->bytesPerRow / pixelBytes < image->width || image->bytesPerRow % pixelBytes != 0)
-        return std::nullopt;
-    const std::size_t needed = neededBytes(*image, *layout);
-    auto locked = std::unique_ptr<LockedData>(
-        needed > 0 ? new (std::nothrow) LockedData(image->provider.get()) : nullptr);
-    if (!locked || !locked->bytes() || locked->size() < needed ||
-        reinterpret_cast<std::uintptr_t>(locked->bytes()) % pixelBytes != 0)
-        return std::nullopt;
-
-    DrawablePixels drawable;
-    drawable.format_ = *format;
-    drawable.width_ = image->width;
-    drawable.height_ = image->height;
-    drawable.bytesPerRow_ = image->bytesPerRow;
-    drawable.pixels_ = locked->bytes();
-    drawable.locked_ = std::move(locked);
-    return drawable;
+bool DrawablePixels::lockInPlace(CGImageRef image, CGColorSpaceRef destination) {
+    const auto format = rememberedFormatInPlace(image, destination);
+    if (!format)
+        return false;
+    const auto needed = bytesInPlace(*image, bytesPerPixelOf(*format));
+    if (!needed)
+        return false;
+    locked_.emplace(image->provider.get());
+    const bool isAligned =
+        reinterpret_cast<std::uintptr_t>(locked_->bytes()) % bytesPerPixelOf(*format) == 0;
+    if (!locked_->bytes() || locked_->size() < *needed || !isAligned) {
+        locked_.reset();
+        return false;
+    }
+    format_ = *format;
+    width_ = image->width;
+    height_ = image->height;
+    bytesPerRow_ = image->bytesPerRow;
+    pixels_ = locked_->bytes();
+    return true;
 }
 
 std::optional<DrawablePixels> DrawablePixels::of(CGImageRef image, CGColorSpaceRef destination,
@@ -219,7 +243,8 @@ std::optional<DrawablePixels> DrawablePixels::of(CGImageRef image, CGColorSpaceR
     if (!image || !image->provider)
         return std::nullopt;
     const CGColorSpaceRef space = colorsFor(destination);
-    if (auto drawable = inPlace(image, space))
+    std::optional<DrawablePixels> drawable = DrawablePixels();
+    if (drawable->lockInPlace(image, space))
         return drawable;
 
     const auto convert = [&] {

@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 
 namespace cg {
@@ -54,7 +53,7 @@ private:
     friend class PixelCache;
     DrawablePixels() = default;
     explicit DrawablePixels(cf::Ref<const ConvertedPixels*> converted);
-    static std::optional<DrawablePixels> inPlace(CGImageRef image, CGColorSpaceRef destination);
+    bool lockInPlace(CGImageRef image, CGColorSpaceRef destination);
 
     DrawableFormat format_ = DrawableFormat::BGRX8;
     std::size_t width_ = 0;
@@ -62,7 +61,7 @@ private:
     std::size_t bytesPerRow_ = 0;
     const void* pixels_ = nullptr;
     // One of the two holds the pixels.
-    std::unique_ptr<LockedData> locked_;
+    std::optional<LockedData> locked_;
     cf::Ref<const ConvertedPixels*> converted_;
 };
 

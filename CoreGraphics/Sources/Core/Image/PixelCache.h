@@ -5,6 +5,7 @@
 #include "DrawablePixels.h"
 
 #include <array>
+#include <memory>
 #include <mutex>
 
 namespace cg {
