@@ -215,6 +215,15 @@ CG_EXPORT void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGF
                                          CGFloat yellow, CGFloat black, CGFloat alpha);
 CG_EXPORT void CGContextSetCMYKStrokeColor(CGContextRef context, CGFloat cyan, CGFloat magenta,
                                            CGFloat yellow, CGFloat black, CGFloat alpha);
+/** Paints with a pattern when the current colour is in a pattern space; nothing happens elsewhere,
+ *  or for NULL. `components` are the opacity alone for a coloured pattern, else a colour of the
+ *  space beneath the pattern space, with its opacity. The pattern lies in base space: drawing
+ *  moves, turns or scales it by its own matrix and the pattern phase alone, not by the CTM. Its
+ *  cells are drawn by its callback when they are first needed, and kept while they serve. */
+CG_EXPORT void CGContextSetFillPattern(CGContextRef context, CGPatternRef pattern,
+                                       const CGFloat* components);
+CG_EXPORT void CGContextSetStrokePattern(CGContextRef context, CGPatternRef pattern,
+                                         const CGFloat* components);
 /** Not implemented: logs a fault and aborts. */
 CG_EXPORT CGColorRef CGContextGetFillColorAsColor(CGContextRef context);
 /** Everything drawn casts a shadow of this colour; NULL or a clear colour ends it. The offset (y

@@ -66,9 +66,7 @@ void RasterBackend::drawPlaced(XGGStateRef state, uint32_t flags, const PlacedIm
         target.drawImage(image, paint);
         return;
     }
-    const CGSize offset = XGGStateGetShadowOffset(state);
-    drawImageShadow(target, deviceHeight(), image, {offset.width, offset.height},
-                    XGGStateGetShadowBlur(state) / 2, paints_.shadowOf(paint, state));
+    drawImageShadow(target, deviceHeight(), image, shadowOf(state, paint), paint.refShader());
 }
 
 // Deliberate: an image that cannot be read is transparent, which some blend modes make visible.
@@ -87,11 +85,13 @@ void RasterBackend::drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CG
         drawEmptyImage(state, flags, rect);
         return;
     }
-    const SkPaint& paint =
-        pixels->isCoverage() ? paints_.fill(state, flags) : paints_.image(state, flags);
+    const SkPaint* const paint =
+        pixels->isCoverage() ? fillPaint(state, flags) : &paints_.image(state, flags);
+    if (!paint)
+        return;
     drawPlaced(state, flags,
                place(*pixels, rect, userToDevice(state, flags), qualityFor(state, image), flags),
-               paint);
+               *paint);
 }
 
 } // namespace cg

@@ -1,16 +1,27 @@
-// ImageShadow.cpp: an image's coverage drawn aside, then blurred into place.
+// ImageShadow.cpp: a mark's coverage drawn aside, then blurred into place.
 
 #include "Backend/Raster/ImageShadow.h"
 
 #include "Core/Object/Diagnostics.h"
 #include "include/core/SkBitmap.h"
+#include "include/core/SkBlendMode.h"
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace cg {
 
 namespace {
+
+// Draws a mark onto another surface, whose rows and columns are those of the first one moved by
+// `shift`.
+using DrawMark = std::function<void(Surface& shape, SkVector shift)>;
+
+// The offset in rows and columns, which count downwards.
+SkVector inPixels(SkVector offset) {
+    return {offset.x(), -offset.y()};
+}
 
 // Beyond three sigmas nothing of a blur is seen; Skia blurs with 135 at most.
 int reachOfBlur(float sigma) {
@@ -18,22 +29,19 @@ int reachOfBlur(float sigma) {
     return sigma > 0 ? static_cast<int>(std::ceil(3 * std::min(sigma, kLargestSigma))) : 0;
 }
 
-// Where coverage can matter: what of the image is near enough to the clip to be seen blurred.
-SkIRect coveredArea(const Surface& surface, const PlacedImage& image, float sigma) {
+// Where coverage can matter: what of the mark's bounds is near enough to the clip to be seen
+// blurred.
+SkIRect coveredArea(const Surface& surface, const SkRect* bounds, float sigma) {
     const int reach = reachOfBlur(sigma);
     SkIRect area = surface.clip().getBounds().makeOutset(reach, reach);
-    if (image.repeat == Repeat::Tiled)
-        return area;
-    const SkMatrix matrix = SkMatrix::Concat(surface.deviceToPixels(), image.toDevice);
-    const SkRect bounds = matrix.mapRect(image.rect);
-    if (!bounds.isFinite() || !area.intersect(bounds.makeOutset(1, 1).roundOut()))
+    if (bounds && (!bounds->isFinite() || !area.intersect(bounds->makeOutset(1, 1).roundOut())))
         return SkIRect::MakeEmpty();
     return area;
 }
 
 // Named for its log line.
-void filterMask(Surface& surface, int deviceHeight, const PlacedImage& image, const SkIRect& area,
-                const SkPaint& paint) {
+void filterMask(Surface& surface, int deviceHeight, const SkIRect& area, const SkPaint& paint,
+                const DrawMark& draw) {
     SkBitmap coverage;
     if (!coverage.tryAllocPixelsFlags(SkImageInfo::MakeA8(area.width(), area.height()),
                                       SkBitmap::kZeroPixels_AllocFlag)) {
@@ -41,23 +49,53 @@ void filterMask(Surface& surface, int deviceHeight, const PlacedImage& image, co
         return;
     }
     Surface shape(coverage.pixmap(), deviceHeight, surface.origin() + area.topLeft());
-    SkPaint opaque;
-    opaque.setAntiAlias(paint.isAntiAlias());
-    shape.drawImage(image, opaque);
+    draw(shape, {static_cast<float>(-area.left()), static_cast<float>(-area.top())});
     surface.drawMask(SkMask(coverage.getAddr8(0, 0), area,
                             static_cast<uint32_t>(coverage.rowBytes()), SkMask::kA8_Format),
                      paint);
 }
 
+sk_sp<SkShader> shifted(const sk_sp<SkShader>& shader, SkVector by) {
+    return shader ? shader->makeWithLocalMatrix(SkMatrix::Translate(by)) : nullptr;
+}
+
 } // namespace
 
-void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image, SkVector offset,
-                     float sigma, const SkPaint& paint) {
+void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image,
+                     const ShadowCast& shadow, sk_sp<SkShader> pattern) {
     PlacedImage moved = image;
-    moved.toDevice.postTranslate(offset.x(), offset.y());
-    const SkIRect area = coveredArea(surface, moved, sigma);
-    if (!area.isEmpty())
-        filterMask(surface, deviceHeight, moved, area, paint);
+    moved.toDevice.postTranslate(shadow.offset.x(), shadow.offset.y());
+    const SkRect bounds =
+        SkMatrix::Concat(surface.deviceToPixels(), moved.toDevice).mapRect(image.rect);
+    const bool isTiled = image.repeat == Repeat::Tiled;
+    const SkIRect area = coveredArea(surface, isTiled ? nullptr : &bounds, shadow.sigma);
+    if (area.isEmpty())
+        return;
+    filterMask(surface, deviceHeight, area, shadow.paint, [&](Surface& shape, SkVector shift) {
+        SkPaint opaque;
+        opaque.setAntiAlias(shadow.paint.isAntiAlias());
+        opaque.setShader(shifted(pattern, shift + inPixels(shadow.offset)));
+        shape.drawImage(moved, opaque);
+    });
+}
+
+void drawPathShadow(Surface& surface, int deviceHeight, const SkPath& devicePath,
+                    const SkPaint& mark, const ShadowCast& shadow) {
+    SkRect storage;
+    const SkVector offset = inPixels(shadow.offset);
+    SkRect bounds =
+        surface.deviceToPixels().mapRect(mark.computeFastBounds(devicePath.getBounds(), &storage));
+    bounds.offset(offset);
+    const SkIRect area = coveredArea(surface, &bounds, shadow.sigma);
+    if (area.isEmpty())
+        return;
+    filterMask(surface, deviceHeight, area, shadow.paint, [&](Surface& shape, SkVector shift) {
+        SkPaint opaque = mark;
+        opaque.setAlpha(0xFF);
+        opaque.setBlendMode(SkBlendMode::kSrcOver);
+        opaque.setShader(shifted(mark.refShader(), shift + offset));
+        shape.drawPath(devicePath, opaque, offset);
+    });
 }
 
 } // namespace cg

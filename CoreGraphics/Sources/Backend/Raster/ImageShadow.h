@@ -1,14 +1,25 @@
-// ImageShadow.h: the shadow that an image throws.
+// ImageShadow.h: shadows of marks that are more than a shape: images, groups, patterned paths.
 #pragma once
 
 #include "Backend/Raster/Surface.h"
 
 namespace cg {
 
-// The blurred shape of an image in the colour of `paint`, whose mask filter blurs with `sigma` (0:
-// sharp), `offset` away in device space. `deviceHeight` is the height of the area that the surface
-// shows a part of.
-void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image, SkVector offset,
-                     float sigma, const SkPaint& paint);
+// How a shadow is put down.
+struct ShadowCast {
+    SkVector offset = {0, 0}; // In device space.
+    float sigma = 0;          // Of its blur; 0 for sharp edges.
+    SkPaint paint;            // Its colour, and the mask filter that blurs with `sigma`.
+};
+
+// The blurred shape of an image, as far as `pattern` covers it, if that is given: a shader over the
+// surface's pixels. `deviceHeight` is the height of the area that the surface shows a part of.
+void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image,
+                     const ShadowCast& shadow, sk_sp<SkShader> pattern = nullptr);
+
+// The blurred shape of a path in device space under a paint, whose shader covers as much as it is
+// opaque.
+void drawPathShadow(Surface& surface, int deviceHeight, const SkPath& devicePath,
+                    const SkPaint& mark, const ShadowCast& shadow);
 
 } // namespace cg

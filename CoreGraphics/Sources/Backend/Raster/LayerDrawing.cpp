@@ -93,8 +93,10 @@ void RasterBackend::drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CG
         drawEmptyImage(state, flags, rect);
         return;
     }
-    drawPlaced(state, flags, place(pixels->pixmap(), rect, state, flags),
-               pixels->isCoverage() ? paints_.fill(state, flags) : paints_.image(state, flags));
+    const SkPaint* const paint =
+        pixels->isCoverage() ? fillPaint(state, flags) : &paints_.image(state, flags);
+    if (paint)
+        drawPlaced(state, flags, place(pixels->pixmap(), rect, state, flags), *paint);
 }
 
 } // namespace cg

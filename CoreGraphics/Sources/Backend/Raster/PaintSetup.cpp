@@ -10,6 +10,7 @@
 #include "include/core/SkMaskFilter.h"
 
 #include <cmath>
+#include <utility>
 
 namespace cg {
 
@@ -38,6 +39,8 @@ Antialias antialiasing(XGGStateRef state, uint32_t flags) {
 SkColor CachedColor::convert(CGColorRef color) {
     if (!color)
         return SK_ColorBLACK;
+    if (CGColorGetPattern(color)) // Has an opacity alone, and is not kept longer than needed.
+        return SkColorSetA(SK_ColorBLACK, toByte(CGColorGetAlpha(color)));
     if (!color_ || !CGColorEqualToColor(color, color_.get())) {
         color_ = cf::retain(color);
         argb_ = toARGB(color);
@@ -55,15 +58,17 @@ void PaintSetup::setUp(XGGStateRef state, uint32_t flags, SkColor color) {
     paint_.setColor(SkColorSetA(color, static_cast<U8CPU>(alpha)));
 }
 
-const SkPaint& PaintSetup::fill(XGGStateRef state, uint32_t flags) {
+const SkPaint& PaintSetup::fill(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern) {
     setUp(state, flags, fillColor_.convert(XGGStateGetFillColor(state)));
     paint_.setStyle(SkPaint::kFill_Style);
+    paint_.setShader(std::move(pattern));
     return paint_;
 }
 
-const SkPaint& PaintSetup::stroke(XGGStateRef state, uint32_t flags) {
+const SkPaint& PaintSetup::stroke(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern) {
     setUp(state, flags, strokeColor_.convert(XGGStateGetStrokeColor(state)));
     paint_.setStyle(SkPaint::kStroke_Style);
+    paint_.setShader(std::move(pattern));
     paint_.setStrokeWidth(XGGStateGetLineWidth(state));
     paint_.setStrokeMiter(XGGStateGetMiterLimit(state));
     paint_.setStrokeCap(toSkiaCap(XGGStateGetLineCap(state)));
@@ -74,11 +79,13 @@ const SkPaint& PaintSetup::stroke(XGGStateRef state, uint32_t flags) {
 const SkPaint& PaintSetup::image(XGGStateRef state, uint32_t flags) {
     setUp(state, flags, SK_ColorBLACK);
     paint_.setStyle(SkPaint::kFill_Style);
+    paint_.setShader(nullptr);
     return paint_;
 }
 
 SkPaint PaintSetup::shadowOf(const SkPaint& paint, XGGStateRef state) {
     SkPaint shadow = paint;
+    shadow.setShader(nullptr);
     const SkColor color = shadowColor_.convert(XGGStateGetShadowColor(state));
     // A translucent mark throws a fainter shadow.
     shadow.setColor(SkColorSetA(color, SkMulDiv255Round(SkColorGetA(color), paint.getAlpha())));

@@ -7,6 +7,7 @@
 
 #include "Backend/Raster/Surface.h"
 #include "include/core/SkPaint.h"
+#include "include/core/SkShader.h"
 
 #include <cstdint>
 
@@ -29,10 +30,11 @@ private:
 // One paint for a backend's whole life, set up anew for each operation.
 class PaintSetup {
 public:
-    // Fill style, in the fill colour under the state's alpha and blend mode.
-    const SkPaint& fill(XGGStateRef state, uint32_t flags);
+    // Fill style, in the fill colour under the state's alpha and blend mode. `pattern` is what
+    // paints in a pattern colour's place, with the opacity of that.
+    const SkPaint& fill(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern = nullptr);
     // Stroke style, in the stroke colour with the line attributes.
-    const SkPaint& stroke(XGGStateRef state, uint32_t flags);
+    const SkPaint& stroke(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern = nullptr);
     // For pictures, which bring their own colours: the state's alpha and blend mode.
     const SkPaint& image(XGGStateRef state, uint32_t flags);
     // The shadow of a mark that `paint` makes: its colour and blur instead of the mark's own.

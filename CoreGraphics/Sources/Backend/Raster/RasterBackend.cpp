@@ -28,12 +28,6 @@ SkPathFillType fillType(bool evenOdd) {
     return evenOdd ? SkPathFillType::kEvenOdd : SkPathFillType::kWinding;
 }
 
-// Shadow offsets are in device space, y up; pixels count rows downwards.
-SkVector shadowOffset(XGGStateRef state) {
-    const CGSize offset = XGGStateGetShadowOffset(state);
-    return {offset.width, -offset.height};
-}
-
 } // namespace
 
 RasterBackend::RasterBackend() {
@@ -95,37 +89,40 @@ void RasterBackend::drawMark(XGGStateRef state, uint32_t flags, const SkPath& pa
         path.transform(toSkia(*XGGStateGetCombinedCTM(state)), &scratchPath_);
         devicePath = &scratchPath_;
     }
-    if (flags & kXGContextShadowPass)
-        target.drawPath(*devicePath, paints_.shadowOf(paint, state), shadowOffset(state));
-    else
+    if (!(flags & kXGContextShadowPass)) {
         target.drawPath(*devicePath, paint);
+        return;
+    }
+    const ShadowCast shadow = shadowOf(state, paint);
+    if (paint.getShader())
+        drawPathShadow(target, deviceHeight(), *devicePath, paint, shadow);
+    else
+        target.drawPath(*devicePath, shadow.paint, {shadow.offset.x(), -shadow.offset.y()});
 }
 
 void RasterBackend::drawPath(XGGStateRef state, uint32_t flags, CGPathRef fill, CGPathRef stroke,
                              bool evenOdd) {
-    if (fill) {
+    const SkPaint* paint = fill ? fillPaint(state, flags) : nullptr;
+    if (paint) {
         const SkPath& path = nativePath(fill);
-        const SkPaint& paint = paints_.fill(state, flags);
-        surface().noteColor(XGGStateGetFillColor(state), paint);
         if (path.getFillType() == fillType(evenOdd)) {
-            drawMark(state, flags, path, paint);
+            drawMark(state, flags, path, *paint);
         } else {
             SkPath ruled = path; // Shares the points.
             ruled.setFillType(fillType(evenOdd));
-            drawMark(state, flags, ruled, paint);
+            drawMark(state, flags, ruled, *paint);
         }
     }
-    if (stroke) {
-        const SkPaint& paint = paints_.stroke(state, flags);
-        surface().noteColor(XGGStateGetStrokeColor(state), paint);
-        drawMark(state, flags, nativePath(stroke), paint);
-    }
+    paint = stroke ? strokePaint(state, flags) : nullptr;
+    if (paint)
+        drawMark(state, flags, nativePath(stroke), *paint);
 }
 
 void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* rects,
                               size_t count) {
-    const SkPaint& paint = paints_.fill(state, flags);
-    surface().noteColor(XGGStateGetFillColor(state), paint);
+    const SkPaint* const paint = fillPaint(state, flags);
+    if (!paint)
+        return;
     const bool inDeviceSpace = flags & kXGContextGeometryInDeviceSpace;
     const SkMatrix matrix = inDeviceSpace ? SkMatrix::I() : toSkia(*XGGStateGetCombinedCTM(state));
     const bool staysRect = matrix.rectStaysRect() && !(flags & kXGContextShadowPass);
@@ -133,9 +130,9 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
         SkRect rect = toSkia(rects[index]);
         if (staysRect) {
             matrix.mapRect(&rect);
-            surfaceUnderClip(state, flags).drawRect(rect, paint);
+            surfaceUnderClip(state, flags).drawRect(rect, *paint);
         } else {
-            drawMark(state, flags, SkPath::Rect(rect), paint);
+            drawMark(state, flags, SkPath::Rect(rect), *paint);
         }
     }
 }
@@ -173,12 +170,9 @@ void RasterBackend::endTransparencyLayer(XGGStateRef state, uint32_t flags) {
     layer_ = std::move(ended->below);
     clipIsStale_ = true;
     Surface& target = surfaceUnderClip(state, flags);
-    if (XGGStateHasShadow(state)) {
-        const CGSize offset = XGGStateGetShadowOffset(state);
-        drawImageShadow(target, deviceHeight(), ended->placed(), {offset.width, offset.height},
-                        XGGStateGetShadowBlur(state) / 2,
-                        paints_.shadowOf(PaintSetup::group(state), state));
-    }
+    if (XGGStateHasShadow(state))
+        drawImageShadow(target, deviceHeight(), ended->placed(),
+                        shadowOf(state, PaintSetup::group(state)));
     ended->drawOnto(target);
 }
 

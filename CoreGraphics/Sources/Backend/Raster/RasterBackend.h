@@ -1,7 +1,9 @@
 // RasterBackend.h: what draws the marks of bitmap contexts.
 #pragma once
 
+#include "Backend/Raster/ImageShadow.h"
 #include "Backend/Raster/PaintSetup.h"
+#include "Backend/Raster/PatternShaders.h"
 #include "Backend/Raster/Surface.h"
 #include "Backend/Raster/TransparencyLayer.h"
 #include "Core/Context/XGBackend.h"
@@ -26,6 +28,9 @@ public:
     void drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading);
     void drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image);
     void drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer);
+    // Patterns lie in the space that this maps to device space, if it is ever called: that of the
+    // pattern whose cell the bitmap is.
+    void setPatternBase(const CGAffineTransform& toDevice) { patternBase_ = toDevice; }
     void callBeforeNextMark(bool (*takeBack)(void*), void* owner) {
         takeBack_ = takeBack;
         pixelOwner_ = owner;
@@ -39,6 +44,11 @@ private:
     Surface& surface() { return layer_ ? layer_->surface() : *base_; }
     bool takeBackPixels();
     int deviceHeight() const { return base_->pixels().height(); }
+    SkMatrix patternToPixels(XGGStateRef state, CGPatternRef pattern, const Surface& target) const;
+    sk_sp<SkShader> patternShader(XGGStateRef state, uint32_t flags, CGColorRef color);
+    const SkPaint* fillPaint(XGGStateRef state, uint32_t flags);
+    const SkPaint* strokePaint(XGGStateRef state, uint32_t flags);
+    ShadowCast shadowOf(XGGStateRef state, const SkPaint& paint);
     void drawMark(XGGStateRef state, uint32_t flags, const SkPath& path, const SkPaint& paint);
     void drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
                     const SkPaint& paint);
@@ -53,6 +63,10 @@ private:
     bool (*takeBack_)(void* owner) = nullptr; // To be called before the next mark in `base_`.
     void* pixelOwner_ = nullptr;
     PaintSetup paints_;
+    PatternShaders patterns_;
+    std::optional<CGAffineTransform> patternBase_;
+    // Kept until the mark is drawn, whatever a pattern's callback restores.
+    cf::Ref<XGGStateRef> calledOutUnder_;
     SkPath scratchPath_;
 };
 

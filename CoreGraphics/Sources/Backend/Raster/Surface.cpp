@@ -41,6 +41,15 @@ bool isOpaqueFill(const SkPaint& paint) {
            paint.getStyle() == SkPaint::kFill_Style;
 }
 
+// Skia puts a shader under the matrix of the mark; this one stays where it is.
+SkPaint underMatrix(const SkPaint& paint, const SkMatrix& matrix) {
+    SkPaint result = paint;
+    SkMatrix inverse;
+    if (paint.getShader() && matrix.invert(&inverse))
+        result.setShader(paint.getShader()->makeWithLocalMatrix(inverse));
+    return result;
+}
+
 } // namespace
 
 Surface::Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin)
@@ -179,24 +188,28 @@ void Surface::draw(const Mark& mark, Draw&& draw) {
     draw(whole);
 }
 
+// A stroke is outlined before it is turned around, so that caps and joins start as given.
+void Surface::strokePath(const SkPath& devicePath, const SkPaint& paint, const SkMatrix& matrix) {
+    // Lines up to a pixel wide are hairlines to Skia, whose corners are faint; frames are not.
+    SkRect frame;
+    bool isClosed = false;
+    if (devicePath.isRect(&frame, &isClosed) && isClosed)
+        draw({matrix, paint, &frame}, [&](const SkDraw& target) { target.drawRect(frame, paint); });
+    else
+        draw({matrix, paint, &devicePath.getBounds()},
+             [&](const SkDraw& target) { target.drawPath(devicePath, paint, nullptr, false); });
+}
+
 void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset) {
     if (clip_.isEmpty() || !devicePath.isFinite() || paint.nothingToDraw())
         return;
     SkMatrix matrix = deviceToPixels_;
     matrix.postTranslate(offset.x(), offset.y());
-    const bool isFill = paint.getStyle() == SkPaint::kFill_Style;
-    if (!isFill) {
-        // Lines up to a pixel wide are hairlines to Skia, whose corners are faint; frames are not.
-        SkRect frame;
-        bool isClosed = false;
-        if (devicePath.isRect(&frame, &isClosed) && isClosed) {
-            draw({matrix, paint, &frame},
-                 [&](const SkDraw& target) { target.drawRect(frame, paint); });
-            return;
-        }
-        // A stroke is outlined before it is turned around, so that caps and joins start as given.
-        draw({matrix, paint, &devicePath.getBounds()},
-             [&](const SkDraw& target) { target.drawPath(devicePath, paint, nullptr, false); });
+    if (paint.getStyle() != SkPaint::kFill_Style) {
+        if (paint.getShader())
+            strokePath(devicePath, underMatrix(paint, matrix), matrix);
+        else
+            strokePath(devicePath, paint, matrix);
         return;
     }
     devicePath.transform(matrix, &pixelPath_);
@@ -244,17 +257,21 @@ void Surface::drawImage(const PlacedImage& image, const SkPaint& paint) {
         if (!image.bitmap && !own.installPixels(image.pixels))
             return;
         const SkBitmap& bitmap = image.bitmap ? *image.bitmap : own;
-        draw({matrix, paint, &image.rect}, [&](const SkDraw& target) {
-            target.drawBitmap(bitmap, pixelsToRect, &image.rect, image.sampling, paint);
+        const SkPaint colors = underMatrix(paint, SkMatrix::Concat(matrix, pixelsToRect));
+        draw({matrix, colors, &image.rect}, [&](const SkDraw& target) {
+            target.drawBitmap(bitmap, pixelsToRect, &image.rect, image.sampling, colors);
         });
         return;
     }
     if (!own.installPixels(image.pixels))
         return;
     own.setImmutable(); // A shader would copy what may change.
-    SkPaint tiles = paint;
-    tiles.setShader(
-        own.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect));
+    SkPaint tiles = underMatrix(paint, matrix);
+    auto shader =
+        own.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, image.sampling, &pixelsToRect);
+    if (tiles.getShader())
+        shader = SkShaders::Blend(SkBlendMode::kDstIn, tiles.refShader(), std::move(shader));
+    tiles.setShader(std::move(shader));
     draw({matrix, tiles}, [&](const SkDraw& target) { target.drawPaint(tiles); });
 }
 

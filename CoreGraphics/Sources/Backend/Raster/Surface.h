@@ -70,6 +70,8 @@ public:
     void clipMask(const PlacedImage& coverage);
     void clipPath(const SkPath& devicePath, Antialias antialias);
 
+    // The shader of a paint is over columns and rows, however the marks below are transformed.
+
     // `devicePath` under the paint's style; `offset` moves its marks, in pixels.
     void drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector offset = {0, 0});
     void drawRect(const SkRect& deviceRect, const SkPaint& paint);
@@ -93,6 +95,7 @@ private:
         const SkPaint& paint;
         const SkRect* bounds = nullptr; // Without the paint's effects. NULL: everywhere.
     };
+    void strokePath(const SkPath& devicePath, const SkPaint& paint, const SkMatrix& matrix);
     template <typename Draw>
     void draw(const Mark& mark, Draw&& draw);
     template <typename Draw>

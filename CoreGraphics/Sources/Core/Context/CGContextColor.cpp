@@ -31,6 +31,24 @@ void setSpace(ColorSlot slot, CGContextRef context, CGColorSpaceRef space) {
     slot.set(state, cf::adopt(XGColorSpaceCopyDefaultColor(space)).get());
 }
 
+// Patterns that compare equal may still draw differently, since their callbacks do not count: a
+// colour of another pattern is not taken for the one that is there.
+void setColor(ColorSlot slot, XGGStateRef state, CGColorRef color) {
+    if (CGColorGetPattern(color) != CGColorGetPattern(slot.get(state)))
+        slot.set(state, nullptr);
+    slot.set(state, color);
+}
+
+void setPattern(ColorSlot slot, CGContextRef context, CGPatternRef pattern,
+                const CGFloat* components) {
+    const XGGStateRef state = stateOf(context);
+    const CGColorSpaceRef space = CGColorGetColorSpace(slot.get(state));
+    if (!pattern || !components || CGColorSpaceGetModel(space) != kCGColorSpaceModelPattern)
+        return;
+    if (const auto color = cf::adopt(CGColorCreateWithPattern(space, pattern, components)))
+        setColor(slot, state, color.get());
+}
+
 // Makes no new colour when the current one has these components already.
 void setComponents(ColorSlot slot, XGGStateRef state, CGColorSpaceRef space,
                    const CGFloat* components) {
@@ -70,11 +88,11 @@ void setCMYK(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 5>&
 } // namespace
 
 void CGContextSetFillColorWithColor(CGContextRef context, CGColorRef color) {
-    XGGStateSetFillColor(stateOf(context), color);
+    setColor(kFill, stateOf(context), color);
 }
 
 void CGContextSetStrokeColorWithColor(CGContextRef context, CGColorRef color) {
-    XGGStateSetStrokeColor(stateOf(context), color);
+    setColor(kStroke, stateOf(context), color);
 }
 
 void CGContextSetFillColorSpace(CGContextRef context, CGColorSpaceRef space) {
@@ -119,6 +137,16 @@ void CGContextSetCMYKFillColor(CGContextRef context, CGFloat cyan, CGFloat magen
 void CGContextSetCMYKStrokeColor(CGContextRef context, CGFloat cyan, CGFloat magenta,
                                  CGFloat yellow, CGFloat black, CGFloat alpha) {
     setCMYK(kStroke, context, {cyan, magenta, yellow, black, alpha});
+}
+
+void CGContextSetFillPattern(CGContextRef context, CGPatternRef pattern,
+                             const CGFloat* components) {
+    setPattern(kFill, context, pattern, components);
+}
+
+void CGContextSetStrokePattern(CGContextRef context, CGPatternRef pattern,
+                               const CGFloat* components) {
+    setPattern(kStroke, context, pattern, components);
 }
 
 CGColorRef CGContextGetFillColorAsColor(CGContextRef) {

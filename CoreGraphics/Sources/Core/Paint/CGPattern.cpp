@@ -5,7 +5,9 @@
 
 #include "Core/Geometry/NearlyEqual.h"
 #include "Core/Object/RuntimeObject.h"
+#include "Core/Paint/PatternSerial.h"
 
+#include <atomic>
 #include <cstdint>
 
 struct CGPattern {
@@ -19,6 +21,7 @@ struct CGPattern {
     CGFloat scale = 1;
     void* info = nullptr;
     CGPatternCallbacks callbacks = {};
+    std::uint64_t serial = 0;
 
     ~CGPattern() {
         if (callbacks.releaseInfo)
@@ -60,6 +63,8 @@ CGPatternRef CGPatternCreate(void* info, CGRect bounds, CGAffineTransform matrix
     pattern->tiling = tiling;
     pattern->info = info;
     pattern->callbacks = *callbacks;
+    static constinit std::atomic<std::uint64_t> lastSerial = 0;
+    pattern->serial = ++lastSerial;
     return pattern;
 }
 
@@ -68,6 +73,10 @@ CGPatternRef CGPatternRetain(CGPatternRef pattern) {
 }
 void CGPatternRelease(CGPatternRef pattern) {
     cg::release(pattern);
+}
+
+std::uint64_t cg::serialOf(CGPatternRef pattern) {
+    return pattern ? pattern->serial : 0;
 }
 
 void XGPatternDraw(CGPatternRef pattern, CGContextRef context) {

@@ -1,0 +1,67 @@
+// PatternShaders.h: patterns as Skia's shaders, with the pixels of those used last.
+#pragma once
+
+#include <CoreFoundation/CFRef.h>
+
+#include "Backend/Raster/PatternCells.h"
+#include "Backend/Raster/PatternTile.h"
+#include "include/core/SkRect.h"
+#include "include/core/SkShader.h"
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace cg {
+
+// Keeps few tiles, and neither patterns nor colours alive. Used on one context's thread alone.
+class PatternShaders {
+public:
+    // What paints with the pattern, opaque as its cells are, over a surface's rows and columns to
+    // which `patternToPixels` maps pattern space. It is right inside `clip`. NULL where nothing is
+    // to be painted, with a line in the log if that is an error.
+    sk_sp<SkShader> shaderFor(const PatternInk& ink, const SkMatrix& patternToPixels,
+                              const SkIRect& clip);
+    // Whether the last call had a pattern's callback draw.
+    bool hasCalledOut() const { return hasCalledOut_; }
+
+private:
+    // What the colour of a cell depends on.
+    struct Colors {
+        explicit Colors(const PatternInk& ink);
+        bool operator==(const Colors& other) const;
+
+        std::uint64_t pattern;
+        cf::Ref<CGColorSpaceRef> space; // Of an uncoloured pattern.
+        std::array<CGFloat, 8> components = {};
+    };
+
+    // How a pattern's pixels are made for a matrix and a clip.
+    struct Plan {
+        SkMatrix drawn;      // What the pixels depend on: for tiles, where they lie is left out.
+        bool isTile = false; // Else they show all that the clip lets through.
+        TileAxis x, y;
+        SkMatrix pixelsToSurface; // For the shader.
+        bool dependsOnClip = false;
+    };
+
+    struct Entry {
+        Colors colors;
+        Plan plan;
+        SkBitmap pixels;
+        sk_sp<SkShader> shader;
+        SkMatrix matrix; // For which the shader was made.
+        SkIRect clip;    // The same, where the plan depends on it.
+    };
+
+    static Plan planFor(const PatternGrid& grid, const SkMatrix& matrix, const SkIRect& clip);
+    static bool haveSamePixels(const Plan& a, const SkIRect& clipOfA, const Plan& b,
+                               const SkIRect& clipOfB);
+    Entry* findExact(const Colors& colors, const SkMatrix& matrix, const SkIRect& clip);
+    Entry* keep(Entry entry);
+
+    std::vector<Entry> entries_; // Used last, first.
+    bool hasCalledOut_ = false;
+};
+
+} // namespace cg
