@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <vector>
@@ -74,6 +75,24 @@ TEST(Gradient, AnswersSpansAsItAnswersPlaces) {
         for (std::size_t index = 0; index < places.size(); ++index)
             EXPECT_EQ(span[2 * index], grayAt(gradient, places[index]))
                 << kind[0] << " at " << places[index];
+    }
+}
+
+TEST(Gradient, AnswersSpansOfEveryNumberOfComponents) {
+    const cf::Ref<CGColorSpaceRef> spaces[] = {
+        cf::adopt(CGColorSpaceCreatePattern(nullptr)), cf::adopt(CGColorSpaceCreateDeviceGray()),
+        cf::adopt(CGColorSpaceCreateDeviceRGB()), cf::adopt(CGColorSpaceCreateDeviceCMYK())};
+    for (const auto& space : spaces) {
+        const std::size_t count = CGColorSpaceGetNumberOfComponents(space.get()) + 1;
+        std::vector<CGFloat> stops(2 * count, 0);
+        std::fill(stops.begin() + static_cast<std::ptrdiff_t>(count), stops.end(), 1.0f);
+        const Gradient gradient =
+            cf::adopt(CGGradientCreateWithColorComponents(space.get(), stops.data(), nullptr, 2));
+        const CGFloat places[] = {0.25f, 0.5f};
+        std::vector<CGFloat> span(2 * count);
+        XGFunctionEvaluateSpan(XGGradientGetFunction(gradient.get()), places, 2, span.data());
+        for (std::size_t index = 0; index < span.size(); ++index)
+            EXPECT_EQ(span[index], places[index / count]) << count;
     }
 }
 

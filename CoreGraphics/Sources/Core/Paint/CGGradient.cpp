@@ -207,17 +207,16 @@ void evaluateSpan(void* info, const CGFloat* in, std::size_t count, CGFloat* out
     CGGradient& gradient = *static_cast<CGGradient*>(info);
     const std::span places(in, count);
     switch (gradient.componentsPerStop) {
+    case 1:
+        return evaluateSpan<1>(gradient.stops(), places, out);
     case 2:
         return evaluateSpan<2>(gradient.stops(), places, out);
+    case 3:
+        return evaluateSpan<3>(gradient.stops(), places, out);
     case 4:
         return evaluateSpan<4>(gradient.stops(), places, out);
-    case 5:
+    default: // Gradients of more are not made.
         return evaluateSpan<5>(gradient.stops(), places, out);
-    default:
-        for (const CGFloat& place : places) {
-            XGFunctionEvaluate(gradient.function, &place, out);
-            out += gradient.componentsPerStop;
-        }
     }
 }
 
