@@ -17,7 +17,7 @@ inline constexpr int kTableWidth = 48, kTableHeight = 40;
 // The state that every operation starts from: fill and stroke colour, both half transparent, and
 // the state's own alpha.
 inline constexpr SkColor kTableColor = SkColorSetARGB(128, 51, 102, 204);
-inline constexpr float kTableAlpha = 0.75f;
+inline constexpr float kTableAlpha = 0.67f;
 
 struct DrawingOperation {
     const char* what;

@@ -38,8 +38,8 @@ struct Format {
     bool isGray() const { return std::strchr(bits, 'y'); }
     bool hasAlpha() const { return std::strchr(bits, 'a'); }
     bool isDeep() const { return bitsPerComponent > 8; }
-    // In steps of a component. Products of floats leave a few of the 65,535 steps of 16 bits.
-    double tolerance() const { return isDeep() ? 8.001 : 1.001; }
+    // In steps of a component. Products of floats leave a few dozen of the 65,535 steps of 16 bits.
+    double tolerance() const { return isDeep() ? 32.001 : 1.001; }
 };
 
 constexpr CGBitmapInfo kFirst = kCGImageAlphaPremultipliedFirst;

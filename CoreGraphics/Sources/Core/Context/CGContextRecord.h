@@ -20,6 +20,8 @@ struct CGContext {
     cf::Ref<XGGStateRef> state;
     cf::Ref<CGMutablePathRef> path;         // In device space; absent without a current path.
     cf::Ref<CFMutableArrayRef> savedStates; // Absent until the first save.
+    // Saves for which there was no memory, and those inside them: as many restores do nothing.
+    size_t failedSaves = 0;
     CGAffineTransform textMatrix = {1, 0, 0, 1, 0, 0};
     void* info = nullptr;
     CGFloat sizeInPoints[3] = {};

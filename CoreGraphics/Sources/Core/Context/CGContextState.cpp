@@ -47,14 +47,24 @@ void recycleState(CGContext& context, cf::Ref<XGGStateRef> state) {
 void CGContextSaveGState(CGContextRef context) {
     if (!context)
         return;
-    auto copy = copyOfState(*context);
-    if (copy && push(*context))
-        context->state = std::move(copy);
+    if (context->failedSaves == 0) {
+        auto copy = copyOfState(*context);
+        if (copy && push(*context)) {
+            context->state = std::move(copy);
+            return;
+        }
+        CG_LOG_ERROR("no memory to save the graphics state");
+    }
+    ++context->failedSaves;
 }
 
 void CGContextRestoreGState(CGContextRef context) {
     if (!context)
         return;
+    if (context->failedSaves > 0) {
+        --context->failedSaves;
+        return;
+    }
     const CFMutableArrayRef saved = context->savedStates.get();
     const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
     if (count == 0) {
