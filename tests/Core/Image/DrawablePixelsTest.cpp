@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <cmath>
 
 namespace {
 
@@ -112,6 +113,29 @@ TEST(DrawablePixels, PremultiplyExactly) {
             ASSERT_EQ(pixel[2 - c], (bytes[i + c] * alpha * 2 + 255) / 510) << i;
         ASSERT_EQ(pixel[3], alpha);
     }
+}
+
+TEST(DrawablePixels, NarrowToTheNearestByte) {
+    Bytes bytes;
+    for (unsigned value = 0; value < 65536; ++value)
+        for (const unsigned word : {value, 65535 - value, value ^ 0x5555, 65535u}) {
+            bytes.push_back(static_cast<std::uint8_t>(word >> 8));
+            bytes.push_back(static_cast<std::uint8_t>(word));
+        }
+    const auto image = test::makeImage({.width = 256,
+                                        .height = 256,
+                                        .bits = 16,
+                                        .bitsPerPixel = 64,
+                                        .space = kRGB,
+                                        .info = kCGImageAlphaPremultipliedLast},
+                                       bytes);
+    const auto drawable = DrawablePixels::of(image.get(), kRGB, kCGRenderingIntentDefault);
+    ASSERT_TRUE(drawable);
+    const auto* pixel = static_cast<const std::uint8_t*>(drawable->pixels());
+    for (std::size_t i = 0; i < bytes.size(); i += 8, pixel += 4)
+        for (std::size_t c = 0; c < 3; ++c)
+            ASSERT_EQ(pixel[2 - c],
+                      std::lround((bytes[i + 2 * c] * 256 + bytes[i + 2 * c + 1]) / 257.0));
 }
 
 // ---- Threads

@@ -2,6 +2,7 @@
 
 #include "XGColorSpace.h"
 
+#include "Core/Image/DrawablePixels.h"
 #include "PixelImages.h"
 
 #include <gtest/gtest.h>
@@ -132,6 +133,34 @@ void expectPixels(CGImageRef image, const Layout& layout, const Bytes& bytes, Wa
     }
 }
 
+// The same pixels as they are drawn into RGB, which has ways of its own for common layouts.
+void expectDrawn(CGImageRef image, const Layout& layout, const Bytes& bytes) {
+    const auto drawn =
+        cg::DrawablePixels::of(image, XGColorSpaceGetDeviceRGB(), kCGRenderingIntentDefault);
+    ASSERT_TRUE(drawn);
+    using cg::DrawableFormat;
+    if (drawn->format() != DrawableFormat::BGRA8Premultiplied &&
+        drawn->format() != DrawableFormat::BGRX8)
+        return; // Drawn where they lie, or gray, which is read as components are.
+    const bool hasAlpha = drawn->format() == DrawableFormat::BGRA8Premultiplied;
+    for (std::size_t y = 0; y < kHeight; ++y) {
+        const auto row = bytes.begin() + std::ptrdiff_t(y * CGImageGetBytesPerRow(image));
+        const Bytes ordered =
+            inOrder(layout, Bytes(row, row + std::ptrdiff_t(CGImageGetBytesPerRow(image))));
+        const auto* pixel =
+            static_cast<const std::uint8_t*>(drawn->pixels()) + y * drawn->bytesPerRow();
+        for (std::size_t x = 0; x < kWidth; ++x, pixel += 4) {
+            auto values = wanted(layout, pixelAt(layout, ordered, x),
+                                 hasAlpha ? Want::Premultiplied : Want::Colors);
+            if (layout.colors == 1)
+                values.insert(values.begin(), 2, values[0]);
+            for (std::size_t c = 0; c < values.size(); ++c)
+                ASSERT_NEAR(pixel[c < 3 ? 2 - c : c], values[c] * 255, 1.501)
+                    << "x " << x << " y " << y << " component " << c;
+        }
+    }
+}
+
 cf::Ref<CGColorSpaceRef> spaceOf(std::size_t colors) {
     switch (colors) {
     case 1:
@@ -197,6 +226,8 @@ TEST(PixelLayout, IsReadAsItsBitsStand) {
             expectPixels<std::uint16_t>(image.get(), read, bytes, want);
             expectPixels<float>(image.get(), read, bytes, want);
         }
+        if (read.colors == 1 || read.colors == 3)
+            expectDrawn(image.get(), read, bytes);
         return true;
     });
     EXPECT_GT(count, 1000u);

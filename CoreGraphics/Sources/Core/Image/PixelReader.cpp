@@ -141,7 +141,7 @@ bool TypedPixelReader<Component>::prepare() {
 // Straight opacity that is wanted straight is the one thing that no shortcut gives.
 template <typename Component>
 void TypedPixelReader<Component>::findShortcut() {
-    const bool isPlain = std::is_same_v<Component, std::uint8_t> && decoder_.isPlain() &&
+    const bool isPlain = layout_.isMadeOfWhole(8 * sizeof(Component)) && decoder_.isPlain() &&
                          !isIndexed_ && !isMasked(image_) && !transform_;
     if (isPlain && target_.order == ComponentOrder::BGRX &&
         target_.type == ComponentType::Unsigned8 && target_.alpha != AlphaUse::Straight)

@@ -2,14 +2,10 @@
 
 #include "PixelSwizzle.h"
 
+#include "WideInstructions.h"
+
 #include <bit>
 #include <cstring>
-
-// The same code twice: for the instructions that every processor has, and for wider ones that are
-// looked for when a row comes.
-#if defined(__x86_64__) && defined(__GNUC__)
-#define CG_HAS_AVX2_CLONES 1
-#endif
 
 namespace cg {
 
@@ -78,18 +74,6 @@ template <Opacity opacity>
                out + 4 * x);
 }
 
-#if CG_HAS_AVX2_CLONES
-#define CG_WIDE __attribute__((target("avx2")))
-bool hasWide() {
-    return __builtin_cpu_supports("avx2") != 0;
-}
-#else
-#define CG_WIDE
-bool hasWide() {
-    return false;
-}
-#endif
-
 template <Opacity opacity>
 CG_WIDE void wideWords(const Places& places, const std::byte* pixels, std::size_t count,
                        std::byte* out) {
@@ -106,7 +90,8 @@ CG_WIDE void wideGray(const std::byte* pixels, std::size_t count, std::byte* out
 template <Opacity opacity>
 void fourBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_t count,
                std::byte* out) {
-    (hasWide() ? wideWords<opacity> : plainWords<opacity>)(swizzle.places(), pixels, count, out);
+    (hasWideInstructions() ? wideWords<opacity> : plainWords<opacity>)(swizzle.places(), pixels,
+                                                                       count, out);
 }
 
 void threeBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_t count,
@@ -115,7 +100,7 @@ void threeBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_
 }
 
 void oneByte(const PixelSwizzle&, const std::byte* pixels, std::size_t count, std::byte* out) {
-    if (hasWide())
+    if (hasWideInstructions())
         wideGray(pixels, count, out);
     else
         spreadGray(pixels, count, out);
@@ -124,7 +109,11 @@ void oneByte(const PixelSwizzle&, const std::byte* pixels, std::size_t count, st
 } // namespace
 
 std::optional<PixelSwizzle> PixelSwizzle::of(const PixelLayout& layout, bool wantsPremultiplied) {
-    if (std::endian::native != std::endian::little || !layout.isMadeOfWhole(8))
+    if (std::endian::native != std::endian::little)
+        return std::nullopt;
+    if (layout.isMadeOfWhole(16))
+        return ofDeepPixels(layout, wantsPremultiplied);
+    if (!layout.isMadeOfWhole(8))
         return std::nullopt;
     const auto place = [&](std::size_t field) {
         return static_cast<unsigned>(layout.bytePlace(layout.field(field).offset / 8));
