@@ -314,6 +314,10 @@ CG_EXPORT void CGContextDrawRadialGradient(CGContextRef context, CGGradientRef g
                                            CGPoint startCenter, CGFloat startRadius,
                                            CGPoint endCenter, CGFloat endRadius,
                                            CGGradientDrawingOptions options);
+/** Colours once around `center`, from `angle` on, in radians: counter-clockwise where y points up.
+ *  The last colour meets the first at that angle. */
+CG_EXPORT void CGContextDrawConicGradient(CGContextRef context, CGGradientRef gradient,
+                                          CGPoint center, CGFloat angle);
 /** What the shading's function gives; it is asked on the calling thread, and a function of more or
  *  less than one input draws nothing, after a warning. */
 CG_EXPORT void CGContextDrawShading(CGContextRef context, CGShadingRef shading);

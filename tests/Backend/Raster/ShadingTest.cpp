@@ -119,6 +119,46 @@ TEST(ShadingPixels, OfGradientsAreBareSkias) {
     }
 }
 
+TEST(ShadingPixels, OfConicGradientsAreBareSkias) {
+    for (const CGFloat angle : {0.f, 0.7f, -20.f}) {
+        const Context context = test::makeContext(kSide, kSide);
+        CGContextScaleCTM(context.get(), 1, 0.75f);
+        CGContextSetAlpha(context.get(), 0.6f);
+        CGContextDrawConicGradient(context.get(), makeGradient(kHard).get(), {30, 41}, angle);
+
+        test::SkiaPeer peer(kSide, kSide);
+        SkMatrix turn;
+        turn.setSinCos(std::sin(angle), std::cos(angle), 30, 41);
+        SkPaint paint;
+        paint.setAlpha(153);
+        paint.setShader(SkGradientShader::MakeSweep(30, 41, kHard.colors.data(), nullptr,
+                                                    kHard.locations.data(), 4, 0, &turn));
+        peer.canvas().scale(1, 0.75f);
+        peer.canvas().drawPaint(paint);
+        EXPECT_TRUE(test::samePixels(context.get(), peer)) << angle;
+    }
+}
+
+TEST(ShadingPixels, OfConicGradientsTurnCounterClockwise) {
+    const Context context = test::makeContext(2, 2);
+    const Stops quarters = {{{1, 0, 0, 1},
+                             {1, 0, 0, 1},
+                             {0, 1, 0, 1},
+                             {0, 1, 0, 1},
+                             {0, 0, 1, 1},
+                             {0, 0, 1, 1},
+                             {1, 1, 1, 1},
+                             {1, 1, 1, 1}},
+                            {0, 0.25f, 0.25f, 0.5f, 0.5f, 0.75f, 0.75f, 1}};
+    CGContextDrawConicGradient(context.get(), makeGradient(quarters).get(), {1, 1}, 1.5707964f);
+    const auto* const pixels = static_cast<std::uint32_t*>(CGBitmapContextGetData(context.get()));
+    EXPECT_EQ((std::vector<std::uint32_t>(pixels, pixels + 4)),
+              (std::vector<std::uint32_t>{0xFFFF0000, 0xFFFFFFFF, 0xFF00FF00, 0xFF0000FF}));
+    CGContextDrawConicGradient(context.get(), makeGradient(quarters).get(), {NAN, 1}, 0);
+    CGContextDrawConicGradient(context.get(), makeGradient(quarters).get(), {1, 1}, INFINITY);
+    EXPECT_EQ(pixels[0], 0xFFFF0000) << "numbers that are not finite paint nothing";
+}
+
 // ---- Beside the definition
 
 using Channels = std::array<int, 4>; // Premultiplied blue, green, red, alpha.

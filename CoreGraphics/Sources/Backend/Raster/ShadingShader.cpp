@@ -5,6 +5,7 @@
 #include "XGShading.h"
 
 #include "Backend/Raster/ShadingColors.h"
+#include "Core/Paint/ConicShading.h"
 #include "include/core/SkBlendMode.h"
 #include "include/effects/SkGradientShader.h"
 
@@ -123,9 +124,24 @@ sk_sp<SkShader> makeOverlapping(const Geometry& geometry, const ShadingColors& c
                             makeGradient(geometry, colors, matrix));
 }
 
+// Skia turns from x towards y, too.
+sk_sp<SkShader> makeConic(CGShadingRef shading, CGFloat angle, const SkMatrix& toPixels) {
+    const SkPoint center = geometryOf(shading).start.center;
+    if (!center.isFinite() || !std::isfinite(angle))
+        return nullptr;
+    const ShadingColors colors = colorsOf(shading);
+    SkMatrix matrix;
+    matrix.setSinCos(std::sin(angle), std::cos(angle), center.x(), center.y());
+    matrix.postConcat(toPixels);
+    return SkGradientShader::MakeSweep(center.x(), center.y(), colors.colors.data(), nullptr,
+                                       colors.positions(), colors.count(), 0, &matrix);
+}
+
 } // namespace
 
 sk_sp<SkShader> makeShadingShader(CGShadingRef shading, const SkMatrix& toPixels) {
+    if (const auto angle = startAngleOf(shading))
+        return makeConic(shading, *angle, toPixels);
     Geometry geometry = geometryOf(shading);
     if (!paintsSomething(geometry))
         return nullptr;

@@ -4,6 +4,7 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Core/Paint/ConicShading.h"
 
 namespace {
 
@@ -45,6 +46,14 @@ void CGContextDrawRadialGradient(CGContextRef context, CGGradientRef gradient, C
                  [&](CGColorSpaceRef space, CGFunctionRef function, int before, int after) {
                      return CGShadingCreateRadial(space, startCenter, startRadius, endCenter,
                                                   endRadius, function, before, after);
+                 });
+}
+
+void CGContextDrawConicGradient(CGContextRef context, CGGradientRef gradient, CGPoint center,
+                                CGFloat angle) {
+    drawGradient(context, gradient, 0,
+                 [&](CGColorSpaceRef space, CGFunctionRef function, int, int) {
+                     return cg::createConicShading(space, center, angle, function);
                  });
 }
 

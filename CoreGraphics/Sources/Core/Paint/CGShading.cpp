@@ -6,6 +6,9 @@
 
 #include "Core/Object/RuntimeObject.h"
 #include "Core/Paint/CGGradientRecord.h"
+#include "Core/Paint/ConicShading.h"
+
+#include <optional>
 
 struct CGShading {
     CFRuntimeBase base;
@@ -19,6 +22,7 @@ struct CGShading {
     CGPoint end = {0, 0};
     CGFloat startRadius = 0;
     CGFloat endRadius = 0;
+    std::optional<CGFloat> angle; // Of conic shadings, which have their centre in `start`.
 };
 
 namespace {
@@ -28,7 +32,7 @@ bool areEqual(CGShadingRef a, CGShadingRef b) {
            a->extendsEnd == b->extendsEnd && CFEqual(a->space.get(), b->space.get()) &&
            CFEqual(a->function.get(), b->function.get()) &&
            CGPointEqualToPoint(a->start, b->start) && CGPointEqualToPoint(a->end, b->end) &&
-           a->startRadius == b->startRadius && a->endRadius == b->endRadius;
+           a->startRadius == b->startRadius && a->endRadius == b->endRadius && a->angle == b->angle;
 }
 
 // Equal shadings have equal functions.
@@ -83,6 +87,18 @@ CGShadingRef CGShadingCreateRadial(CGColorSpaceRef space, CGPoint start, CGFloat
         shading->endRadius = endRadius;
     }
     return shading;
+}
+
+CGShadingRef cg::createConicShading(CGColorSpaceRef space, CGPoint center, CGFloat angle,
+                                    CGFunctionRef function) {
+    const CGShadingRef shading = ::create(space, center, center, function, 0, 0);
+    if (shading)
+        shading->angle = angle;
+    return shading;
+}
+
+std::optional<CGFloat> cg::startAngleOf(CGShadingRef shading) {
+    return shading ? shading->angle : std::nullopt;
 }
 
 CGShadingRef CGShadingRetain(CGShadingRef shading) {
