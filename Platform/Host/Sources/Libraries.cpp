@@ -16,3 +16,8 @@ void HostLibraryClose(void* library) {
 void* HostLibraryFindSymbol(void* library, const char* name) {
     return library && name ? dlsym(library, name) : nullptr;
 }
+
+const char* HostLibraryGetErrorText(void) {
+    const char* const text = dlerror();
+    return text ? text : "";
+}

@@ -229,6 +229,9 @@ HOST_EXPORT void* HostLibraryOpen(const char* path);
 HOST_EXPORT void HostLibraryClose(void* library);
 /** The address of an exported name in the library or those that it is linked to, or NULL. */
 HOST_EXPORT void* HostLibraryFindSymbol(void* library, const char* name);
+/** What the loader said of the last call on this thread that failed, once: "" when asked again, or
+ *  when none did. Good until the thread's next call. */
+HOST_EXPORT const char* HostLibraryGetErrorText(void);
 
 HOST_END_DECLS
 
