@@ -344,27 +344,47 @@ std::vector<uint8_t> pixelsOf(CGContextRef c) {
     return {pixels, pixels + kSize * CGBitmapContextGetBytesPerRow(c)};
 }
 
-// Whatever was called before, a context that is set up again draws as a new one.
-void expectDrawsAgain(CGContextRef c, std::size_t layers) {
-    for (std::size_t left = layers; left > 0; --left)
-        CGContextEndTransparencyLayer(c);
-    startOver(c);
-    CGContextSetRGBFillColor(c, 1, 1, 1, 1);
-    CGContextFillRect(c, CGRectMake(0, 0, kSize, kSize));
-    for (const uint8_t byte : pixelsOf(c))
-        ASSERT_EQ(byte, 255);
+// Formats that are drawn into as they stand, and formats that are not.
+const struct {
+    CGColorSpaceRef (*makeSpace)(void);
+    std::size_t bitsPerComponent, bitsPerPixel;
+    CGBitmapInfo info;
+} kFormats[] = {
+    {CGColorSpaceCreateDeviceRGB, 8, 32, test::kBGRA},
+    {CGColorSpaceCreateDeviceRGB, 8, 32, test::kRGBA},
+    {CGColorSpaceCreateDeviceGray, 8, 8, kCGImageAlphaNone},
+    {CGColorSpaceCreateDeviceGray, 8, 8, kCGImageAlphaOnly},
+    {CGColorSpaceCreateDeviceRGB, 5, 16,
+     CGBitmapInfo{kCGImageAlphaNoneSkipFirst} | CGBitmapInfo{kCGBitmapByteOrder16Little}},
+    {CGColorSpaceCreateDeviceRGB, 8, 32, kCGImageAlphaPremultipliedFirst},
+    {CGColorSpaceCreateDeviceRGB, 16, 64, kCGImageAlphaPremultipliedLast},
+    {CGColorSpaceCreateDeviceCMYK, 8, 32, kCGImageAlphaNone},
+};
+
+test::Context makeBitmap(std::size_t format) {
+    const auto& [makeSpace, bitsPerComponent, bitsPerPixel, info] = kFormats[format];
+    return cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, bitsPerComponent,
+                                           kSize * bitsPerPixel / 8, cf::adopt(makeSpace()).get(),
+                                           info));
 }
 
+void fillAnew(CGContextRef c) {
+    startOver(c);
+    CGContextSetAllowsAntialiasing(c, true);
+    CGContextSetRGBFillColor(c, 1, 0.5f, 0, 1);
+    CGContextFillRect(c, CGRectMake(0, 0, kSize, kSize));
+}
+
+// Whatever was called before, a context that is set up again draws as a new one.
 TEST(HostileCalls, LeaveABitmapThatDraws) {
-    constexpr std::size_t kRounds = 60, kTurns = 600;
-    std::size_t marksSeen = 0;
+    constexpr std::size_t kRounds = 40, kTurns = 600;
     const CollectedLog log;
-    const auto gray = cf::adopt(CGColorSpaceCreateDeviceGray());
+    std::size_t marksSeen = 0;
     for (uint32_t round = 0; round < kRounds; ++round) {
-        const test::Context context =
-            round % 3 == 2 ? cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0,
-                                                             gray.get(), kCGImageAlphaNone))
-                           : test::makeContext(kSize, kSize, round % 3 ? test::kRGBA : test::kBGRA);
+        SCOPED_TRACE(round);
+        const std::size_t format = round % std::size(kFormats);
+        const test::Context context = makeBitmap(format);
+        ASSERT_TRUE(context);
         Arguments arguments(round);
         const auto callOneOf = [&](const auto& calls) {
             calls[arguments.upTo(std::size(calls))](
@@ -382,7 +402,12 @@ TEST(HostileCalls, LeaveABitmapThatDraws) {
             marksSeen += after != before ? 1 : 0;
             before = std::move(after);
         }
-        expectDrawsAgain(context.get(), kTurns);
+        for (std::size_t layers = kTurns; layers > 0; --layers)
+            CGContextEndTransparencyLayer(context.get());
+        fillAnew(context.get());
+        const test::Context fresh = makeBitmap(format);
+        fillAnew(fresh.get());
+        EXPECT_EQ(pixelsOf(context.get()), pixelsOf(fresh.get()));
     }
     EXPECT_GT(marksSeen, kRounds * kTurns / 20) << "calls that draw nothing prove nothing";
 }
