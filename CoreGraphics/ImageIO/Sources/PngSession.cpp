@@ -35,6 +35,11 @@ PngSession::PngSession(Bytes file, PngMetadata metadata) : file_(file) {
     png_set_read_fn(png_, this, read);
     // The size of pictures is limited by setLayout().
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+    // No chunk comes to more than its deflated bytes can hold; libpng's own limit is eight
+    // megabytes.
+    constexpr png_alloc_size_t kMostBytesPerByte = 1032, kMostBytes = 8000000;
+    png_set_chunk_malloc_max(
+        png_, std::clamp<png_alloc_size_t>(file.size() * kMostBytesPerByte, 1, kMostBytes));
     ignore(metadata);
 }
 
