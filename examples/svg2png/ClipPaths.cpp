@@ -34,9 +34,7 @@ void ClipPaths::limitBy(const Occurrence& clipped, const std::string& id, const 
             return draw();
         }
     }
-    Occurrence clipPath = occurInPlace(scene_, element);
-    clipPath.viewport = clipped.viewport;
-    clipPath.depth = clipped.depth;
+    const Occurrence clipPath = occurFor(scene_, clipped, element);
     const Chain inner = {element, chain};
     limitBy(clipped, clipPath.style.clipPathId, &inner,
             [&] { limitToShapes(clipped, clipPath, inner, draw); });
@@ -44,7 +42,7 @@ void ClipPaths::limitBy(const Occurrence& clipped, const std::string& id, const 
 
 void ClipPaths::limitToShapes(const Occurrence& clipped, const Occurrence& clipPath,
                               const Chain& chain, const Draw& draw) {
-    const auto units = unitsOf(clipped, clipPath.element);
+    const auto units = spaceOf(clipped, clipPath.element);
     if (!units)
         return;
     const SavedState saved(context_);
@@ -104,16 +102,14 @@ void ClipPaths::drawSilhouette(const Occurrence& shape, const Chain& chain) {
 
 // Maps the clip path's shapes into the clipped element's user space; nothing when they are given in
 // parts of a bounding box that has no area.
-std::optional<CGAffineTransform> ClipPaths::unitsOf(const Occurrence& clipped, Element clipPath) {
+std::optional<CGAffineTransform> ClipPaths::spaceOf(const Occurrence& clipped, Element clipPath) {
     const CGAffineTransform transform = transformOf(clipPath);
-    if (clipPath.attribute("clipPathUnits") != "objectBoundingBox")
+    if (unitsOf(clipPath, "clipPathUnits", Units::UserSpace) == Units::UserSpace)
         return transform;
     const CGRect box = boundsOf(scene_, clipped);
     if (CGRectIsEmpty(box))
         return std::nullopt;
-    return CGAffineTransformConcat(
-        transform,
-        CGAffineTransformMake(box.size.width, 0, 0, box.size.height, box.origin.x, box.origin.y));
+    return CGAffineTransformConcat(transform, boxToUserSpace(box));
 }
 
 } // namespace svg

@@ -37,7 +37,7 @@ private:
                        const Draw& draw);
     void drawMask(const Interior& shapes, const CGAffineTransform& transform, const Chain& chain);
     void drawSilhouette(const Occurrence& shape, const Chain& chain);
-    std::optional<CGAffineTransform> unitsOf(const Occurrence& clipped, Element clipPath);
+    std::optional<CGAffineTransform> spaceOf(const Occurrence& clipped, Element clipPath);
 
     Scene& scene_;
     CGContextRef context_;

@@ -58,7 +58,10 @@ std::optional<std::string> readFile(const std::string& fileName, std::string& er
 
 std::optional<Document> Document::load(const std::string& fileName, std::string& error) {
     const auto content = readFile(fileName, error);
-    return content ? parse(*content, error) : std::nullopt;
+    auto document = content ? parse(*content, error) : std::nullopt;
+    if (document)
+        document->fileName_ = fileName;
+    return document;
 }
 
 std::optional<Document> Document::parse(std::string_view text, std::string& error) {

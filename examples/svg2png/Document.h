@@ -24,6 +24,8 @@ public:
     Element root() const { return Element(xmlDocGetRootElement(tree_.get())); }
     Element find(const std::string& id) const;
     const StyleSheet& styleSheet() const { return styleSheet_; }
+    // What links to other files are relative to; empty for text at hand.
+    const std::string& fileName() const { return fileName_; }
 
 private:
     struct FreeTree {
@@ -36,6 +38,7 @@ private:
     std::unique_ptr<xmlDoc, FreeTree> tree_;
     std::unordered_map<std::string, Element> elementsById_;
     StyleSheet styleSheet_;
+    std::string fileName_;
 };
 
 } // namespace svg

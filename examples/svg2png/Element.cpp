@@ -39,9 +39,12 @@ const xmlNode* nextElement(const xmlNode* node) {
 
 } // namespace
 
+// Documents that name no language at all are taken for SVG.
 std::string_view Element::name() const {
-    const bool isSvg = node_ && node_->ns && node_->ns->href &&
-                       std::strcmp(plain(node_->ns->href), kSvgNamespace) == 0;
+    const xmlNs* const language = node_ ? node_->ns : nullptr;
+    const bool isSvg =
+        node_ &&
+        (!language || (language->href && std::strcmp(plain(language->href), kSvgNamespace) == 0));
     return isSvg ? std::string_view(plain(node_->name)) : std::string_view();
 }
 
@@ -61,13 +64,16 @@ std::optional<std::string> Element::attribute(const char* name) const {
     return adoptText(xmlGetNoNsProp(node_, xml(name)));
 }
 
-std::optional<std::string> Element::linkedId() const {
+std::optional<std::string> Element::link() const {
     auto link = attribute("href");
-    if (!link)
-        link = adoptText(xmlGetNsProp(node_, xml("href"), xml(kLinkNamespace)));
-    if (!link || !link->starts_with('#'))
+    return link ? link : adoptText(xmlGetNsProp(node_, xml("href"), xml(kLinkNamespace)));
+}
+
+std::optional<std::string> Element::linkedId() const {
+    const auto whole = link();
+    if (!whole || !whole->starts_with('#'))
         return std::nullopt;
-    return link->substr(1);
+    return whole->substr(1);
 }
 
 std::string Element::text() const {

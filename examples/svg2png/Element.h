@@ -30,6 +30,8 @@ public:
     // The fragment that href, or the older xlink:href, points to in this document ("#part" gives
     // "part"); nothing for other links.
     std::optional<std::string> linkedId() const;
+    // The whole link.
+    std::optional<std::string> link() const;
     // The text inside, its descendants' included.
     std::string text() const;
 

@@ -19,6 +19,8 @@ struct Releaser {
 
 using Path = std::unique_ptr<std::remove_pointer_t<CGMutablePathRef>, Releaser<CGPathRelease>>;
 using Context = std::unique_ptr<std::remove_pointer_t<CGContextRef>, Releaser<CGContextRelease>>;
+using Image = std::unique_ptr<std::remove_pointer_t<CGImageRef>, Releaser<CGImageRelease>>;
+using ColorRef = std::unique_ptr<std::remove_pointer_t<CGColorRef>, Releaser<CGColorRelease>>;
 using ColorSpace =
     std::unique_ptr<std::remove_pointer_t<CGColorSpaceRef>, Releaser<CGColorSpaceRelease>>;
 using GradientRef =

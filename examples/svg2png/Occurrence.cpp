@@ -111,41 +111,60 @@ double viewportLength(const Occurrence& occurrence, const char* attribute, Axis 
     return occurrence.length(attribute, axis, whole);
 }
 
-// svg and symbol. The outermost svg's viewport is the picture, whatever its attributes say; without
-// a view box it is drawn to scale with the size that it gives itself.
+// Scales a document of its own size to the picture and centres it. What is less than a pixel is
+// left over by rounding the picture's size, and moves nothing.
+CGAffineTransform fitPicture(const Size& own, const Viewport& picture) {
+    const double scale = std::min(picture.width / own.width, picture.height / own.height);
+    const auto before = [](double leftOver) { return leftOver < 1 ? 0 : leftOver / 2; };
+    return CGAffineTransformMake(toCoordinate(scale), 0, 0, toCoordinate(scale),
+                                 toCoordinate(before(picture.width - own.width * scale)),
+                                 toCoordinate(before(picture.height - own.height * scale)));
+}
+
+// svg and symbol. The outermost svg has the size that it gives itself, which fills the picture.
 Interior interiorOfViewport(Scene& scene, const Occurrence& occurrence) {
     const Element element = occurrence.element;
     const bool isOutermost = !occurrence.parent;
-    const auto get = [&](const char* name, Axis axis) {
-        return isOutermost ? occurrence.viewport.extent(axis)
-                           : viewportLength(occurrence, name, axis);
-    };
-    const Viewport viewport = {get("width", Axis::X), get("height", Axis::Y)};
-    if (!(viewport.width > 0 && viewport.height > 0))
+    const Size own = isOutermost ? sizeOf(scene.document)
+                                 : Size{viewportLength(occurrence, "width", Axis::X),
+                                        viewportLength(occurrence, "height", Axis::Y)};
+    if (!(own.width > 0 && own.height > 0))
         return {};
 
-    auto box = parseViewBox(element.attribute("viewBox").value_or(std::string()));
-    if (!box && isOutermost) {
-        const Size size = sizeOf(scene.document);
-        box = ViewBox{0, 0, size.width, size.height};
-    }
+    const auto box = parseViewBox(element.attribute("viewBox").value_or(std::string()));
     const double x = isOutermost ? 0 : occurrence.length("x", Axis::X);
     const double y = isOutermost ? 0 : occurrence.length("y", Axis::Y);
     Interior interior;
-    interior.transform = CGAffineTransformMakeTranslation(toCoordinate(x), toCoordinate(y));
+    interior.transform = isOutermost
+                             ? fitPicture(own, occurrence.viewport)
+                             : CGAffineTransformMakeTranslation(toCoordinate(x), toCoordinate(y));
     if (box) {
         const AspectRatio ratio =
             parseAspectRatio(element.attribute("preserveAspectRatio").value_or(std::string()));
-        interior.transform = CGAffineTransformConcat(
-            fitViewBox(*box, ratio, viewport.width, viewport.height), interior.transform);
+        interior.transform = CGAffineTransformConcat(fitViewBox(*box, ratio, own.width, own.height),
+                                                     interior.transform);
     }
     if (occurrence.style.clipsOverflow && !isOutermost)
-        interior.clip = toRect(x, y, viewport.width, viewport.height);
-    addChildren(scene, occurrence, box ? Viewport{box->width, box->height} : viewport, interior);
+        interior.clip = toRect(x, y, own.width, own.height);
+    addChildren(scene, occurrence,
+                box ? Viewport{box->width, box->height} : Viewport{own.width, own.height},
+                interior);
     return interior;
 }
 
 } // namespace
+
+InUse::InUse(Scene& scene, Element element)
+    : scene_(scene), isFirst_(std::ranges::find(scene.inUse, element) == scene.inUse.end()) {
+    scene.inUse.push_back(element);
+    if (!isFirst_)
+        scene.report.warn("a " + std::string(element.name()) +
+                          " that needs itself is left out there");
+}
+
+InUse::~InUse() {
+    scene_.inUse.pop_back();
+}
 
 double Occurrence::length(const char* attribute, Axis axis, double fallback) const {
     const auto text = element.attribute(attribute);
@@ -167,6 +186,32 @@ Occurrence occurInPlace(const Scene& scene, Element element) {
     std::for_each(ancestors.rbegin(), ancestors.rend(),
                   [&](Element next) { style = computeStyle(scene.document, next, style); });
     return {element, style, {}, nullptr, 0};
+}
+
+Occurrence occurFor(const Scene& scene, const Occurrence& user, Element element) {
+    Occurrence occurrence = occurInPlace(scene, element);
+    occurrence.viewport = user.viewport;
+    occurrence.depth = user.depth + 1;
+    return occurrence;
+}
+
+Units unitsOf(Element element, const char* attribute, Units otherwise) {
+    const auto text = element.attribute(attribute);
+    return text == "objectBoundingBox" ? Units::BoundingBox
+           : text == "userSpaceOnUse"  ? Units::UserSpace
+                                       : otherwise;
+}
+
+CGAffineTransform boxToUserSpace(CGRect box) {
+    return CGAffineTransformMake(box.size.width, 0, 0, box.size.height, box.origin.x, box.origin.y);
+}
+
+CGRect regionIn(Occurrence element, const Viewport& whole) {
+    element.viewport = whole;
+    return toRect(element.length("x", Axis::X, -0.1 * whole.width),
+                  element.length("y", Axis::Y, -0.1 * whole.height),
+                  element.length("width", Axis::X, 1.2 * whole.width),
+                  element.length("height", Axis::Y, 1.2 * whole.height));
 }
 
 bool isContainer(const Occurrence& occurrence) {

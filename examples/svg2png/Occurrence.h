@@ -16,6 +16,25 @@ struct Scene {
     Report& report;
     // How many more occurrences may be visited: a few nested uses can ask for billions.
     std::size_t budget = 500'000;
+    // The masks, markers and patterns that are being drawn.
+    std::vector<Element> inUse = {};
+};
+
+// Notes that an element is being drawn for others while the scope lasts, so that it does not come
+// to draw itself.
+class InUse {
+public:
+    InUse(Scene& scene, Element element);
+    ~InUse();
+    InUse(const InUse&) = delete;
+    InUse& operator=(const InUse&) = delete;
+
+    // False, having told the user, when it is being drawn already.
+    explicit operator bool() const { return isFirst_; }
+
+private:
+    Scene& scene_;
+    bool isFirst_;
 };
 
 // One element where it is drawn. Through use the same element may occur several times, with
@@ -39,6 +58,9 @@ Occurrence occurIn(const Scene& scene, const Occurrence& parent, Element element
 // it stands, whoever refers to it.
 Occurrence occurInPlace(const Scene& scene, Element element);
 
+// The same, drawn for `user`.
+Occurrence occurFor(const Scene& scene, const Occurrence& user, Element element);
+
 // What is drawn inside an element.
 struct Interior {
     std::vector<Occurrence> children;
@@ -50,6 +72,15 @@ struct Interior {
 bool isContainer(const Occurrence& occurrence);
 // The children keep a pointer to `occurrence`, which must outlive them.
 Interior interiorOf(Scene& scene, const Occurrence& occurrence);
+
+// Where a rectangle of an element that others refer to lies: its sides are parts of the bounding
+// box of what refers to it, or lengths in that one's user space.
+enum class Units { BoundingBox, UserSpace };
+Units unitsOf(Element element, const char* attribute, Units otherwise);
+CGAffineTransform boxToUserSpace(CGRect box);
+// The region of a mask or filter, which is a tenth larger on each side than `whole` if its
+// attributes say nothing else.
+CGRect regionIn(Occurrence element, const Viewport& whole);
 
 // The element's transform attribute; the identity when there is none that can be read.
 CGAffineTransform transformOf(Element element);

@@ -91,9 +91,8 @@ public:
         const auto own = parseTransform(find("gradientTransform").value_or(std::string()));
         gradient.toUserSpace = own.value_or(CGAffineTransformIdentity);
         if (isInBox_)
-            gradient.toUserSpace = CGAffineTransformConcat(
-                gradient.toUserSpace, CGAffineTransformMake(box_.size.width, 0, 0, box_.size.height,
-                                                            box_.origin.x, box_.origin.y));
+            gradient.toUserSpace =
+                CGAffineTransformConcat(gradient.toUserSpace, boxToUserSpace(box_));
     }
 
 private:

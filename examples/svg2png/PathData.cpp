@@ -32,7 +32,8 @@ char absolute(char command) {
 // precision, so that long chains of relative commands do not drift.
 class PathReader {
 public:
-    PathReader(std::string_view text, CGMutablePathRef path) : scanner_(text), path_(path) {}
+    PathReader(std::string_view text, CGMutablePathRef path, std::vector<CGPoint>* arcJoints)
+        : scanner_(text), path_(path), arcJoints_(arcJoints) {}
 
     void readAll();
 
@@ -64,6 +65,7 @@ private:
 
     Scanner scanner_;
     CGMutablePathRef path_;
+    std::vector<CGPoint>* arcJoints_;
     Point current_;
     Point start_;       // Of the subpath.
     Point control_;     // The last curve's second control point.
@@ -250,7 +252,7 @@ bool PathReader::readArc(bool relative) {
         return false;
     beginSegment();
     addArc(path_, current_.x, current_.y,
-           {*radiusX, *radiusY, *rotation, *isLarge, *isSweep, end->x, end->y});
+           {*radiusX, *radiusY, *rotation, *isLarge, *isSweep, end->x, end->y}, arcJoints_);
     current_ = *end;
     return true;
 }
@@ -310,7 +312,8 @@ CentreArc toCentre(Point start, const Arc& arc) {
 
 } // namespace
 
-void addArc(CGMutablePathRef path, double startX, double startY, const Arc& arc) {
+void addArc(CGMutablePathRef path, double startX, double startY, const Arc& arc,
+            std::vector<CGPoint>* joints) {
     if (startX == arc.x && startY == arc.y)
         return;
     if (arc.radiusX == 0 || arc.radiusY == 0) {
@@ -334,13 +337,15 @@ void addArc(CGMutablePathRef path, double startX, double startY, const Arc& arc)
         CGPathAddCurveToPoint(path, nullptr, toCoordinate(control1.x), toCoordinate(control1.y),
                               toCoordinate(control2.x), toCoordinate(control2.y),
                               toCoordinate(end.x), toCoordinate(end.y));
+        if (joints && i + 1 < count)
+            joints->push_back(toPoint(end.x, end.y));
     }
 }
 
-Path parsePathData(std::string_view text) {
+Path parsePathData(std::string_view text, std::vector<CGPoint>* arcJoints) {
     Path path(CGPathCreateMutable());
     if (path)
-        PathReader(text, path.get()).readAll();
+        PathReader(text, path.get(), arcJoints).readAll();
     return path;
 }
 

@@ -4,6 +4,7 @@
 #include "Handles.h"
 
 #include <string_view>
+#include <vector>
 
 namespace svg {
 
@@ -18,11 +19,16 @@ struct Arc {
     double x = 0;
     double y = 0;
 };
-// Appends it as cubic curves to a path whose current point is the start.
-void addArc(CGMutablePathRef path, double startX, double startY, const Arc& arc);
+// Appends it as cubic curves to a path whose current point is the start. Where one curve goes over
+// into the next is added to `joints`, which may be NULL.
+void addArc(CGMutablePathRef path, double startX, double startY, const Arc& arc,
+            std::vector<CGPoint>* joints = nullptr);
 
 // The path that path data describes. As the SVG standard asks, a mistake ends the path but what
 // stands before it is drawn; the result is never NULL unless memory runs out.
-Path parsePathData(std::string_view text);
+//
+// `arcJoints`, which may be NULL, gets the points within arcs at which the path has curves end that
+// the text does not speak of.
+Path parsePathData(std::string_view text, std::vector<CGPoint>* arcJoints = nullptr);
 
 } // namespace svg

@@ -18,7 +18,6 @@ namespace svg {
 
 namespace {
 
-using Image = std::unique_ptr<std::remove_pointer_t<CGImageRef>, Releaser<CGImageRelease>>;
 using Data = std::unique_ptr<std::remove_pointer_t<CFMutableDataRef>, Releaser<CFRelease>>;
 using Destination =
     std::unique_ptr<std::remove_pointer_t<CGImageDestinationRef>, Releaser<CFRelease>>;

@@ -2,6 +2,10 @@
 
 #include "Renderer.h"
 
+#include "Filters.h"
+#include "Images.h"
+#include "Markers.h"
+#include "Masks.h"
 #include "Paint.h"
 #include "Shapes.h"
 
@@ -38,7 +42,7 @@ CGBlendMode blendModeNamed(std::string_view name) {
 
 // Elements that would leave marks if we could draw them; the others hold definitions and notes.
 bool leavesMarks(Element element) {
-    constexpr std::array names = {"text", "image", "foreignObject"};
+    constexpr std::array names = {"text", "foreignObject"};
     return std::ranges::any_of(names, [&](auto name) { return element.is(name); });
 }
 
@@ -50,14 +54,13 @@ void Renderer::draw(const Occurrence& occurrence) {
     if (!style.isDisplayed || style.opacity == 0)
         return;
     const Path path = shapePath(occurrence);
-    if (!path && !isContainer(occurrence)) {
+    if (!path && !isContainer(occurrence) && !occurrence.element.is("image")) {
         if (leavesMarks(occurrence.element))
             scene_.report.cannotDraw(occurrence.element.name());
         return;
     }
-    if (path && !style.isVisible)
+    if ((path || occurrence.element.is("image")) && !style.isVisible)
         return;
-    reportEffects(occurrence);
     const SavedState saved(context_);
     CGContextConcatCTM(context_, transformOf(occurrence.element));
     drawGroup(occurrence, path.get());
@@ -68,10 +71,16 @@ void Renderer::draw(const Occurrence& occurrence) {
 void Renderer::drawGroup(const Occurrence& occurrence, CGPathRef path) {
     const Style& style = occurrence.style;
     const bool blends = !style.blendMode.empty();
-    const bool folds = path && paintsOnce(style) && !blends;
+    const bool folds = path && paintsOnce(style) && !blends && !hasMarkers(occurrence) &&
+                       !hasFilter(scene_, occurrence);
+    const auto unfiltered = [&](CGContextRef target) {
+        Renderer(scene_, target).drawContent(occurrence, path, folds ? style.opacity : 1);
+    };
     const auto content = [&] {
-        clipPaths_.limit(occurrence,
-                         [&] { drawContent(occurrence, path, folds ? style.opacity : 1); });
+        drawMasked(scene_, context_, occurrence, [&] {
+            clipPaths_.limit(occurrence,
+                             [&] { drawFiltered(scene_, context_, occurrence, path, unfiltered); });
+        });
     };
     if (folds || (style.opacity == 1 && !blends && !style.isIsolated))
         return content();
@@ -82,10 +91,14 @@ void Renderer::drawGroup(const Occurrence& occurrence, CGPathRef path) {
 }
 
 void Renderer::drawContent(const Occurrence& occurrence, CGPathRef path, double opacity) {
-    if (path)
+    if (path) {
         paintShape(scene_, context_, occurrence, path, opacity);
-    else
+        drawMarkers(scene_, context_, occurrence, path);
+    } else if (occurrence.element.is("image")) {
+        drawImage(scene_, context_, occurrence);
+    } else {
         drawInterior(occurrence);
+    }
 }
 
 // The viewport's clip is given in the space outside, before the view box maps the children.
@@ -99,23 +112,16 @@ void Renderer::drawInterior(const Occurrence& occurrence) {
         draw(child);
 }
 
-// A reference to what does not exist has no effect, and is no loss.
-void Renderer::reportEffects(const Occurrence& occurrence) {
-    const Style& style = occurrence.style;
-    if (scene_.document.find(style.maskId).is("mask"))
-        scene_.report.cannotDraw("mask", "what it would hide is shown");
-    if (scene_.document.find(style.filterId).is("filter"))
-        scene_.report.cannotDraw("filter", "what it would change is drawn unchanged");
-    if (style.hasMarkers && !isContainer(occurrence))
-        scene_.report.cannotDraw("marker");
+Context makeBitmap(std::size_t width, std::size_t height) {
+    const ColorSpace rgb(CGColorSpaceCreateDeviceRGB());
+    constexpr std::size_t bitsPerComponent = 8, bytesPerPixel = 4;
+    return Context(CGBitmapContextCreate(
+        nullptr, width, height, bitsPerComponent, width * bytesPerPixel, rgb.get(),
+        CGBitmapInfo(kCGImageAlphaPremultipliedFirst) | kCGBitmapByteOrder32Little));
 }
 
 Context render(const Document& document, std::size_t width, std::size_t height, Report& report) {
-    const ColorSpace rgb(CGColorSpaceCreateDeviceRGB());
-    constexpr std::size_t bitsPerComponent = 8, bytesPerPixel = 4;
-    Context context(CGBitmapContextCreate(
-        nullptr, width, height, bitsPerComponent, width * bytesPerPixel, rgb.get(),
-        CGBitmapInfo(kCGImageAlphaPremultipliedFirst) | kCGBitmapByteOrder32Little));
+    Context context = makeBitmap(width, height);
     if (!context)
         return nullptr;
     // User space starts at the bottom with y up; an SVG picture starts at the top with y down.

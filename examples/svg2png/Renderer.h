@@ -22,12 +22,15 @@ private:
     void drawGroup(const Occurrence& occurrence, CGPathRef path);
     void drawContent(const Occurrence& occurrence, CGPathRef path, double opacity);
     void drawInterior(const Occurrence& occurrence);
-    void reportEffects(const Occurrence& occurrence);
 
     Scene& scene_;
     CGContextRef context_;
     ClipPaths clipPaths_;
 };
+
+// A bitmap to draw into, 32-bit BGRA premultiplied, transparent, its user space's origin at the
+// bottom left. NULL when there is no memory for it.
+Context makeBitmap(std::size_t width, std::size_t height);
 
 // A picture of the document that fills width × height pixels, 32-bit BGRA premultiplied, top row
 // first. NULL when there is no memory for it.

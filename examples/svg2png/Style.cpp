@@ -179,8 +179,11 @@ std::optional<bool> parseIsolation(std::string_view text) {
 std::optional<bool> parseVectorEffect(std::string_view text) {
     return text == "non-scaling-stroke";
 }
-std::optional<bool> parseMarker(std::string_view text) {
-    return text != "none";
+std::optional<bool> parseImageRendering(std::string_view text) {
+    return text != "optimizeSpeed" && text != "pixelated" && text != "crisp-edges";
+}
+std::optional<bool> parseMaskType(std::string_view text) {
+    return text != "alpha";
 }
 std::optional<std::string> parseBlendMode(std::string_view text) {
     return text == "normal" ? std::string() : std::string(text);
@@ -206,6 +209,20 @@ constexpr Property property(std::string_view name) {
             [](Style& style) { style.*Member = Style().*Member; }};
 }
 
+// "marker" stands for its three kinds.
+constexpr Property kMarkers = {
+    "marker",
+    [](Style& style, std::string_view value) {
+        if (const auto id = parseReference(value))
+            style.markerStartId = style.markerMidId = style.markerEndId = *id;
+    },
+    [](Style& style, const Style& parent) {
+        style.markerStartId = parent.markerStartId;
+        style.markerMidId = parent.markerMidId;
+        style.markerEndId = parent.markerEndId;
+    },
+    [](Style& style) { style.markerStartId = style.markerMidId = style.markerEndId = {}; }};
+
 // Sorted by name for the binary search below. Properties that are not here change nothing that this
 // program draws.
 constexpr std::array kProperties = {
@@ -217,13 +234,17 @@ constexpr std::array kProperties = {
     property<&Style::fillOpacity, parseOpacity>("fill-opacity"),
     property<&Style::fillRule, parseFillRule>("fill-rule"),
     property<&Style::filterId, parseReference>("filter"),
+    property<&Style::floodColor, parseColorValue>("flood-color"),
+    property<&Style::floodOpacity, parseOpacity>("flood-opacity"),
     property<&Style::fontSize, parseFontSize>("font-size"),
+    property<&Style::isSmoothed, parseImageRendering>("image-rendering"),
     property<&Style::isIsolated, parseIsolation>("isolation"),
-    property<&Style::hasMarkers, parseMarker>("marker"),
-    property<&Style::hasMarkers, parseMarker>("marker-end"),
-    property<&Style::hasMarkers, parseMarker>("marker-mid"),
-    property<&Style::hasMarkers, parseMarker>("marker-start"),
+    kMarkers,
+    property<&Style::markerEndId, parseReference>("marker-end"),
+    property<&Style::markerMidId, parseReference>("marker-mid"),
+    property<&Style::markerStartId, parseReference>("marker-start"),
     property<&Style::maskId, parseReference>("mask"),
+    property<&Style::masksByLuminance, parseMaskType>("mask-type"),
     property<&Style::blendMode, parseBlendMode>("mix-blend-mode"),
     property<&Style::opacity, parseOpacity>("opacity"),
     property<&Style::clipsOverflow, parseOverflow>("overflow"),

@@ -50,7 +50,10 @@ struct InheritedStyle {
     PaintOrder paintOrder = PaintOrder::FillFirst;
     Length fontSize = {16, Unit::Pixel};
     bool isVisible = true;
-    bool hasMarkers = false;
+    bool isSmoothed = true;    // Of images that are scaled.
+    std::string markerStartId; // These three are empty for "none".
+    std::string markerMidId;
+    std::string markerEndId;
 };
 
 // Properties of one element alone.
@@ -64,8 +67,11 @@ struct OwnStyle {
     std::string maskId;
     std::string filterId;
     std::string blendMode;
+    bool masksByLuminance = true;
     ColorValue stopColor;
     double stopOpacity = 1;
+    ColorValue floodColor; // Of filter primitives.
+    double floodOpacity = 1;
 };
 
 struct Style : InheritedStyle, OwnStyle {
