@@ -175,6 +175,53 @@ TEST(ColorSpaceProfile, MakesASpaceThatGivesItsDataBack) {
     EXPECT_FALSE(CGColorSpaceCreateICCBased(3, nullptr, nullptr, nullptr));
 }
 
+TEST(ColorSpaceProfile, MakesASpaceOfDataProvidersAndLists) {
+    const Data data = bytesOf(cmsCreate_sRGBProfile());
+    const auto provider = cf::adopt(CGDataProviderCreateWithCFData(data.get()));
+    const struct {
+        const char* what;
+        Space space;
+        bool isMade;
+    } cases[] = {
+        {"data", cf::adopt(CGColorSpaceCreateWithICCData(data.get())), true},
+        {"a provider", cf::adopt(CGColorSpaceCreateWithICCData(provider.get())), true},
+        {"a profile", cf::adopt(CGColorSpaceCreateWithColorSyncProfile(data.get(), nullptr)), true},
+        {"a list of data", cf::adopt(CGColorSpaceCreateWithPropertyList(data.get())), true},
+        {"text", cf::adopt(CGColorSpaceCreateWithICCData(CFSTR("profile"))), false},
+        {"a list of another kind", cf::adopt(CGColorSpaceCreateWithPropertyList(kCFBooleanTrue)),
+         false},
+        {"an unknown name", cf::adopt(CGColorSpaceCreateWithPropertyList(CFSTR("mine"))), false},
+    };
+    for (const auto& [what, space, isMade] : cases) {
+        ASSERT_EQ(bool(space), isMade) << what;
+        const Data back = cf::adopt(CGColorSpaceCopyICCData(space.get()));
+        EXPECT_EQ(isMade, back && CFEqual(back.get(), data.get())) << what;
+    }
+}
+
+TEST(ColorSpaceProfile, ListsBringSpacesBack) {
+    const Data data = bytesOf(cmsCreate_sRGBProfile());
+    const Space spaces[] = {cf::adopt(CGColorSpaceCreateWithICCProfile(data.get())), sRGB(),
+                            cf::adopt(CGColorSpaceCreateDeviceGray()),
+                            cf::adopt(CGColorSpaceCreateDeviceRGB()),
+                            cf::adopt(CGColorSpaceCreateDeviceCMYK())};
+    for (const Space& space : spaces) {
+        const auto list = cf::adopt<CFTypeRef>(CGColorSpaceCopyPropertyList(space.get()));
+        ASSERT_TRUE(CFPropertyListIsValid(list.get(), kCFPropertyListBinaryFormat_v1_0));
+        const Space back = cf::adopt(CGColorSpaceCreateWithPropertyList(list.get()));
+        ASSERT_TRUE(back);
+        EXPECT_TRUE(CFEqual(back.get(), space.get()));
+        EXPECT_EQ(XGColorSpaceIsSRGB(back.get()), XGColorSpaceIsSRGB(space.get()));
+        const Data profile = cf::adopt(CGColorSpaceCopyICCData(space.get()));
+        const Data again = cf::adopt(CGColorSpaceCopyICCData(back.get()));
+        EXPECT_EQ(bool(profile), bool(again));
+        if (profile)
+            EXPECT_TRUE(CFEqual(profile.get(), again.get()));
+    }
+    const Space lab = cf::adopt(CGColorSpaceCreateLab(kWhite, nullptr, nullptr));
+    EXPECT_FALSE(CGColorSpaceCopyPropertyList(lab.get()));
+}
+
 TEST(ColorSpaceProfile, WarnsOfComponentsThatColorsCannotHave) {
     const Data xyz = bytesOf(cmsCreateXYZProfile());
     CollectedLog log;

@@ -195,6 +195,39 @@ TEST(DataProvider, CropsWithoutCopying) {
     }
 }
 
+TEST(DataProvider, LendsPremultipliedDataThroughCrops) {
+    ByteSource source = counting(100);
+    XGDataProviderDirectCallbacks callbacks = {};
+    callbacks.getPremultipliedBytePointer = test::getPointer;
+    callbacks.releasePremultipliedBytePointer = test::releasePointer;
+    callbacks.purgePremultipliedData = [](void* info) { test::sourceOf(info).note("purge"); };
+    const Provider whole = cf::adopt(XGDataProviderCreateDirect(&source, 100, &callbacks));
+    const auto cropOf = [](const Provider& provider, std::int64_t offset) {
+        return cf::adopt(XGDataProviderCreateCroppedWithProvider(provider.get(), offset, 20, 8, 2));
+    };
+    const Provider crop = cropOf(whole, 30), inner = cropOf(crop, 0), beyond = cropOf(whole, 80);
+    EXPECT_EQ(XGDataProviderLockPremultipliedData(crop.get()), source.bytes.data() + 30);
+    EXPECT_EQ(XGDataProviderLockPremultipliedData(crop.get()), source.bytes.data() + 30);
+    EXPECT_EQ(XGDataProviderLockPremultipliedData(inner.get()), source.bytes.data() + 30);
+    EXPECT_EQ(XGDataProviderLockPremultipliedData(beyond.get()), nullptr) << "ends too late";
+    EXPECT_EQ(XGDataProviderLockPlanarData(crop.get()), nullptr) << "planes lie apart";
+    {
+        const CollectedLog log;
+        XGDataProviderPurge(whole.get());
+        EXPECT_EQ(log.lines().size(), 1u) << "the crop holds the premultiplied data";
+    }
+    XGDataProviderUnlockPremultipliedData(inner.get());
+    XGDataProviderUnlockPremultipliedData(crop.get());
+    EXPECT_THAT(source.calls, ElementsAre("lend"));
+    XGDataProviderUnlockPremultipliedData(crop.get());
+    EXPECT_THAT(source.calls, ElementsAre("lend", "back"));
+    XGDataProviderPurge(whole.get());
+    EXPECT_THAT(source.calls, ElementsAre("lend", "back", "purge"));
+    ByteSource plain = counting(100);
+    const Provider other = cropOf(test::makeProvider(SourceKind::Pointer, plain), 30);
+    EXPECT_EQ(XGDataProviderLockPremultipliedData(other.get()), nullptr) << "no such callback";
+}
+
 TEST(DataProvider, ReadsFilesMappedOrNot) {
     const test::TemporaryFolder folder;
     const std::string path = folder.write("name with space", "contents");

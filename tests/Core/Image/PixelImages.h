@@ -22,15 +22,19 @@ struct ImageWords {
     const CGFloat* decode = nullptr;
 };
 
-// `bytes` are not copied. No bytes per row: as many as the pixels take.
-inline Image makeImage(const ImageWords& words, const Bytes& bytes) {
-    const auto provider =
-        cf::adopt(CGDataProviderCreateWithData(nullptr, bytes.data(), bytes.size(), nullptr));
+// No bytes per row: as many as the pixels take.
+inline Image makeImage(const ImageWords& words, const cf::Ref<CGDataProviderRef>& provider) {
     const std::size_t row =
         words.bytesPerRow ? words.bytesPerRow : (words.width * words.bitsPerPixel + 7) / 8;
     return cf::adopt(CGImageCreate(words.width, words.height, words.bits, words.bitsPerPixel, row,
                                    words.space, words.info, provider.get(), words.decode, false,
                                    kCGRenderingIntentDefault));
+}
+
+// `bytes` are not copied.
+inline Image makeImage(const ImageWords& words, const Bytes& bytes) {
+    return makeImage(words, cf::adopt(CGDataProviderCreateWithData(nullptr, bytes.data(),
+                                                                   bytes.size(), nullptr)));
 }
 
 inline Image makeMask(std::size_t width, std::size_t height, std::size_t bits, const Bytes& bytes,

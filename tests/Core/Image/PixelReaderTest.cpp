@@ -4,8 +4,10 @@
 #include "XGImage.h"
 #include "XGImageOrientation.h"
 
+#include "Core/Image/CGImageRecord.h"
 #include "PixelImages.h"
 #include "Support/CollectedLog.h"
+#include "Support/ProviderModel.h"
 
 #include <gmock/gmock.h>
 #include <lcms2.h>
@@ -14,6 +16,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <span>
 
 namespace {
 
@@ -24,6 +27,28 @@ using testing::Optional;
 
 const CGColorSpaceRef kGray = XGColorSpaceGetDeviceGray();
 const CGColorSpaceRef kRGB = XGColorSpaceGetDeviceRGB();
+
+// ---- Uploaded images
+
+std::vector<CGImageRef> finalizedUploads;
+
+TEST(UploadedImage, IsToldOfWhenItGoes) {
+    cg::setUploadedImageObserver([](CGImageRef image) { finalizedUploads.push_back(image); });
+    const Bytes bytes(4);
+    test::Image uploaded = test::makeImage({.width = 4, .space = kGray}, bytes);
+    test::Image takenBack = test::makeImage({.width = 4, .space = kGray}, bytes);
+    XGImageSetUploaded(uploaded.get(), true);
+    XGImageSetUploaded(takenBack.get(), true);
+    XGImageSetUploaded(takenBack.get(), false);
+    const CGImageRef expected = uploaded.get();
+    test::Image copy = cf::adopt(CGImageCreateCopy(uploaded.get()));
+    copy = nullptr;
+    takenBack = nullptr;
+    EXPECT_THAT(finalizedUploads, ElementsAre()) << "a copy is not uploaded";
+    uploaded = nullptr;
+    EXPECT_THAT(finalizedUploads, ElementsAre(expected));
+    cg::setUploadedImageObserver(nullptr);
+}
 
 // ---- Decode arrays
 
@@ -237,6 +262,36 @@ TEST(PixelReader, ReadsNothingBeyondTheProvidersEnd) {
                 EXPECT_THAT(log.lines(),
                             ElementsAre(testing::StartsWith("3 _ImageDataProviderRead: Failed")));
         }
+}
+
+// Rows in any order: a stream has to go back for them.
+TEST(PixelReader, ReadsRowsOfStreamsAsThoseOfMemory) {
+    constexpr std::size_t kRow = 13 * 3, kHeight = 7;
+    Bytes bytes(kRow * kHeight);
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<std::uint8_t>(i * 89 % 251);
+    const test::ImageWords words = {
+        .width = 13, .height = kHeight, .bits = 8, .bitsPerPixel = 24, .space = kRGB};
+    const XGPixelRequest request = {.bitsPerComponent = 8};
+    for (const auto kind : test::kSourceKinds) {
+        test::ByteSource source = {.bytes = bytes};
+        const auto image = test::makeImage(words, test::makeProvider(kind, source));
+        const auto part =
+            cf::adopt(CGImageCreateWithImageInRect(image.get(), CGRectMake(2, 1, 9, 5)));
+        for (const std::size_t row : {4u, 0u, 6u, 1u, 1u}) {
+            Bytes read(kRow), cropped(9 * 3);
+            ASSERT_TRUE(XGImageReadPixels(image.get(), &request, row, 1, read.data(), kRow));
+            EXPECT_TRUE(std::ranges::equal(read, std::span(bytes).subspan(row * kRow, kRow)))
+                << "kind " << int(kind) << ", row " << row;
+            if (row > 4)
+                continue;
+            ASSERT_TRUE(
+                XGImageReadPixels(part.get(), &request, row, 1, cropped.data(), cropped.size()));
+            EXPECT_TRUE(std::ranges::equal(
+                cropped, std::span(bytes).subspan((row + 1) * kRow + 6, cropped.size())))
+                << "kind " << int(kind) << ", row " << row << " of the crop";
+        }
+    }
 }
 
 TEST(PixelReader, RefusesSizesThatCannotBeCounted) {
