@@ -7,8 +7,12 @@
 
 #include "Backend/Raster/ImagePixels.h"
 #include "Backend/Raster/SkiaConversions.h"
+#include "include/core/SkBitmap.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <limits>
+#include <optional>
 
 namespace cg {
 
@@ -61,15 +65,11 @@ SkRect ownEdges(CGRect rect, CFArrayRef paths, XGClippingRef outer) {
     return edges;
 }
 
-// The mask, which has been baked: gray along the axes. Clips all when it cannot be read.
-void clipToMask(Surface& surface, XGClippingRef clipping) {
-    const auto pixels =
-        ImagePixels::of(XGClippingGetMask(clipping), nullptr, kCGRenderingIntentDefault);
-    if (!pixels || pixels->pixmap().colorType() != kGray_8_SkColorType) {
-        surface.clipOut();
-        return;
-    }
-    const SkPixmap& gray = pixels->pixmap();
+// Where coverage lies that a clipping's mask, which has been baked, has as its gray.
+std::optional<PlacedImage> coverageOf(const ImagePixels& pixels, XGClippingRef clipping) {
+    const SkPixmap& gray = pixels.pixmap();
+    if (gray.colorType() != kGray_8_SkColorType)
+        return std::nullopt;
     PlacedImage coverage = {
         .pixels = SkPixmap(
             gray.info().makeColorType(kAlpha_8_SkColorType).makeAlphaType(kPremul_SkAlphaType),
@@ -77,7 +77,59 @@ void clipToMask(Surface& surface, XGClippingRef clipping) {
         .rect = toSkia(XGClippingGetMaskRect(clipping))};
     coverage.toDevice = turnedAround(coverage.rect);
     coverage.sampling = SkSamplingOptions(SkFilterMode::kLinear);
-    surface.clipMask(coverage);
+    return coverage;
+}
+
+// The coverage over a rectangle of whole device pixels. Empty when memory runs out.
+SkBitmap over(const SkRect& box, const PlacedImage& coverage) {
+    SkBitmap bitmap;
+    const SkIRect area = box.roundOut();
+    if (!bitmap.tryAllocPixelsFlags(SkImageInfo::MakeA8(area.width(), area.height()),
+                                    SkBitmap::kZeroPixels_AllocFlag))
+        return {};
+    Surface surface(bitmap.pixmap(), area.bottom(), {area.left(), 0});
+    surface.drawImage(coverage, SkPaint());
+    return bitmap;
+}
+
+// A mask set inside a transparency layer contains the one from outside, the lesser of the two in
+// each place, and that one will be applied to the layer again: what is left is their quotient.
+bool divide(const SkBitmap& mask, const SkBitmap& outer) {
+    if (mask.isNull() || outer.isNull())
+        return false;
+    for (int y = 0; y < mask.height(); ++y) {
+        std::uint8_t* const row = mask.getAddr8(0, y);
+        const std::uint8_t* const outerRow = outer.getAddr8(0, y);
+        for (int x = 0; x < mask.width(); ++x) {
+            const int by = outerRow[x];
+            row[x] = by == 0
+                         ? std::uint8_t{0}
+                         : static_cast<std::uint8_t>(std::min(255, (row[x] * 255 + by / 2) / by));
+        }
+    }
+    return true;
+}
+
+// Clips all when a mask cannot be read.
+void clipToMask(Surface& surface, XGClippingRef clipping, XGClippingRef outer) {
+    const auto pixels =
+        ImagePixels::of(XGClippingGetMask(clipping), nullptr, kCGRenderingIntentDefault);
+    auto coverage = pixels ? coverageOf(*pixels, clipping) : std::nullopt;
+    SkBitmap quotient;
+    if (coverage && XGClippingGetMask(outer)) {
+        const auto outerPixels =
+            ImagePixels::of(XGClippingGetMask(outer), nullptr, kCGRenderingIntentDefault);
+        const auto outerCoverage = outerPixels ? coverageOf(*outerPixels, outer) : std::nullopt;
+        quotient = over(coverage->rect, *coverage);
+        if (outerCoverage && divide(quotient, over(coverage->rect, *outerCoverage)))
+            coverage->pixels = quotient.pixmap();
+        else
+            coverage.reset();
+    }
+    if (coverage)
+        surface.clipMask(*coverage);
+    else
+        surface.clipOut();
 }
 
 void applyRectAndPaths(Surface& surface, XGClippingRef clipping, XGClippingRef outer,
@@ -109,7 +161,7 @@ void applyClipping(Surface& surface, XGClippingRef clipping, XGClippingRef outer
     applyRectAndPaths(surface, clipping, outer, antialias);
     const CGImageRef mask = XGClippingGetMask(clipping);
     if (mask && mask != XGClippingGetMask(outer))
-        clipToMask(surface, clipping);
+        clipToMask(surface, clipping, outer);
 }
 
 } // namespace cg

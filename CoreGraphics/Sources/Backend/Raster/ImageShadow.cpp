@@ -61,6 +61,20 @@ sk_sp<SkShader> shifted(const sk_sp<SkShader>& shader, SkVector by) {
 
 } // namespace
 
+SkIRect areaThrowingShadowInto(const SkIRect& shown, const ShadowCast& shadow) {
+    constexpr double kFarthest = 1 << 20, kMostPixels = 1 << 26;
+    const SkVector offset = inPixels(shadow.offset);
+    if (shown.isEmpty() ||
+        !(std::fabs(offset.x()) < kFarthest && std::fabs(offset.y()) < kFarthest))
+        return shown;
+    const int reach = reachOfBlur(shadow.sigma) + 1;
+    SkIRect area = shown.makeOffset(-static_cast<int>(std::lround(offset.x())),
+                                    -static_cast<int>(std::lround(offset.y())));
+    area.outset(reach, reach);
+    area.join(shown);
+    return static_cast<double>(area.width()) * area.height() <= kMostPixels ? area : shown;
+}
+
 void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image,
                      const ShadowCast& shadow, sk_sp<SkShader> pattern) {
     PlacedImage moved = image;

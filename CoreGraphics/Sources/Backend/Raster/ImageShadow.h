@@ -12,6 +12,10 @@ struct ShadowCast {
     SkPaint paint;            // Its colour, and the mask filter that blurs with `sigma`.
 };
 
+// `shown` and all that may throw shadow into it, in columns and rows; `shown` alone where that
+// would be too large to be drawn aside.
+SkIRect areaThrowingShadowInto(const SkIRect& shown, const ShadowCast& shadow);
+
 // The blurred shape of an image, as far as `pattern` covers it, if that is given: a shader over the
 // surface's pixels. `deviceHeight` is the height of the area that the surface shows a part of.
 void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& image,

@@ -1,10 +1,9 @@
-// RasterBackend.cpp: paths, rectangles and transparency layers drawn into a bitmap's pixels.
+// RasterBackend.cpp: paths, rectangles and shadings drawn into a bitmap's pixels.
 
 #include "Backend/Raster/RasterBackend.h"
 
 #include "XGPath.h"
 
-#include "Backend/Raster/DeviceClip.h"
 #include "Backend/Raster/ForeignPixels.h"
 #include "Backend/Raster/ImageShadow.h"
 #include "Backend/Raster/NativeBufferPixels.h"
@@ -54,6 +53,7 @@ bool RasterBackend::setBitmap(const Bitmap& bitmap) {
     }
     space_ = cf::retain(bitmap.space);
     clipIsStale_ = true;
+    outerClipsAreStale_ = !layers_.empty();
     return true;
 }
 
@@ -62,23 +62,6 @@ bool RasterBackend::takeBackPixels() {
         return false;
     takeBack_ = nullptr;
     return true;
-}
-
-// The surface that marks go to, clipped as the state says. The state tells when its clip changed.
-Surface& RasterBackend::surfaceUnderClip(XGGStateRef state, uint32_t flags) {
-    Surface& target = surface();
-    if (!layer_ && !takeBackPixels()) {
-        target.clipOut();
-        clipIsStale_ = true;
-        return target;
-    }
-    if (clipIsStale_ || XGGStateShouldRasterizeClipRegion(state)) {
-        applyClipping(target, XGGStateGetClipping(state),
-                      layer_ ? layer_->outerClipping() : nullptr, antialiasing(state, flags));
-        XGGStateSetShouldRasterizeClipRegion(state, false);
-        clipIsStale_ = false;
-    }
-    return target;
 }
 
 void RasterBackend::drawMark(XGGStateRef state, uint32_t flags, const SkPath& path,
@@ -139,41 +122,6 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
 
 void RasterBackend::drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading) {
     paintShading(surfaceUnderClip(state, flags), state, flags, shading);
-}
-
-// ---- Transparency layers
-
-void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
-    const Surface& parent = surfaceUnderClip(state, flags);
-    auto layer = unmadeLayers_ > 0
-                     ? nullptr
-                     : TransparencyLayer::create(parent, deviceHeight(), XGGStateGetClipping(state),
-                                                 PaintSetup::group(state));
-    if (!layer) {
-        CG_LOG_ERROR("Failed to allocate a transparency layer, drawing without it");
-        ++unmadeLayers_;
-        return;
-    }
-    layer->below = std::move(layer_);
-    layer_ = std::move(layer);
-    clipIsStale_ = true;
-}
-
-void RasterBackend::endTransparencyLayer(XGGStateRef state, uint32_t flags) {
-    if (unmadeLayers_ > 0) {
-        --unmadeLayers_;
-        return;
-    }
-    if (!layer_)
-        return;
-    const std::unique_ptr<TransparencyLayer> ended = std::move(layer_);
-    layer_ = std::move(ended->below);
-    clipIsStale_ = true;
-    Surface& target = surfaceUnderClip(state, flags);
-    if (XGGStateHasShadow(state))
-        drawImageShadow(target, deviceHeight(), ended->placed(),
-                        shadowOf(state, PaintSetup::group(state)));
-    ended->drawOnto(target);
 }
 
 // ---- The seam

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace cg {
 
@@ -41,7 +42,10 @@ public:
 
 private:
     Surface& surfaceUnderClip(XGGStateRef state, uint32_t flags);
-    Surface& surface() { return layer_ ? layer_->surface() : *base_; }
+    Surface& clippedSurface(XGGStateRef state, uint32_t flags);
+    Surface& surface();
+    TransparencyLayer* innermostLayer() const;
+    bool makePixels(TransparencyLayer& layer);
     bool takeBackPixels();
     int deviceHeight() const { return base_->pixels().height(); }
     SkMatrix patternToPixels(XGGStateRef state, CGPatternRef pattern, const Surface& target) const;
@@ -57,9 +61,10 @@ private:
 
     std::optional<Surface> base_;
     cf::Ref<CGColorSpaceRef> space_;
-    std::unique_ptr<TransparencyLayer> layer_; // The innermost open layer.
-    int unmadeLayers_ = 0;    // Layers begun, innermost, for which there was no memory.
+    // Open, the outermost first; NULL where there was no memory for one.
+    std::vector<std::unique_ptr<TransparencyLayer>> layers_;
     bool clipIsStale_ = true; // The surface's clip is not the state's, whatever the state says.
+    bool outerClipsAreStale_ = false;         // The same may hold for the surfaces beneath.
     bool (*takeBack_)(void* owner) = nullptr; // To be called before the next mark in `base_`.
     void* pixelOwner_ = nullptr;
     PaintSetup paints_;
