@@ -2,11 +2,11 @@
 
 #include "Backend/Raster/Surface.h"
 
+#include "Backend/Raster/DirectFill.h"
 #include "include/core/SkBitmap.h"
 #include "include/core/SkShader.h"
 #include "include/core/SkTileMode.h"
 #include "src/core/SkDraw.h"
-#include "src/core/SkMemset.h"
 #include "src/core/SkScan.h"
 
 #include <algorithm>
@@ -21,6 +21,10 @@ namespace {
 // 16.16 fixed point, so that it reaches 2¹³ − 1 pixels.
 constexpr int kLargestTile = 8191;
 
+bool isWithinReach(const SkIRect& area) {
+    return area.right() <= kLargestTile && area.bottom() <= kLargestTile;
+}
+
 // The matrix that turns y around and moves the part that the pixels show to their upper left
 // corner.
 SkMatrix deviceToPixels(int deviceHeight, SkIPoint origin) {
@@ -28,17 +32,11 @@ SkMatrix deviceToPixels(int deviceHeight, SkIPoint origin) {
                              static_cast<float>(deviceHeight - origin.y()), 0, 0, 1);
 }
 
-bool isWhole(const SkRect& rect) {
-    const auto isWholeNumber = [](float value) { return value == std::floor(value); };
-    return isWholeNumber(rect.left()) && isWholeNumber(rect.top()) && isWholeNumber(rect.right()) &&
-           isWholeNumber(rect.bottom());
-}
-
-// Whether the paint replaces what lies beneath with one opaque colour.
-bool isOpaqueFill(const SkPaint& paint) {
-    return paint.isSrcOver() && paint.getAlpha() == 0xFF && !paint.getShader() &&
-           !paint.getColorFilter() && !paint.getMaskFilter() &&
-           paint.getStyle() == SkPaint::kFill_Style;
+// Whether Skia draws the stroke as a line of single pixels, fainter where it is thinner.
+bool isHairline(const SkPaint& paint) {
+    const float width = paint.getStrokeWidth();
+    return paint.getStyle() == SkPaint::kStroke_Style && !paint.getMaskFilter() &&
+           !paint.getPathEffect() && (width == 0 || (width <= 1 && paint.isAntiAlias()));
 }
 
 // Skia puts a shader under the matrix of the mark; this one stays where it is.
@@ -177,7 +175,7 @@ SkIRect Surface::touched(const Mark& mark) const {
 template <typename Draw>
 void Surface::draw(const Mark& mark, Draw&& draw) {
     const SkIRect area = clip_.getBounds();
-    if (lender_ || area.right() > kLargestTile || area.bottom() > kLargestTile) {
+    if (lender_ || !isWithinReach(area)) {
         drawInTiles(mark, draw);
         return;
     }
@@ -205,7 +203,8 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
         return;
     SkMatrix matrix = deviceToPixels_;
     matrix.postTranslate(offset.x(), offset.y());
-    if (paint.getStyle() != SkPaint::kFill_Style) {
+    const bool isFill = paint.getStyle() == SkPaint::kFill_Style;
+    if (!isFill && (!isHairline(paint) || devicePath.isRect(nullptr))) {
         if (paint.getShader())
             strokePath(devicePath, underMatrix(paint, matrix), matrix);
         else
@@ -217,21 +216,14 @@ void Surface::drawPath(const SkPath& devicePath, const SkPaint& paint, SkVector 
          [&](const SkDraw& target) { target.drawPath(pixelPath_, paint, nullptr, false); });
 }
 
-// Whole pixels of one opaque colour under a rectangular clip need no blitter.
-bool Surface::fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint) {
-    if (!clip_.isRect() || clip_.clipShader() ||
-        (pixels_.colorType() != kN32_SkColorType && !lender_) || !isOpaqueFill(paint) ||
-        !isWhole(pixelRect))
+// What a lender's pixels can take in their own format.
+bool Surface::lenderFills(const SkRect& pixelRect, const SkPaint& paint) {
+    if (!lender_ || !clip_.isRect() || clip_.clipShader() || !isPlainFill(paint) ||
+        paint.getAlpha() != 0xFF || !isWhole(pixelRect))
         return false;
     SkIRect area = pixelRect.roundOut();
-    if (!area.intersect(clip_.getBounds()))
-        return true;
-    if (lender_)
+    if (area.intersect(clip_.getBounds()))
         lender_->fill(area, paint.getColor());
-    else
-        SkOpts::rect_memset32(pixels_.writable_addr32(area.left(), area.top()),
-                              SkPreMultiplyColor(paint.getColor()), area.width(),
-                              pixels_.rowBytes(), area.height());
     return true;
 }
 
@@ -240,7 +232,9 @@ void Surface::drawRect(const SkRect& deviceRect, const SkPaint& paint) {
         return;
     SkRect pixelRect;
     deviceToPixels_.mapRectScaleTranslate(&pixelRect, deviceRect);
-    if (fillOpaquePixels(pixelRect, paint))
+    if (lender_
+            ? lenderFills(pixelRect, paint)
+            : isWithinReach(clip_.getBounds()) && fillDirectly(pixels_, clip_, pixelRect, paint))
         return;
     draw({SkMatrix::I(), paint, &pixelRect},
          [&](const SkDraw& target) { target.drawRect(pixelRect, paint); });

@@ -104,7 +104,7 @@ private:
     void drawTile(const SkPixmap& pixels, SkIPoint corner, const SkMatrix& matrix, Draw&& draw);
     std::optional<SkPixmap> tile(const SkIRect& area);
     SkIRect touched(const Mark& mark) const;
-    bool fillOpaquePixels(const SkRect& pixelRect, const SkPaint& paint);
+    bool lenderFills(const SkRect& pixelRect, const SkPaint& paint);
     bool clipsSmoothly(Antialias wanted) const;
 
     SkPixmap pixels_;
