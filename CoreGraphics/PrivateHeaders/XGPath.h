@@ -76,6 +76,25 @@ CG_EXPORT bool _CGPathCanBeStrokedByRects(CGPathRef path, CGLineCap cap, CGLineJ
  *  two have the same elements, otherwise the answer is NULL. `t` may lie outside of 0…1. */
 CG_EXPORT CGPathRef _CGPathCreateBlendedPath(CGPathRef from, CGPathRef to, CGFloat t);
 
+enum { kXGPathFillWinding = 0, kXGPathFillEvenOdd = 1 };
+
+/** Receives triangles: three indices each, into the call's own vertices. */
+typedef void (*XGPathTessellateFunction)(void* info, const CGPoint* vertices, size_t vertexCount,
+                                         const uint32_t* indices, size_t indexCount);
+
+/** How far a chord may lie off a curve, in the path's units, where _CGPathTessellate is not told:
+ * 0.5 at first. To be changed before threads tessellate. */
+CG_EXPORT double _CGPathDefaultTessellateTolerance;
+
+/** Hands the inside of `path` to `function` as triangles that do not overlap, in batches; crossing
+ *  edges are resolved. Open contours count as closed. `fillRule` is one of the two above; another
+ *  aborts the process. Chords keep within `tolerance`, in the path's units, of the curves; 0 or
+ * less and NaN stand for the default. `bounds`, when given, receives the rectangle around the
+ * triangles' corners, the null rectangle without any. False, and no call, without a path, a
+ * function or memory for the sweep, and for points that are not finite. */
+CG_EXPORT bool _CGPathTessellate(CGPathRef path, uint32_t fillRule, double tolerance,
+                                 XGPathTessellateFunction function, void* info, CGRect* bounds);
+
 /** Writes a path into memory of the process, to be read by the next function, and answers how many
  *  bytes it takes; with a NULL buffer it only does the latter. 0 for a NULL path. */
 CG_EXPORT size_t _CGPathWriteToBuffer(CGPathRef path, void* buffer);
