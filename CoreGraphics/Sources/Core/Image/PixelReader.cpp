@@ -70,7 +70,9 @@ private:
     void findShortcut();
     bool readSpan(std::size_t row, std::size_t first, std::size_t count);
     void load(const std::byte* bytes, std::size_t count);
+    void prepareTables();
     void decode(std::size_t count);
+    void decodeByTables(std::size_t count);
     void lookUp(std::uint32_t sample, Component* color) const;
     void hideMaskedColors(std::size_t count);
     bool applyMask(Component* pixels, std::size_t row, std::size_t first, std::size_t count,
@@ -92,6 +94,11 @@ private:
     std::size_t wantedColors_ = 0;
     bool hasAlpha_ = false; // Of pixels on their way.
     bool isPremultiplied_ = false;
+
+    // What each sample of a narrow field is decoded to, where tables pay.
+    static constexpr unsigned kWidestTable = 8;
+    bool hasTables_ = false;
+    std::array<std::array<Component, 1 << kWidestTable>, PixelLayout::kMostFields> tables_;
 
     std::array<Component, 256 * kMostColors> palette_; // In the colours wanted.
     std::array<Component, 256 * kMostColors> paletteBeforeConversion_;
@@ -134,8 +141,26 @@ bool TypedPixelReader<Component>::prepare() {
     }
     if (isIndexed_)
         preparePalette(from);
+    prepareTables();
     findShortcut();
     return !(wantsAlpha && image_->mask) || prepareMask();
+}
+
+// Decoding divides: a table of all samples costs less, unless the image is smaller than it.
+template <typename Component>
+void TypedPixelReader<Component>::prepareTables() {
+    const std::size_t fields = layout_.fieldCount();
+    std::size_t samples = 0;
+    for (std::size_t i = 0; i < fields; ++i) {
+        if (layout_.field(i).bits > kWidestTable)
+            return;
+        samples += std::size_t{1} << layout_.field(i).bits;
+    }
+    hasTables_ = !isIndexed_ && layout_.colorCount() == loadedColors_ &&
+                 layout_.hasAlpha() == hasAlpha_ && samples / image_->width < image_->height;
+    for (std::size_t i = 0; hasTables_ && i < fields; ++i)
+        for (std::uint32_t sample = 0; sample < 1u << layout_.field(i).bits; ++sample)
+            tables_[i][sample] = decoder_.component<Component>(i, sample);
 }
 
 // Straight opacity that is wanted straight is the one thing that no shortcut gives.
@@ -198,7 +223,10 @@ void TypedPixelReader<Component>::load(const std::byte* bytes, std::size_t count
         if (isDirect && layout_.isMadeOfWhole(16))
             return unpackWords(layout_, bytes, count, pixels_);
     unpackSamples(layout_, bytes, count, samples_);
-    decode(count);
+    if (hasTables_)
+        decodeByTables(count);
+    else
+        decode(count);
     if (hasAlpha_ && (image_->flags & kImageHasMaskingColors))
         hideMaskedColors(count);
 }
@@ -222,6 +250,16 @@ void TypedPixelReader<Component>::decode(std::size_t count) {
                            ? decoder_.component<Component>(colorFields, sample[colorFields])
                            : kOne<Component>;
     }
+}
+
+template <typename Component>
+void TypedPixelReader<Component>::decodeByTables(std::size_t count) {
+    const std::size_t fields = layout_.fieldCount();
+    const std::uint32_t* sample = samples_;
+    Component* component = pixels_;
+    for (std::size_t x = 0; x < count; ++x)
+        for (std::size_t i = 0; i < fields; ++i)
+            *component++ = tables_[i][*sample++];
 }
 
 template <typename Component>

@@ -20,6 +20,42 @@ std::uint32_t sampleAt(const PixelLayout& layout, const std::byte* pixels, std::
     return static_cast<std::uint32_t>(value >> ((8 - end % 8) % 8) & mask);
 }
 
+// A pixel of whole bytes, eight at most, as a number; and how far right each field is in it.
+std::uint64_t numberAt(const PixelLayout& layout, const std::byte* pixel, std::size_t bytes) {
+    std::uint64_t number = 0;
+    for (std::size_t byte = 0; byte < bytes; ++byte)
+        number = number << 8 | std::to_integer<std::uint64_t>(pixel[layout.bytePlace(byte)]);
+    return number;
+}
+
+struct FieldBits {
+    std::size_t shift = 0;
+    std::uint64_t mask = 0;
+};
+using AllFieldBits = std::array<FieldBits, PixelLayout::kMostFields>;
+
+AllFieldBits fieldBitsOf(const PixelLayout& layout) {
+    AllFieldBits all;
+    for (std::size_t i = 0; i < layout.fieldCount(); ++i) {
+        const SampleField& field = layout.field(i);
+        all[i] = {layout.bitsPerPixel() - field.offset - field.bits,
+                  (std::uint64_t{1} << field.bits) - 1};
+    }
+    return all;
+}
+
+template <std::size_t bytes>
+void unpackNumbers(const PixelLayout& layout, const std::byte* pixels, std::size_t count,
+                   std::uint32_t* samples) {
+    const AllFieldBits bits = fieldBitsOf(layout);
+    const std::size_t fields = layout.fieldCount();
+    for (std::size_t x = 0; x < count; ++x, pixels += bytes) {
+        const std::uint64_t number = numberAt(layout, pixels, bytes);
+        for (std::size_t i = 0; i < fields; ++i)
+            *samples++ = static_cast<std::uint32_t>(number >> bits[i].shift & bits[i].mask);
+    }
+}
+
 // Where the fields' bytes lie in a pixel, the first `bytesPerField` for the first field.
 using BytePlaces = std::array<std::size_t, PixelLayout::kMostFields * 2>;
 
@@ -93,6 +129,12 @@ void unpackSamples(const PixelLayout& layout, const std::byte* pixels, std::size
                    std::uint32_t* samples) {
     if (layout.isMadeOfWhole(8))
         return gatherFields<1>(layout, pixels, count, samples);
+    if (layout.bitsPerPixel() == 16)
+        return unpackNumbers<2>(layout, pixels, count, samples);
+    if (layout.bitsPerPixel() == 24)
+        return unpackNumbers<3>(layout, pixels, count, samples);
+    if (layout.bitsPerPixel() == 32)
+        return unpackNumbers<4>(layout, pixels, count, samples);
     const std::size_t fields = layout.fieldCount();
     for (std::size_t x = 0; x < count; ++x)
         for (std::size_t i = 0; i < fields; ++i)
@@ -113,19 +155,18 @@ void unpackWords(const PixelLayout& layout, const std::byte* pixels, std::size_t
 
 void packSamples(const PixelLayout& layout, const std::uint32_t* samples, std::size_t count,
                  std::byte* pixels) {
-    const std::size_t bits = layout.bitsPerPixel();
-    const std::size_t bytes = bits / 8;
+    const AllFieldBits bits = fieldBitsOf(layout);
+    const std::size_t bytes = layout.bitsPerPixel() / 8;
+    std::uint64_t unused = ~std::uint64_t{0};
+    for (std::size_t i = 0; i < layout.fieldCount(); ++i)
+        unused &= ~(bits[i].mask << bits[i].shift);
     for (std::size_t x = 0; x < count; ++x, pixels += bytes) {
-        std::uint64_t stream = ~std::uint64_t{0};
-        for (std::size_t i = 0; i < layout.fieldCount(); ++i) {
-            const SampleField& field = layout.field(i);
-            const std::size_t shift = bits - field.offset - field.bits;
-            stream &= ~(((std::uint64_t{1} << field.bits) - 1) << shift);
-            stream |= std::uint64_t{*samples++} << shift;
-        }
+        std::uint64_t number = unused;
+        for (std::size_t i = 0; i < layout.fieldCount(); ++i)
+            number |= std::uint64_t{*samples++} << bits[i].shift;
         for (std::size_t byte = 0; byte < bytes; ++byte)
             pixels[layout.bytePlace(byte)] =
-                static_cast<std::byte>(stream >> 8 * (bytes - 1 - byte));
+                static_cast<std::byte>(number >> 8 * (bytes - 1 - byte));
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include "WideInstructions.h"
 
+#include <array>
 #include <bit>
 #include <cstring>
 
@@ -99,6 +100,16 @@ void threeBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_
     swizzlePacked(swizzle.places(), pixels, count, out);
 }
 
+void threeDrawnBytes(const PixelSwizzle& swizzle, const std::byte* pixels, std::size_t count,
+                     std::byte* out) {
+    const Places& places = swizzle.places();
+    for (std::size_t x = 0; x < count; ++x, pixels += 4, out += 3) {
+        out[0] = pixels[places.blue];
+        out[1] = pixels[places.green];
+        out[2] = pixels[places.red];
+    }
+}
+
 void oneByte(const PixelSwizzle&, const std::byte* pixels, std::size_t count, std::byte* out) {
     if (hasWideInstructions())
         wideGray(pixels, count, out);
@@ -134,6 +145,20 @@ std::optional<PixelSwizzle> PixelSwizzle::of(const PixelLayout& layout, bool wan
     places.alpha = place(3);
     return PixelSwizzle(places, layout.isPremultiplied() ? fourBytes<Opacity::Kept>
                                                          : fourBytes<Opacity::Multiplied>);
+}
+
+std::optional<PixelSwizzle> PixelSwizzle::ofDrawn(const PixelLayout& layout) {
+    const std::size_t bytes = layout.bitsPerPixel() / 8;
+    if (std::endian::native != std::endian::little || !layout.isMadeOfWhole(8) ||
+        layout.colorCount() != 3 || (bytes != 3 && bytes != 4))
+        return std::nullopt;
+    // By the byte of a pixel, which byte of the drawn one comes there.
+    constexpr unsigned kDrawnAlpha = 3;
+    std::array<unsigned, 4> from = {kDrawnAlpha, kDrawnAlpha, kDrawnAlpha, kDrawnAlpha};
+    for (std::size_t color = 0; color < 3; ++color)
+        from[layout.bytePlace(layout.field(color).offset / 8)] = 2 - static_cast<unsigned>(color);
+    return PixelSwizzle({.red = from[2], .green = from[1], .blue = from[0], .alpha = from[3]},
+                        bytes == 3 ? threeDrawnBytes : fourBytes<Opacity::Kept>);
 }
 
 } // namespace cg

@@ -19,6 +19,10 @@ public:
     // Nothing for pixels that have no such function.
     static std::optional<PixelSwizzle> of(const PixelLayout& layout, bool wantsPremultiplied);
 
+    // The other way: BGRX into bytes of red, green and blue, the fourth into what is left of a
+    // pixel. Nothing for pixels of other components or widths.
+    static std::optional<PixelSwizzle> ofDrawn(const PixelLayout& layout);
+
     void apply(const std::byte* pixels, std::size_t count, std::byte* out) const {
         function_(*this, pixels, count, out);
     }

@@ -8,6 +8,7 @@
 #include "PaletteSearch.h"
 #include "PixelArithmetic.h"
 #include "PixelSamples.h"
+#include "PixelSwizzle.h"
 
 #include <algorithm>
 #include <array>
@@ -46,6 +47,7 @@ private:
     PixelLayout layout_;
     RowTransformRef transform_;            // From RGB; empty where RGB is written.
     std::optional<PaletteSearch> palette_; // Of indexed pixels.
+    std::optional<PixelSwizzle> swizzle_;  // In place of all stages.
     bool hasKeptColor_ = false;
     std::array<Component, 3> keptDrawn_ = {};
     std::array<Component, kInks> keptInks_ = {};
@@ -60,6 +62,8 @@ bool TypedPixelWriter<Component>::prepare(CGColorSpaceRef space) {
     const CGColorSpaceModel model = CGColorSpaceGetModel(space);
     switch (model) {
     case kCGColorSpaceModelRGB:
+        if constexpr (sizeof(Component) == 1)
+            swizzle_ = PixelSwizzle::ofDrawn(layout_);
         return true;
     case kCGColorSpaceModelIndexed:
         palette_ = PaletteSearch::of(space);
@@ -156,6 +160,8 @@ void TypedPixelWriter<Component>::writeSpan(const Component* drawn, std::size_t 
 template <typename Component>
 void TypedPixelWriter<Component>::write(const std::byte* drawn, std::size_t count,
                                         std::byte* pixels) {
+    if (swizzle_)
+        return swizzle_->apply(drawn, count, pixels);
     for (; count > 0; drawn += kSpan * 4 * sizeof(Component)) {
         const std::size_t span = std::min(kSpan, count);
         writeSpan(reinterpret_cast<const Component*>(drawn), span, pixels);
