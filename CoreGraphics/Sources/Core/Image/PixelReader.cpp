@@ -333,7 +333,12 @@ bool TypedPixelReader<Component>::convertSpan(std::size_t row, std::size_t first
     }
     Component* pixels = pixels_;
     if (transform_) {
-        transform_.get()->apply(pixels_, converted_, count);
+        const std::size_t alpha = hasAlpha_ ? 1 : 0;
+        if (loadedColors_ == kMostColors)
+            convertRuns<kSpan>(*transform_.get(), pixels_, loadedColors_ + alpha, converted_,
+                               wantedColors_ + alpha, count);
+        else
+            transform_.get()->apply(pixels_, converted_, count);
         pixels = converted_;
     }
     if (!applyMask(pixels, row, first, count, isPremultiplied))

@@ -1,8 +1,11 @@
 // PixelStages.h: what happens to spans of components on their way out of an image.
 #pragma once
 
+#include "Core/Color/RowTransform.h"
 #include "PixelArithmetic.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace cg {
@@ -33,6 +36,25 @@ void applyCoverage(Component* pixels, std::size_t count, std::size_t colors, boo
             pixels[i] = multiplied(pixels[i], coverage[x]);
         pixels[colors] = multiplied(pixels[colors], coverage[x]);
     }
+}
+
+// Colours of inks take long to convert: one that is repeated is converted once. Up to `kMost`
+// pixels of `from` components, which are moved, become pixels of `to` components.
+template <std::size_t kMost, typename Component>
+void convertRuns(const RowTransform& transform, Component* in, std::size_t from, Component* out,
+                 std::size_t to, std::size_t count) {
+    std::array<std::uint16_t, kMost> runs;
+    std::size_t last = 0;
+    for (std::size_t x = 0; x < count; ++x) {
+        if (!std::equal(in + x * from, in + (x + 1) * from, in + last * from))
+            std::copy_n(in + x * from, from, in + ++last * from);
+        runs[x] = static_cast<std::uint16_t>(last);
+    }
+    transform.apply(in, out, count > 0 ? last + 1 : 0);
+    // From the last on: a run's colour lies no further than its pixels.
+    for (std::size_t x = count; x-- > 0;)
+        if (runs[x] != x)
+            std::copy_n(out + runs[x] * to, to, out + x * to);
 }
 
 // How pixels are taken over into their last form.

@@ -8,6 +8,7 @@
 #include "PaletteSearch.h"
 #include "PixelArithmetic.h"
 #include "PixelSamples.h"
+#include "PixelStages.h"
 #include "PixelSwizzle.h"
 
 #include <algorithm>
@@ -40,7 +41,7 @@ public:
 private:
     void writeSpan(const Component* drawn, std::size_t count, std::byte* pixels);
     void takeComponents(const Component* drawn, std::size_t count, Component* out) const;
-    void putKeptColor(std::size_t count);
+    void convert(std::size_t count);
     void findIndices(const Component* colors, std::size_t count);
     void pack(const Component* components, std::size_t count, std::byte* pixels);
 
@@ -92,9 +93,16 @@ void TypedPixelWriter<Component>::keepColor(const std::byte* drawn, const CGFloa
 }
 
 template <typename Component>
-void TypedPixelWriter<Component>::putKeptColor(std::size_t count) {
+void TypedPixelWriter<Component>::convert(std::size_t count) {
+    if (layout_.colorCount() != kInks || layout_.hasAlpha())
+        return transform_.get()->apply(components_, converted_, count);
+    std::array<bool, kSpan> isKept;
     for (std::size_t x = 0; x < count; ++x)
-        if (std::equal(keptDrawn_.begin(), keptDrawn_.end(), &components_[3 * x]))
+        isKept[x] =
+            hasKeptColor_ && std::equal(keptDrawn_.begin(), keptDrawn_.end(), &components_[3 * x]);
+    convertRuns<kSpan>(*transform_.get(), components_, 3, converted_, kInks, count);
+    for (std::size_t x = 0; x < count; ++x)
+        if (isKept[x])
             std::copy(keptInks_.begin(), keptInks_.end(), &converted_[kInks * x]);
 }
 
@@ -148,9 +156,7 @@ void TypedPixelWriter<Component>::writeSpan(const Component* drawn, std::size_t 
         findIndices(components_, count);
         packSamples(layout_, samples_, count, pixels);
     } else if (transform_) {
-        transform_.get()->apply(components_, converted_, count);
-        if (hasKeptColor_)
-            putKeptColor(count);
+        convert(count);
         pack(converted_, count, pixels);
     } else {
         pack(components_, count, pixels);
