@@ -4,7 +4,6 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Support/Bitmaps.h"
-#include "Support/CollectedLog.h"
 #include "Support/Picture.h"
 #include "Support/SkiaPeer.h"
 #include "include/core/SkPath.h"
@@ -14,7 +13,6 @@
 #include <cmath>
 #include <functional>
 #include <limits>
-#include <random>
 
 using test::makeContext;
 using test::Picture;
@@ -361,86 +359,4 @@ TEST(RasterBackend, GeometryThatIsNotFiniteDrawsNothing) {
         CGContextStrokeRect(context.get(), CGRectMake(nan, 0, bad, 1));
     }
     EXPECT_EQ(Picture(context.get()), (Picture{"....", "....", "....", "...."}));
-}
-
-// Random programs of drawing calls with hostile numbers among them: whatever they draw, they
-// neither fault nor write outside the rows.
-TEST(RasterBackend, RandomProgramsStayInsideTheirPixels) {
-    const CollectedLog log; // Of restores and layer ends without a beginning.
-    constexpr std::size_t kGuard = 64, kRow = 32 * 4 + 16, kRows = 32;
-    std::vector<std::uint8_t> memory(2 * kGuard + kRow * kRows, 0xA5);
-    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
-    CGContextRef c = nullptr; // The scene's.
-    std::mt19937 random(20260101);
-    const auto number = [&random]() -> CGFloat {
-        switch (random() % 50) {
-        case 0:
-            return std::numeric_limits<float>::quiet_NaN();
-        case 1:
-            return std::numeric_limits<float>::infinity();
-        case 2:
-            return -1e30f;
-        case 3:
-            return 0;
-        default:
-            return static_cast<CGFloat>(random() % 1000) / 20 - 10;
-        }
-    };
-    const std::function<void()> calls[] = {
-        [&] { CGContextMoveToPoint(c, number(), number()); },
-        [&] { CGContextAddLineToPoint(c, number(), number()); },
-        [&] {
-            CGContextAddCurveToPoint(c, number(), number(), number(), number(), number(), number());
-        },
-        [&] { CGContextAddArc(c, number(), number(), number(), number(), number(), random() & 1); },
-        [&] { CGContextAddArcToPoint(c, number(), number(), number(), number(), number()); },
-        [&] { CGContextAddEllipseInRect(c, CGRectMake(number(), number(), number(), number())); },
-        [&] { CGContextClosePath(c); },
-        [&] { CGContextDrawPath(c, static_cast<CGPathDrawingMode>(random() % 5)); },
-        [&] { CGContextFillRect(c, CGRectMake(number(), number(), number(), number())); },
-        [&] { CGContextStrokeRect(c, CGRectMake(number(), number(), number(), number())); },
-        [&] { CGContextSetLineWidth(c, number()); },
-        [&] { CGContextSetMiterLimit(c, number()); },
-        [&] { CGContextSetLineCap(c, static_cast<CGLineCap>(random() % 3)); },
-        [&] {
-            const CGFloat lengths[] = {number(), number(), number()};
-            CGContextSetLineDash(c, number(), lengths, random() % 4);
-        },
-        [&] { CGContextSetAlpha(c, number()); },
-        [&] { CGContextSetBlendMode(c, static_cast<CGBlendMode>(random() % 30)); },
-        [&] { CGContextSetRGBFillColor(c, number(), number(), number(), number()); },
-        [&] { CGContextSetGrayStrokeColor(c, number(), number()); },
-        [&] { CGContextSaveGState(c); },
-        [&] { CGContextRestoreGState(c); },
-        [&] { CGContextRestoreGState(c); },
-        [&] { CGContextScaleCTM(c, number(), number()); },
-        [&] { CGContextRotateCTM(c, number()); },
-        [&] { CGContextClipToRect(c, CGRectMake(number(), number(), number(), number())); },
-        [&] { CGContextClip(c); },
-        [&] { CGContextBeginTransparencyLayer(c, nullptr); },
-        [&] { CGContextEndTransparencyLayer(c); },
-    };
-    // Many short scenes, so that a clip or transform gone bad does not end the drawing.
-    int drawn = 0;
-    for (int scene = 0; scene < 500; ++scene) {
-        const auto context = cf::adopt(CGBitmapContextCreate(memory.data() + kGuard, 32, kRows, 8,
-                                                             kRow, space.get(), test::kBGRA));
-        c = context.get();
-        for (int step = 0; step < 60; ++step)
-            calls[random() % std::size(calls)]();
-        std::uint8_t* const middle = memory.data() + kGuard + 16 * kRow;
-        drawn += std::any_of(middle, middle + 128, [](std::uint8_t byte) { return byte != 0xA5; });
-        std::fill_n(middle, 128, std::uint8_t{0xA5});
-    }
-    EXPECT_GT(drawn, 50);
-
-    const auto untouched = [&](std::size_t from, std::size_t to) {
-        return std::all_of(memory.begin() + static_cast<std::ptrdiff_t>(from),
-                           memory.begin() + static_cast<std::ptrdiff_t>(to),
-                           [](std::uint8_t byte) { return byte == 0xA5; });
-    };
-    EXPECT_TRUE(untouched(0, kGuard));
-    EXPECT_TRUE(untouched(memory.size() - kGuard, memory.size()));
-    for (std::size_t row = 0; row < kRows; ++row)
-        EXPECT_TRUE(untouched(kGuard + row * kRow + 32 * 4, kGuard + (row + 1) * kRow)) << row;
 }

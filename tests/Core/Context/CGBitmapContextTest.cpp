@@ -163,39 +163,6 @@ TEST(BitmapContext, DescribesTheFormatThatWasAskedFor) {
     }
 }
 
-TEST(BitmapContext, PutsEachComponentInItsByte) {
-    const struct {
-        const char* what;
-        Space space;
-        CGBitmapInfo info;
-        std::vector<std::uint8_t> pixel; // Of opaque (1, 0.6, 0.2).
-    } cases[] = {
-        {"BGRA", Space::RGB, kBGRA, {51, 153, 255, 255}},
-        {"BGRX",
-         Space::RGB,
-         kCGImageAlphaNoneSkipFirst | kCGBitmapByteOrder32Little,
-         {51, 153, 255, 255}},
-        {"RGBA", Space::RGB, kCGImageAlphaPremultipliedLast, {255, 153, 51, 255}},
-        {"RGBX", Space::RGB, kCGImageAlphaNoneSkipLast, {255, 153, 51, 255}},
-        {"alpha", Space::None, kCGImageAlphaOnly, {255}},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.what);
-        const auto context = cf::adopt(
-            CGBitmapContextCreate(nullptr, 1, 1, 8, 0, makeSpace(row.space).get(), row.info));
-        CGContextSetRGBFillColor(context.get(), 1, 0.6f, 0.2f, 1);
-        CGContextFillRect(context.get(), CGRectMake(0, 0, 1, 1));
-        const auto* const bytes =
-            static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
-        EXPECT_EQ(std::vector(bytes, bytes + row.pixel.size()), row.pixel);
-    }
-    const auto gray = cf::adopt(CGBitmapContextCreate(
-        nullptr, 1, 1, 8, 0, makeSpace(Space::Gray).get(), kCGImageAlphaNone));
-    CGContextSetGrayFillColor(gray.get(), 0.4f, 1);
-    CGContextFillRect(gray.get(), CGRectMake(0, 0, 1, 1));
-    EXPECT_EQ(*static_cast<const std::uint8_t*>(CGBitmapContextGetData(gray.get())), 102);
-}
-
 TEST(BitmapContext, CallerMemoryKeepsItsContentsAndIsGivenBackOnce) {
     struct Release {
         int count = 0;

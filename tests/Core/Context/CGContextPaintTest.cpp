@@ -61,19 +61,6 @@ TEST(Painting, AsksForWhatTheModeSays) {
     }
 }
 
-TEST(Painting, DrawsTheShadowFirst) {
-    Painter painter;
-    CGContextSetShadow(painter.context(), {1, 1}, 1);
-    CGContextAddRect(painter.context(), kSquare);
-    CGContextFillPath(painter.context());
-    EXPECT_EQ(painter.takeCalls(),
-              (Calls{"prepare", "shadow " + fillOf(kSquareText), fillOf(kSquareText)}));
-    CGContextFillRect(painter.context(), kSquare);
-    EXPECT_EQ(painter.takeCalls(),
-              (Calls{"prepare", "shadow " + fillOf(kSquareText), fillOf(kSquareText)}))
-        << "rectangles throw shadows as paths";
-}
-
 TEST(Painting, FillsRectanglesInUserSpace) {
     Painter painter;
     const CGContextRef c = painter.context();
@@ -141,18 +128,6 @@ TEST(Painting, EllipsesAreFilledAndStroked) {
 
 // ---- Strokes
 
-TEST(Stroking, ScalesThePenWhereShapesAreKept) {
-    Painter painter;
-    const CGContextRef c = painter.context();
-    CGContextSetLineWidth(c, 2);
-    CGContextScaleCTM(c, 3, -3);
-    CGContextMoveToPoint(c, 0, 0);
-    CGContextAddLineToPoint(c, 4, 0);
-    CGContextStrokePath(c);
-    EXPECT_EQ(painter.takeCalls(), (Calls{"prepare", strokeOf("M 0 0 L 12 0", "6")}));
-    EXPECT_EQ(CGContextGetLineWidth(c), 2) << "for the call alone";
-}
-
 TEST(Stroking, FillsTheOutlineInTheStrokeColorElsewhere) {
     Painter painter;
     const CGContextRef c = painter.context();
@@ -187,13 +162,6 @@ TEST(Stroking, KeepsTheThinnestLineThin) {
     const Calls calls = painter.takeCalls();
     ASSERT_EQ(calls.size(), 2u);
     EXPECT_EQ(calls[1], strokeOf("M 0 0 L 12 0 L 12 20 L 0 20 Z", "0"));
-}
-
-TEST(Stroking, DrawsNothingUnderATransformWithoutAnInverse) {
-    Painter painter;
-    CGContextScaleCTM(painter.context(), 1, 0);
-    CGContextStrokeRect(painter.context(), kSquare);
-    EXPECT_EQ(painter.takeCalls(), Calls{"prepare"});
 }
 
 TEST(Dashing, CutsInUserUnits) {
@@ -234,21 +202,6 @@ TEST(Dashing, CutsInUserUnits) {
     }
 }
 
-TEST(Dashing, IsStretchedWithItsLine) {
-    Painter painter;
-    const CGContextRef c = painter.context();
-    const CGFloat lengths[] = {2, 1};
-    CGContextSetLineDash(c, 0, lengths, 2);
-    CGContextSetLineWidth(c, 0);
-    CGContextScaleCTM(c, 2, 10);
-    CGContextMoveToPoint(c, 0, 0);
-    CGContextAddLineToPoint(c, 4, 0);
-    CGContextAddLineToPoint(c, 4, 3);
-    CGContextStrokePath(c);
-    EXPECT_EQ(painter.takeCalls(),
-              (Calls{"prepare", strokeOf("M 0 0 L 4 0 M 6 0 L 8 0 L 8 10 M 8 20 L 8 30", "0")}));
-}
-
 // ---- Clips
 
 CGRect clipOf(const RecordingBackend& backend) {
@@ -257,23 +210,6 @@ CGRect clipOf(const RecordingBackend& backend) {
 CFIndex clipPathsOf(const RecordingBackend& backend) {
     const CFArrayRef paths = XGClippingGetPaths(XGGStateGetClipping(backend.state()));
     return paths ? CFArrayGetCount(paths) : 0;
-}
-
-TEST(ContextClip, PathsClipAndAreConsumed) {
-    RecordingBackend backend;
-    const CGContextRef c = backend.context();
-    CGContextAddRect(c, kSquare);
-    CGContextClip(c);
-    EXPECT_TRUE(CGContextIsPathEmpty(c));
-    EXPECT_TRUE(CGRectEqualToRect(clipOf(backend), kSquare));
-    CGContextAddRect(c, CGRectMake(2, 2, 9, 9));
-    CGContextEOClip(c);
-    EXPECT_TRUE(CGRectEqualToRect(CGContextGetClipBoundingBox(c), CGRectMake(2, 2, 2, 2)));
-    EXPECT_EQ(clipPathsOf(backend), 2);
-    CGContextClip(c);
-    EXPECT_EQ(clipPathsOf(backend), 2) << "no path is ignored";
-    CGContextResetClip(c);
-    EXPECT_EQ(XGGStateGetClipping(backend.state()), nullptr);
 }
 
 TEST(ContextClip, RectanglesClipToTheirUnion) {

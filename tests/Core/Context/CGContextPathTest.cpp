@@ -111,23 +111,6 @@ TEST(ContextPath, WarnsOfSegmentsWithoutACurrentPoint) {
     EXPECT_EQ(log.lines()[0], "4 CGContextAddLineToPoint: no current point");
 }
 
-TEST(ContextPath, AnswersInUserSpace) {
-    RecordingBackend backend;
-    const CGContextRef c = backend.context();
-    EXPECT_EQ(CGContextGetPathCurrentPoint(c).x, std::numeric_limits<CGFloat>::infinity());
-    EXPECT_TRUE(CGRectIsNull(CGContextGetPathBoundingBox(c)));
-    EXPECT_FALSE(CGContextPathContainsPoint(c, {0, 0}, kCGPathFill));
-    EXPECT_EQ(CGContextCopyPath(c), nullptr);
-
-    CGContextConcatCTM(c, {2, 0, 0, 4, 100, 200});
-    CGContextAddRect(c, CGRectMake(1, 1, 4, 4));
-    EXPECT_TRUE(CGPointEqualToPoint(CGContextGetPathCurrentPoint(c), {1, 5}) ||
-                CGPointEqualToPoint(CGContextGetPathCurrentPoint(c), {1, 1}));
-    EXPECT_TRUE(CGRectEqualToRect(CGContextGetPathBoundingBox(c), CGRectMake(1, 1, 4, 4)));
-    EXPECT_TRUE(CGContextPathContainsPoint(c, {4, 4}, kCGPathFill));
-    EXPECT_FALSE(CGContextPathContainsPoint(c, {6, 6}, kCGPathFill));
-}
-
 TEST(ContextPath, ContainsWhatEachModeWouldCover) {
     RecordingBackend backend;
     const CGContextRef c = backend.context();

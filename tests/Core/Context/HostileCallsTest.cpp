@@ -361,11 +361,13 @@ const struct {
     {CGColorSpaceCreateDeviceCMYK, 8, 32, kCGImageAlphaNone},
 };
 
+constexpr std::size_t kPadding = 16; // Behind the rows, where nothing may be written.
+
 test::Context makeBitmap(std::size_t format) {
     const auto& [makeSpace, bitsPerComponent, bitsPerPixel, info] = kFormats[format];
     return cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, bitsPerComponent,
-                                           kSize * bitsPerPixel / 8, cf::adopt(makeSpace()).get(),
-                                           info));
+                                           kSize * bitsPerPixel / 8 + kPadding,
+                                           cf::adopt(makeSpace()).get(), info));
 }
 
 void fillAnew(CGContextRef c) {

@@ -9,15 +9,10 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 namespace {
 
 using State = cf::Ref<XGGStateRef>;
 using Color = cf::Ref<CGColorRef>;
-
-constexpr CGFloat kInfinity = std::numeric_limits<CGFloat>::infinity();
-constexpr CGFloat kNaN = std::numeric_limits<CGFloat>::quiet_NaN();
 
 State makeState() {
     return cf::adopt(XGGStateCreate());
@@ -27,74 +22,6 @@ Color makeGray(CGFloat gray, CGFloat alpha = 1) {
 }
 cf::Ref<CGPathRef> makeRectPath(CGRect rect) {
     return cf::adopt(CGPathCreateWithRect(rect, nullptr));
-}
-
-TEST(GState, StartsWithItsDefaults) {
-    const State state = makeState();
-    const XGGStateRef s = state.get();
-    const struct {
-        const char* what;
-        double value;
-        double expected;
-    } cases[] = {
-        {"alpha", XGGStateGetAlpha(s), 1},
-        {"blend mode", double(XGGStateGetBlendMode(s)), kCGBlendModeNormal},
-        {"Porter-Duff", double(XGGStateBlendModeIsPorterDuff(s)), 1},
-        {"interpolation", double(XGGStateGetInterpolationQuality(s)), kCGInterpolationDefault},
-        {"intent", double(XGGStateGetRenderingIntent(s)), kCGRenderingIntentDefault},
-        {"composite operation", double(XGGStateGetCompositeOperation(s)), 0},
-        {"line width", XGGStateGetLineWidth(s), 1},
-        {"line cap", double(XGGStateGetLineCap(s)), kCGLineCapButt},
-        {"line join", double(XGGStateGetLineJoin(s)), kCGLineJoinMiter},
-        {"miter limit, other than elsewhere", XGGStateGetMiterLimit(s), 4},
-        {"flatness", XGGStateGetFlatness(s), 0},
-        {"font size", XGGStateGetFontSize(s), 0},
-        {"character spacing", XGGStateGetCharacterSpacing(s), 0},
-        {"text mode", double(XGGStateGetTextDrawingMode(s)), kCGTextFill},
-        {"antialias", double(XGGStateShouldAntialias(s)), 1},
-        {"smooth fonts", double(XGGStateShouldSmoothFonts(s)), 1},
-        {"position fonts", double(XGGStateShouldSubpixelPositionFonts(s)), 1},
-        {"quantize fonts", double(XGGStateShouldSubpixelQuantizeFonts(s)), 1},
-        {"clip modified", double(XGGStateDidModifyClipRegion(s)), 0},
-        {"clip to be rasterised", double(XGGStateShouldRasterizeClipRegion(s)), 0},
-    };
-    for (const auto& [what, value, expected] : cases)
-        EXPECT_EQ(value, expected) << what;
-    EXPECT_TRUE(CGAffineTransformIsIdentity(*XGGStateGetCTM(s)));
-    EXPECT_TRUE(CGAffineTransformIsIdentity(*XGGStateGetCombinedCTM(s)));
-    EXPECT_FALSE(XGGStateGetFillColor(s) || XGGStateGetStrokeColor(s) || XGGStateGetShadowColor(s));
-    EXPECT_FALSE(XGGStateGetLineDash(s) || XGGStateGetClipping(s) || XGGStateGetFont(s));
-}
-
-TEST(GState, NullAnswersNeutrally) {
-    EXPECT_EQ(XGGStateGetAlpha(nullptr), 0);
-    EXPECT_EQ(XGGStateGetLineWidth(nullptr), 0);
-    EXPECT_EQ(XGGStateGetMiterLimit(nullptr), 0);
-    // Deliberate: not the default of a new state.
-    EXPECT_EQ(XGGStateGetInterpolationQuality(nullptr), kCGInterpolationNone);
-    EXPECT_FALSE(XGGStateGetCTM(nullptr) || XGGStateGetCombinedCTM(nullptr) ||
-                 XGGStateGetTextCTM(nullptr));
-    EXPECT_FALSE(XGGStateBlendModeIsPorterDuff(nullptr));
-    EXPECT_TRUE(CGRectEqualToRect(XGGStateGetClipBoundingBox(nullptr), CGRectZero));
-    EXPECT_FALSE(XGGStateCreateCopy(nullptr));
-    XGGStateSetAlpha(nullptr, 1);
-    XGGStateSetFillColor(nullptr, makeGray(0).get());
-    XGGStateClipToRect(nullptr, CGRectMake(0, 0, 1, 1));
-}
-
-TEST(GState, ClampsAlpha) {
-    const struct {
-        const char* what;
-        CGFloat given, kept;
-    } cases[] = {
-        {"within", 0.25f, 0.25f},   {"above", 2, 1}, {"negative", -0.5f, 0}, {"NaN", kNaN, 0},
-        {"infinite", kInfinity, 0},
-    };
-    const State state = makeState();
-    for (const auto& [what, given, kept] : cases) {
-        XGGStateSetAlpha(state.get(), given);
-        EXPECT_EQ(XGGStateGetAlpha(state.get()), kept) << what;
-    }
 }
 
 TEST(GState, IgnoresNegativeFontSizesAlone) {
@@ -131,19 +58,6 @@ TEST(GState, KeepsTheOldObjectOfAnEqualColor) {
     XGGStateSetFillColor(state.get(), nullptr);
     EXPECT_EQ(XGGStateGetFillColor(state.get()), nullptr);
     EXPECT_EQ(CFGetRetainCount(first.get()), 1);
-}
-
-TEST(GState, TurnsDashingOffWithoutLengths) {
-    const State state = makeState();
-    const CGFloat lengths[] = {3, 1};
-    XGGStateSetLineDash(state.get(), lengths, 2, 0.5f);
-    EXPECT_EQ(XGLineDashGetCount(XGGStateGetLineDash(state.get())), 2u);
-    EXPECT_EQ(XGLineDashGetPhase(XGGStateGetLineDash(state.get())), 0.5f);
-    XGGStateSetLineDash(state.get(), lengths, 0, 0);
-    EXPECT_FALSE(XGGStateGetLineDash(state.get()));
-    XGGStateSetLineDash(state.get(), lengths, 2, 0);
-    XGGStateSetLineDash(state.get(), nullptr, 2, 0);
-    EXPECT_FALSE(XGGStateGetLineDash(state.get()));
 }
 
 // ---- Copies and equality
@@ -289,18 +203,6 @@ TEST(GState, HasAShadowWhenItsColorCanBeSeen) {
     EXPECT_TRUE(hasShadow(makeGray(0, 0.002f)));
     EXPECT_FALSE(hasShadow(makeGray(0, 0.001f)));
     EXPECT_FALSE(hasShadow(nullptr));
-}
-
-TEST(GState, ClipsInDeviceSpaceAndAnswersInUserSpace) {
-    const State state = makeState();
-    EXPECT_TRUE(CGRectEqualToRect(XGGStateGetClipBoundingBox(state.get()), CGRectZero));
-    XGGStateSetCTM(state.get(), {2, 0, 0, 2, 10, 0});
-    XGGStateClipToRect(state.get(), CGRectMake(0, 0, 5, 5));
-    EXPECT_TRUE(CGRectEqualToRect(XGClippingGetBoundingBox(XGGStateGetClipping(state.get())),
-                                  CGRectMake(10, 0, 10, 10)));
-    EXPECT_TRUE(CGRectEqualToRect(XGGStateGetClipBoundingBox(state.get()), CGRectMake(0, 0, 5, 5)));
-    XGGStateClipToPath(state.get(), makeRectPath(CGRectMake(12, 2, 2, 2)).get(), false);
-    EXPECT_TRUE(CGRectEqualToRect(XGGStateGetClipBoundingBox(state.get()), CGRectMake(1, 1, 1, 1)));
 }
 
 TEST(GState, IgnoresClippingToAnEmptyPath) {
