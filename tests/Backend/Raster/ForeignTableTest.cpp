@@ -2,6 +2,7 @@
 // within one step of what bare Skia draws into the same colours.
 
 #include "XGColorSpace.h"
+#include "XGColorSpaceProfile.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CoreGraphics.h>
 
@@ -9,6 +10,7 @@
 #include "include/core/SkBitmap.h"
 
 #include <gtest/gtest.h>
+#include <lcms2.h>
 
 #include <array>
 #include <cmath>
@@ -269,3 +271,77 @@ INSTANTIATE_TEST_SUITE_P(All, ForeignTable, testing::ValuesIn(kFormats), [](cons
                   [](char letter) { return !std::isalnum(static_cast<unsigned char>(letter)); });
     return name;
 });
+
+// ---- Inks, whose colours are those of the library's profile
+
+namespace {
+
+// Between pixels of four inks and BGRA, as Little CMS does it in 8 bits.
+class Inks {
+public:
+    Inks() {
+        const auto profile = cf::adopt(XGColorSpaceProfileCreateUncalibratedCMYK());
+        const cmsHPROFILE inks = XGColorSpaceProfileGetNativeObject(profile.get());
+        const cmsHPROFILE rgb = cmsCreate_sRGBProfile();
+        toColor_ = cmsCreateTransform(inks, TYPE_CMYK_8, rgb, TYPE_BGRA_8, INTENT_PERCEPTUAL, 0);
+        toInk_ = cmsCreateTransform(rgb, TYPE_BGRA_8, inks, TYPE_CMYK_8, INTENT_PERCEPTUAL, 0);
+        cmsCloseProfile(rgb);
+    }
+    ~Inks() {
+        cmsDeleteTransform(toColor_);
+        cmsDeleteTransform(toInk_);
+    }
+    Inks(const Inks&) = delete;
+    Inks& operator=(const Inks&) = delete;
+
+    Bytes colorsOf(const Bytes& inks) const {
+        Bytes colors(inks.size(), 255);
+        cmsDoTransform(toColor_, inks.data(), colors.data(), cmsUInt32Number(inks.size() / 4));
+        return colors;
+    }
+    Bytes inksOf(const Bytes& colors) const {
+        Bytes inks(colors.size());
+        cmsDoTransform(toInk_, colors.data(), inks.data(), cmsUInt32Number(inks.size() / 4));
+        return inks;
+    }
+
+private:
+    cmsHTRANSFORM toColor_ = nullptr, toInk_ = nullptr;
+};
+
+} // namespace
+
+TEST(InkTable, IsWhatBareSkiaDrawsInTheirColours) {
+    constexpr std::size_t kRow = 4 * kWidth;
+    const Inks inks;
+    std::mt19937 random(7);
+    Bytes start(kRow * kHeight);
+    for (auto& byte : start)
+        byte = static_cast<std::uint8_t>(random());
+    const Bytes colors = inks.colorsOf(start);
+    for (const test::DrawingOperation& operation : test::drawingOperations()) {
+        if (operation.marks > 1)
+            continue;
+        for (std::size_t mode = 0; mode < test::tableBlendModes().size(); ++mode) {
+            SCOPED_TRACE(testing::Message() << operation.what << ", mode " << mode);
+            Bytes ours = start, bare = colors;
+            const auto context =
+                cf::adopt(CGBitmapContextCreate(ours.data(), kWidth, kHeight, 8, kRow,
+                                                XGColorSpaceGetDeviceCMYK(), kCGImageAlphaNone));
+            ASSERT_TRUE(context);
+            test::drawOurs(operation, context.get(), mode);
+            SkBitmap bitmap;
+            bitmap.installPixels(
+                SkImageInfo::Make(kWidth, kHeight, kBGRA_8888_SkColorType, kOpaque_SkAlphaType),
+                bare.data(), kRow);
+            test::drawBare(operation, bitmap, mode, false);
+            const Bytes expected = inks.inksOf(bare);
+            for (std::size_t i = 0; i < ours.size(); i += 4)
+                for (std::size_t c = 0; c < 4; ++c)
+                    if (std::memcmp(&bare[i], &colors[i], 3) == 0)
+                        ASSERT_EQ(ours[i + c], start[i + c]) << "untouched pixel " << i / 4;
+                    else
+                        ASSERT_NEAR(ours[i + c], expected[i + c], 1) << "pixel " << i / 4;
+        }
+    }
+}
