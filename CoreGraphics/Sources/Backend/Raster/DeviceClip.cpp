@@ -12,7 +12,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <optional>
+#include <new>
+#include <utility>
 
 namespace cg {
 
@@ -65,38 +66,60 @@ SkRect ownEdges(CGRect rect, CFArrayRef paths, XGClippingRef outer) {
     return edges;
 }
 
-// Where coverage lies that a clipping's mask, which has been baked, has as its gray.
-std::optional<PlacedImage> coverageOf(const ImagePixels& pixels, XGClippingRef clipping) {
-    const SkPixmap& gray = pixels.pixmap();
-    if (gray.colorType() != kGray_8_SkColorType)
-        return std::nullopt;
-    PlacedImage coverage = {
-        .pixels = SkPixmap(
-            gray.info().makeColorType(kAlpha_8_SkColorType).makeAlphaType(kPremul_SkAlphaType),
-            gray.addr(), gray.rowBytes()),
-        .rect = toSkia(XGClippingGetMaskRect(clipping))};
-    coverage.toDevice = turnedAround(coverage.rect);
-    coverage.sampling = SkSamplingOptions(SkFilterMode::kLinear);
+// A mask whose pixels are in use.
+struct MaskInUse {
+    cf::Ref<CGImageRef> image;
+    ImagePixels pixels;
+};
+
+// The gray of a clipping's mask, which has been baked, as coverage that lies where the image has
+// it. Empty when it cannot be read.
+SkBitmap coverageOf(CGImageRef mask) {
+    auto pixels = ImagePixels::of(mask, nullptr, kCGRenderingIntentDefault);
+    if (!pixels || pixels->pixmap().colorType() != kGray_8_SkColorType)
+        return {};
+    const SkPixmap gray = pixels->pixmap();
+    auto* const use = new (std::nothrow) MaskInUse{cf::retain(mask), std::move(*pixels)};
+    SkBitmap coverage;
+    if (!use ||
+        !coverage.installPixels(
+            SkImageInfo::MakeA8(gray.width(), gray.height()), gray.writable_addr(), gray.rowBytes(),
+            [](void*, void* kept) { delete static_cast<MaskInUse*>(kept); }, use))
+        return {};
+    coverage.setImmutable();
     return coverage;
 }
 
-// The coverage over a rectangle of whole device pixels. Empty when memory runs out.
-SkBitmap over(const SkRect& box, const PlacedImage& coverage) {
+PlacedImage placed(const SkBitmap& coverage, const SkRect& rect) {
+    return {.pixels = coverage.pixmap(),
+            .rect = rect,
+            .toDevice = turnedAround(rect),
+            .sampling = SkSamplingOptions(SkFilterMode::kLinear),
+            .bitmap = &coverage};
+}
+
+// A clipping's coverage over a rectangle of whole device pixels. Empty when it cannot be had.
+SkBitmap over(const SkRect& box, XGClippingRef clipping) {
+    const SkBitmap coverage = coverageOf(XGClippingGetMask(clipping));
     SkBitmap bitmap;
     const SkIRect area = box.roundOut();
-    if (!bitmap.tryAllocPixelsFlags(SkImageInfo::MakeA8(area.width(), area.height()),
+    if (coverage.isNull() ||
+        !bitmap.tryAllocPixelsFlags(SkImageInfo::MakeA8(area.width(), area.height()),
                                     SkBitmap::kZeroPixels_AllocFlag))
         return {};
     Surface surface(bitmap.pixmap(), area.bottom(), {area.left(), 0});
-    surface.drawImage(coverage, SkPaint());
+    surface.drawImage(placed(coverage, toSkia(XGClippingGetMaskRect(clipping))), SkPaint());
     return bitmap;
 }
 
 // A mask set inside a transparency layer contains the one from outside, the lesser of the two in
 // each place, and that one will be applied to the layer again: what is left is their quotient.
-bool divide(const SkBitmap& mask, const SkBitmap& outer) {
+SkBitmap quotient(XGClippingRef clipping, XGClippingRef outerClipping) {
+    const SkRect box = toSkia(XGClippingGetMaskRect(clipping));
+    SkBitmap mask = over(box, clipping);
+    const SkBitmap outer = over(box, outerClipping);
     if (mask.isNull() || outer.isNull())
-        return false;
+        return {};
     for (int y = 0; y < mask.height(); ++y) {
         std::uint8_t* const row = mask.getAddr8(0, y);
         const std::uint8_t* const outerRow = outer.getAddr8(0, y);
@@ -107,29 +130,18 @@ bool divide(const SkBitmap& mask, const SkBitmap& outer) {
                          : static_cast<std::uint8_t>(std::min(255, (row[x] * 255 + by / 2) / by));
         }
     }
-    return true;
+    mask.setImmutable();
+    return mask;
 }
 
 // Clips all when a mask cannot be read.
 void clipToMask(Surface& surface, XGClippingRef clipping, XGClippingRef outer) {
-    const auto pixels =
-        ImagePixels::of(XGClippingGetMask(clipping), nullptr, kCGRenderingIntentDefault);
-    auto coverage = pixels ? coverageOf(*pixels, clipping) : std::nullopt;
-    SkBitmap quotient;
-    if (coverage && XGClippingGetMask(outer)) {
-        const auto outerPixels =
-            ImagePixels::of(XGClippingGetMask(outer), nullptr, kCGRenderingIntentDefault);
-        const auto outerCoverage = outerPixels ? coverageOf(*outerPixels, outer) : std::nullopt;
-        quotient = over(coverage->rect, *coverage);
-        if (outerCoverage && divide(quotient, over(coverage->rect, *outerCoverage)))
-            coverage->pixels = quotient.pixmap();
-        else
-            coverage.reset();
-    }
-    if (coverage)
-        surface.clipMask(*coverage);
-    else
+    const SkBitmap coverage = XGClippingGetMask(outer) ? quotient(clipping, outer)
+                                                       : coverageOf(XGClippingGetMask(clipping));
+    if (coverage.isNull())
         surface.clipOut();
+    else
+        surface.clipMask(placed(coverage, toSkia(XGClippingGetMaskRect(clipping))));
 }
 
 void applyRectAndPaths(Surface& surface, XGClippingRef clipping, XGClippingRef outer,

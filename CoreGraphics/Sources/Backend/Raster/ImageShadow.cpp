@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <functional>
+#include <vector>
 
 namespace cg {
 
@@ -39,6 +42,28 @@ SkIRect coveredArea(const Surface& surface, const SkRect* bounds, float sigma) {
     return area;
 }
 
+// The smallest rectangle around all coverage: blurring costs more than looking.
+SkIRect inkedPart(const SkPixmap& coverage) {
+    const auto width = static_cast<std::size_t>(coverage.width());
+    std::vector<std::uint8_t> columns(width, 0);
+    int top = coverage.height(), bottom = 0;
+    for (int y = 0; y < coverage.height(); ++y) {
+        const std::uint8_t* const row = coverage.addr8(0, y);
+        if (row[0] == 0 && std::memcmp(row, row + 1, width - 1) == 0)
+            continue; // Each byte is the one after it.
+        top = std::min(top, y);
+        bottom = y + 1;
+        for (std::size_t x = 0; x < width; ++x)
+            columns[x] |= row[x];
+    }
+    const auto isInked = [](std::uint8_t column) { return column != 0; };
+    const auto left = std::ranges::find_if(columns, isInked) - columns.begin();
+    const auto right = columns.rend() - std::find_if(columns.rbegin(), columns.rend(), isInked);
+    return top < bottom
+               ? SkIRect::MakeLTRB(static_cast<int>(left), top, static_cast<int>(right), bottom)
+               : SkIRect::MakeEmpty();
+}
+
 // Named for its log line.
 void filterMask(Surface& surface, int deviceHeight, const SkIRect& area, const SkPaint& paint,
                 const DrawMark& draw) {
@@ -50,9 +75,12 @@ void filterMask(Surface& surface, int deviceHeight, const SkIRect& area, const S
     }
     Surface shape(coverage.pixmap(), deviceHeight, surface.origin() + area.topLeft());
     draw(shape, {static_cast<float>(-area.left()), static_cast<float>(-area.top())});
-    surface.drawMask(SkMask(coverage.getAddr8(0, 0), area,
-                            static_cast<uint32_t>(coverage.rowBytes()), SkMask::kA8_Format),
-                     paint);
+    const SkIRect inked = inkedPart(coverage.pixmap());
+    if (!inked.isEmpty())
+        surface.drawMask(SkMask(coverage.getAddr8(inked.left(), inked.top()),
+                                inked.makeOffset(area.topLeft()),
+                                static_cast<uint32_t>(coverage.rowBytes()), SkMask::kA8_Format),
+                         paint);
 }
 
 sk_sp<SkShader> shifted(const sk_sp<SkShader>& shader, SkVector by) {

@@ -13,8 +13,9 @@ namespace cg {
 namespace {
 
 SkMatrix baseToDevice(const StateValues& values) {
-    return SkMatrix::Scale(values.xScale / values.deviceScale,
-                           std::fabs(values.yScale) / values.deviceScale);
+    const CGFloat x = values.xScale / values.deviceScale;
+    const CGFloat y = std::fabs(values.yScale) / values.deviceScale;
+    return x == 1 && y == 1 ? SkMatrix::I() : SkMatrix::Scale(x, y);
 }
 
 } // namespace
@@ -32,15 +33,15 @@ SkMatrix RasterBackend::patternToPixels(XGGStateRef state, CGPatternRef pattern,
 // Calls out to the pattern where its cell is not kept: surfaces and paints are to be looked up
 // after it.
 sk_sp<SkShader> RasterBackend::patternShader(XGGStateRef state, uint32_t flags, CGColorRef color) {
-    const CGPatternRef pattern = CGColorGetPattern(color);
     const Surface& target = surfaceUnderClip(state, flags);
-    const auto kept = cf::retain(state);
-    auto shader =
-        patterns_.shaderFor({pattern, color, space_.get()}, patternToPixels(state, pattern, target),
-                            target.clip().getBounds());
-    if (patterns_.hasCalledOut())
-        calledOutUnder_ = kept;
-    return shader;
+    const PatternInk ink = {CGColorGetPattern(color), color, space_.get()};
+    const SkMatrix matrix = patternToPixels(state, ink.pattern, target);
+    const SkIRect clip = target.clip().getBounds();
+    if (auto shader = patterns_.find(ink, matrix, clip))
+        return shader;
+    calledOutUnder_ = cf::retain(state);
+    const auto kept = cf::retain(color);
+    return patterns_.make(ink, matrix, clip);
 }
 
 // NULL when nothing is to be painted.

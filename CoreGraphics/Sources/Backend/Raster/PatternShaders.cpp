@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <utility>
 
 namespace cg {
@@ -99,18 +100,31 @@ sk_sp<SkShader> makeShader(SkBitmap& pixels, const SkMatrix& pixelsToSurface, bo
 
 } // namespace
 
+namespace {
+
+// What there is room for; colour spaces of more components share a tile between similar colours.
+template <std::size_t most>
+std::span<const CGFloat> firstComponents(CGColorRef color, const std::array<CGFloat, most>&) {
+    return {CGColorGetComponents(color), std::min(CGColorGetNumberOfComponents(color) - 1, most)};
+}
+
+} // namespace
+
 PatternShaders::Colors::Colors(const PatternInk& ink) : pattern(serialOf(ink.pattern)) {
     if (XGPatternIsColored(ink.pattern))
         return;
     space = cf::retain(CGColorGetColorSpace(ink.color));
-    const std::size_t count = CGColorGetNumberOfComponents(ink.color) - 1; // Less the opacity.
-    std::copy_n(CGColorGetComponents(ink.color), std::min(count, components.size()),
-                components.begin());
+    std::ranges::copy(firstComponents(ink.color, components), components.begin());
 }
 
-bool PatternShaders::Colors::operator==(const Colors& other) const {
-    return pattern == other.pattern && space.get() == other.space.get() &&
-           components == other.components;
+bool PatternShaders::Colors::areThoseOf(const PatternInk& ink) const {
+    if (pattern != serialOf(ink.pattern))
+        return false;
+    return XGPatternIsColored(ink.pattern) ||
+           (space.get() == CGColorGetColorSpace(ink.color) &&
+            std::ranges::equal(
+                firstComponents(ink.color, components),
+                std::span(components).first(firstComponents(ink.color, components).size())));
 }
 
 PatternShaders::Plan PatternShaders::planFor(const PatternGrid& grid, const SkMatrix& matrix,
@@ -149,19 +163,20 @@ bool PatternShaders::haveSamePixels(const Plan& a, const SkIRect& clipOfA, const
            a.x.repeats == b.x.repeats && a.y.repeats == b.y.repeats;
 }
 
-PatternShaders::Entry* PatternShaders::findExact(const Colors& colors, const SkMatrix& matrix,
-                                                 const SkIRect& clip) {
+sk_sp<SkShader> PatternShaders::find(const PatternInk& ink, const SkMatrix& patternToPixels,
+                                     const SkIRect& clip) {
     const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) {
-        return entry.colors == colors && entry.matrix == matrix &&
+        return entry.colors.areThoseOf(ink) && entry.matrix == patternToPixels &&
                (!entry.plan.dependsOnClip || entry.clip == clip);
     });
     if (found == entries_.end())
         return nullptr;
-    std::rotate(entries_.begin(), found, found + 1);
-    return &entries_.front();
+    if (found != entries_.begin())
+        std::rotate(entries_.begin(), found, found + 1);
+    return entries_.front().shader;
 }
 
-PatternShaders::Entry* PatternShaders::keep(Entry entry) {
+void PatternShaders::keep(Entry entry) {
     constexpr std::size_t kMostEntries = 8;
     constexpr std::size_t kMostBytes = 4 * kMostPixels;
     entries_.insert(entries_.begin(), std::move(entry));
@@ -170,29 +185,22 @@ PatternShaders::Entry* PatternShaders::keep(Entry entry) {
            (kept == 0 || bytes + entries_[kept].pixels.computeByteSize() <= kMostBytes))
         bytes += entries_[kept++].pixels.computeByteSize();
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(kept), entries_.end());
-    return &entries_.front();
 }
 
-sk_sp<SkShader> PatternShaders::shaderFor(const PatternInk& ink, const SkMatrix& patternToPixels,
-                                          const SkIRect& clip) {
-    const Colors colors(ink);
-    hasCalledOut_ = false;
-    if (const Entry* const entry = findExact(colors, patternToPixels, clip))
-        return entry->shader;
+sk_sp<SkShader> PatternShaders::make(const PatternInk& ink, const SkMatrix& patternToPixels,
+                                     const SkIRect& clip) {
     const auto grid = gridOf(ink.pattern, patternToPixels);
     if (!grid || clip.isEmpty())
         return nullptr;
     const Plan plan = planFor(*grid, patternToPixels, clip);
-
     SkBitmap pixels;
     const auto same = std::ranges::find_if(entries_, [&](const Entry& entry) {
-        return entry.colors == colors && haveSamePixels(entry.plan, entry.clip, plan, clip);
+        return entry.colors.areThoseOf(ink) && haveSamePixels(entry.plan, entry.clip, plan, clip);
     });
     if (same != entries_.end()) {
         pixels = same->pixels;
         entries_.erase(same);
     } else {
-        hasCalledOut_ = true;
         pixels = plan.isTile ? drawTile(ink, *grid, plan.x, plan.y) : drawClip(ink, *grid, clip);
     }
     if (pixels.isNull())
@@ -201,9 +209,9 @@ sk_sp<SkShader> PatternShaders::shaderFor(const PatternInk& ink, const SkMatrix&
     auto shader = makeShader(pixels, plan.pixelsToSurface, plan.isTile && plan.x.repeats,
                              plan.isTile && plan.y.repeats,
                              isExact ? SkFilterMode::kNearest : SkFilterMode::kLinear);
-    if (!shader)
-        return nullptr;
-    return keep({colors, plan, pixels, std::move(shader), patternToPixels, clip})->shader;
+    if (shader)
+        keep({Colors(ink), plan, pixels, shader, patternToPixels, clip});
+    return shader;
 }
 
 } // namespace cg

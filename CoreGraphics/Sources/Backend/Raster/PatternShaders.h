@@ -18,22 +18,24 @@ namespace cg {
 class PatternShaders {
 public:
     // What paints with the pattern, opaque as its cells are, over a surface's rows and columns to
-    // which `patternToPixels` maps pattern space. It is right inside `clip`. NULL where nothing is
-    // to be painted, with a line in the log if that is an error.
-    sk_sp<SkShader> shaderFor(const PatternInk& ink, const SkMatrix& patternToPixels,
-                              const SkIRect& clip);
-    // Whether the last call had a pattern's callback draw.
-    bool hasCalledOut() const { return hasCalledOut_; }
+    // which `patternToPixels` maps pattern space. It is right inside `clip`. NULL when it has not
+    // been made.
+    sk_sp<SkShader> find(const PatternInk& ink, const SkMatrix& patternToPixels,
+                         const SkIRect& clip);
+    // The same, made if need be, for which the pattern's callback may be called. NULL where nothing
+    // is to be painted, with a line in the log if that is an error.
+    sk_sp<SkShader> make(const PatternInk& ink, const SkMatrix& patternToPixels,
+                         const SkIRect& clip);
 
 private:
     // What the colour of a cell depends on.
     struct Colors {
         explicit Colors(const PatternInk& ink);
-        bool operator==(const Colors& other) const;
+        bool areThoseOf(const PatternInk& ink) const;
 
         std::uint64_t pattern;
-        cf::Ref<CGColorSpaceRef> space; // Of an uncoloured pattern.
-        std::array<CGFloat, 8> components = {};
+        cf::Ref<CGColorSpaceRef> space;         // Of an uncoloured pattern.
+        std::array<CGFloat, 8> components = {}; // Without the opacity.
     };
 
     // How a pattern's pixels are made for a matrix and a clip.
@@ -57,11 +59,9 @@ private:
     static Plan planFor(const PatternGrid& grid, const SkMatrix& matrix, const SkIRect& clip);
     static bool haveSamePixels(const Plan& a, const SkIRect& clipOfA, const Plan& b,
                                const SkIRect& clipOfB);
-    Entry* findExact(const Colors& colors, const SkMatrix& matrix, const SkIRect& clip);
-    Entry* keep(Entry entry);
+    void keep(Entry entry);
 
     std::vector<Entry> entries_; // Used last, first.
-    bool hasCalledOut_ = false;
 };
 
 } // namespace cg

@@ -97,16 +97,11 @@ void Surface::clipPath(const SkPath& devicePath, Antialias antialias) {
 }
 
 void Surface::clipMask(const PlacedImage& coverage) {
-    const SkPixmap& pixels = coverage.pixels;
-    SkBitmap copy;
-    if (clip_.isEmpty() || !copy.tryAllocPixels(pixels.info()) || !copy.writePixels(pixels, 0, 0)) {
-        clipOut();
-        return;
-    }
-    copy.setImmutable();
     const SkMatrix matrix = SkMatrix::Concat(SkMatrix::Concat(deviceToPixels_, coverage.toDevice),
                                              coverage.pixelsToRect());
-    clip_.op(copy.makeShader(SkTileMode::kClamp, SkTileMode::kClamp, coverage.sampling, &matrix));
+    if (!clip_.isEmpty())
+        clip_.op(coverage.bitmap->makeShader(SkTileMode::kClamp, SkTileMode::kClamp,
+                                             coverage.sampling, &matrix));
 }
 
 // ---- Marks

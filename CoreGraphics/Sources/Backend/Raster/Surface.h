@@ -66,7 +66,7 @@ public:
     void resetClip();
     void clipOut();
     void clipRect(const SkRect& deviceRect, Antialias antialias);
-    // Coverage in a layout of 8 bits, which the clip copies.
+    // Coverage in a layout of 8 bits; its bitmap is there, and what the clip keeps.
     void clipMask(const PlacedImage& coverage);
     void clipPath(const SkPath& devicePath, Antialias antialias);
 

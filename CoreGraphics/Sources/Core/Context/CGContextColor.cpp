@@ -45,6 +45,10 @@ void setPattern(ColorSlot slot, CGContextRef context, CGPatternRef pattern,
     const CGColorSpaceRef space = CGColorGetColorSpace(slot.get(state));
     if (!pattern || !components || CGColorSpaceGetModel(space) != kCGColorSpaceModelPattern)
         return;
+    const CGColorRef current = slot.get(state);
+    if (CGColorGetPattern(current) == pattern &&
+        XGColorEqualToColorComponents(current, space, components, nullptr))
+        return;
     if (const auto color = cf::adopt(CGColorCreateWithPattern(space, pattern, components)))
         setColor(slot, state, color.get());
 }
