@@ -138,6 +138,52 @@ TEST(RasterBackend, FillsAndStrokesAsBareSkiaDoesUnderTransforms) {
         expectSame(comparison);
 }
 
+// Rectangles and hairlines have short ways of their own, by colour, edges and clip.
+TEST(RasterBackend, FillsRectanglesAndDrawsHairlinesAsBareSkiaDoes) {
+    constexpr CGRect kRects[] = {{{3, 4}, {20, 30}},
+                                 {{40.3f, 5.6f}, {30.5f, 20.1f}},
+                                 {{-5.5f, 70}, {200, 9.25f}},
+                                 {{60.2f, 50}, {0.3f, 15}}};
+    for (const SkColor color : {SK_ColorBLACK, SK_ColorRED, kHalfBlue})
+        for (const bool isSmooth : {true, false})
+            for (const bool isClipped : {true, false})
+                expectSame({isSmooth ? "smooth" : "sharp",
+                            [=](CGContextRef c) {
+                                const SkColor4f components = SkColor4f::FromColor(color);
+                                CGContextSetShouldAntialias(c, isSmooth);
+                                CGContextSetRGBFillColor(c, components.fR, components.fG,
+                                                         components.fB, components.fA);
+                                CGContextSetRGBStrokeColor(c, components.fR, components.fG,
+                                                           components.fB, components.fA);
+                                if (isClipped) {
+                                    addShape(c);
+                                    CGContextClip(c);
+                                }
+                                CGContextFillRects(c, kRects, std::size(kRects));
+                                for (const CGFloat width : {0.4f, 1.f}) {
+                                    CGContextSetLineWidth(c, width);
+                                    addShape(c);
+                                    CGContextStrokePath(c);
+                                }
+                            },
+                            [=](SkCanvas& canvas) {
+                                SkPaint paint = paintOf(color);
+                                paint.setAntiAlias(isSmooth);
+                                if (isClipped)
+                                    canvas.clipPath(shape(), isSmooth);
+                                for (const CGRect& rect : kRects)
+                                    canvas.drawRect(SkRect::MakeXYWH(rect.origin.x, rect.origin.y,
+                                                                     rect.size.width,
+                                                                     rect.size.height),
+                                                    paint);
+                                for (const float width : {0.4f, 1.f}) {
+                                    SkPaint stroke = strokeOf(color, width);
+                                    stroke.setAntiAlias(isSmooth);
+                                    canvas.drawPath(shape(), stroke);
+                                }
+                            }});
+}
+
 TEST(RasterBackend, ClipsAsBareSkiaDoes) {
     const auto circle = cf::adopt(CGPathCreateWithEllipseInRect(CGRectMake(5, 5, 80, 80), nullptr));
     // Bare Skia gets the same cubics: its own circle would be made of conics.
