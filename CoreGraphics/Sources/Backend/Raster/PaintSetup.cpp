@@ -2,7 +2,6 @@
 
 #include "Backend/Raster/PaintSetup.h"
 
-#include "XGColor.h"
 #include "XGContext.h"
 
 #include "Backend/Raster/SkiaConversions.h"
@@ -23,9 +22,8 @@ U8CPU toByte(CGFloat component) {
     return component >= 1 ? 255 : static_cast<U8CPU>(std::lround(component * 255));
 }
 
-SkColor toARGB(CGColorRef color) {
-    CGFloat red = 0, green = 0, blue = 0, alpha = 0;
-    _CGColorGetRGBA(color, &red, &green, &blue, &alpha);
+SkColor toARGB(CGColorRef color, const ColorTarget& target) {
+    const auto [red, green, blue, alpha] = displayedColor(color, target);
     return SkColorSetARGB(toByte(alpha), toByte(red), toByte(green), toByte(blue));
 }
 
@@ -36,16 +34,36 @@ Antialias antialiasing(XGGStateRef state, uint32_t flags) {
     return isOn ? Antialias::Yes : Antialias::No;
 }
 
-SkColor CachedColor::convert(CGColorRef color) {
+// Equal colours may still be of profiles that show them differently.
+bool CachedColor::isOf(CGColorRef color, CGColorRenderingIntent intent) const {
+    if (!color_ || intent != intent_)
+        return false;
+    return color == color_.get() ||
+           (CGColorGetColorSpace(color) == CGColorGetColorSpace(color_.get()) &&
+            CGColorEqualToColor(color, color_.get()));
+}
+
+SkColor CachedColor::convert(CGColorRef color, const ColorTarget& target) {
     if (!color)
         return SK_ColorBLACK;
     if (CGColorGetPattern(color)) // Has an opacity alone, and is not kept longer than needed.
         return SkColorSetA(SK_ColorBLACK, toByte(CGColorGetAlpha(color)));
-    if (!color_ || !CGColorEqualToColor(color, color_.get())) {
+    if (!isOf(color, target.intent)) {
         color_ = cf::retain(color);
-        argb_ = toARGB(color);
+        intent_ = target.intent;
+        argb_ = toARGB(color, target);
     }
     return argb_;
+}
+
+void PaintSetup::setSpace(CGColorSpaceRef space) {
+    space_ = space;
+    for (CachedColor* const cache : {&fillColor_, &strokeColor_, &shadowColor_})
+        cache->forget();
+}
+
+SkColor PaintSetup::convert(XGGStateRef state, CGColorRef color, CachedColor& cache) {
+    return cache.convert(color, {space_, XGGStateGetRenderingIntent(state)});
 }
 
 void PaintSetup::setUp(XGGStateRef state, uint32_t flags, SkColor color) {
@@ -59,14 +77,14 @@ void PaintSetup::setUp(XGGStateRef state, uint32_t flags, SkColor color) {
 }
 
 const SkPaint& PaintSetup::fill(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern) {
-    setUp(state, flags, fillColor_.convert(XGGStateGetFillColor(state)));
+    setUp(state, flags, convert(state, XGGStateGetFillColor(state), fillColor_));
     paint_.setStyle(SkPaint::kFill_Style);
     paint_.setShader(std::move(pattern));
     return paint_;
 }
 
 const SkPaint& PaintSetup::stroke(XGGStateRef state, uint32_t flags, sk_sp<SkShader> pattern) {
-    setUp(state, flags, strokeColor_.convert(XGGStateGetStrokeColor(state)));
+    setUp(state, flags, convert(state, XGGStateGetStrokeColor(state), strokeColor_));
     paint_.setStyle(SkPaint::kStroke_Style);
     paint_.setShader(std::move(pattern));
     paint_.setStrokeWidth(XGGStateGetLineWidth(state));
@@ -86,7 +104,7 @@ const SkPaint& PaintSetup::image(XGGStateRef state, uint32_t flags) {
 SkPaint PaintSetup::shadowOf(const SkPaint& paint, XGGStateRef state) {
     SkPaint shadow = paint;
     shadow.setShader(nullptr);
-    const SkColor color = shadowColor_.convert(XGGStateGetShadowColor(state));
+    const SkColor color = convert(state, XGGStateGetShadowColor(state), shadowColor_);
     // A translucent mark throws a fainter shadow.
     shadow.setColor(SkColorSetA(color, SkMulDiv255Round(SkColorGetA(color), paint.getAlpha())));
     const CGFloat sigma = XGGStateGetShadowBlur(state) / 2;

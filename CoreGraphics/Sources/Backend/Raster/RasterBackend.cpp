@@ -52,6 +52,7 @@ bool RasterBackend::setBitmap(const Bitmap& bitmap) {
         base_.emplace(info, std::move(lender));
     }
     space_ = cf::retain(bitmap.space);
+    paints_.setSpace(bitmap.space);
     clipIsStale_ = true;
     outerClipsAreStale_ = !layers_.empty();
     return true;
@@ -121,7 +122,7 @@ void RasterBackend::fillRects(XGGStateRef state, uint32_t flags, const CGRect* r
 }
 
 void RasterBackend::drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading) {
-    paintShading(surfaceUnderClip(state, flags), state, flags, shading);
+    paintShading(surfaceUnderClip(state, flags), state, flags, shading, space_.get());
 }
 
 // ---- The seam

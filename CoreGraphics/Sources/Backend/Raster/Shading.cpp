@@ -10,13 +10,15 @@
 
 namespace cg {
 
-void paintShading(Surface& surface, XGGStateRef state, uint32_t flags, CGShadingRef shading) {
+void paintShading(Surface& surface, XGGStateRef state, uint32_t flags, CGShadingRef shading,
+                  CGColorSpaceRef space) {
     if (surface.clip().isEmpty())
         return;
     SkMatrix toPixels = surface.deviceToPixels();
     if (!(flags & kXGContextGeometryInDeviceSpace))
         toPixels.preConcat(toSkia(*XGGStateGetCombinedCTM(state)));
-    sk_sp<SkShader> shader = makeShadingShader(shading, toPixels);
+    sk_sp<SkShader> shader =
+        makeShadingShader(shading, toPixels, {space, XGGStateGetRenderingIntent(state)});
     SkMatrix toDevice;
     if (!shader || !surface.deviceToPixels().invert(&toDevice))
         return;

@@ -10,7 +10,9 @@
 
 namespace cg {
 
-// Paints the surface's whole clip under the state's alpha and blend mode.
-void paintShading(Surface& surface, XGGStateRef state, uint32_t flags, CGShadingRef shading);
+// Paints the surface's whole clip, whose colours are of `space`, under the state's alpha and blend
+// mode.
+void paintShading(Surface& surface, XGGStateRef state, uint32_t flags, CGShadingRef shading,
+                  CGColorSpaceRef space);
 
 } // namespace cg

@@ -2,7 +2,6 @@
 
 #include "Backend/Raster/ShadingColors.h"
 
-#include "XGColor.h"
 #include "XGFunction.h"
 #include "XGShading.h"
 
@@ -26,42 +25,39 @@ float limited(CGFloat component) {
 // Components of one colour space as Skia's colours, by the rules of fill colours.
 class ColorReader {
 public:
-    explicit ColorReader(CGColorSpaceRef space)
-        : space_(space), model_(CGColorSpaceGetModel(space)),
-          componentCount_(CGColorSpaceGetNumberOfComponents(space)) {}
+    ColorReader(CGColorSpaceRef space, const ColorTarget& target)
+        : space_(space), target_(target), model_(CGColorSpaceGetModel(space)),
+          componentCount_(CGColorSpaceGetNumberOfComponents(space)),
+          keepsLines_(isPaintedAsItStands(space, target)) {}
 
     std::size_t componentCount() const { return componentCount_; }
     // Whether half-way between two colours lies half-way in Skia's colours too.
-    bool keepsLines() const {
-        return model_ == kCGColorSpaceModelRGB || model_ == kCGColorSpaceModelMonochrome;
-    }
+    bool keepsLines() const { return keepsLines_; }
 
     // Of the components and, behind them, the opacity.
     SkColor4f read(const CGFloat* components) const {
-        switch (model_) {
-        case kCGColorSpaceModelMonochrome: {
+        if (!keepsLines_)
+            return convert(components);
+        if (model_ == kCGColorSpaceModelMonochrome) {
             const float gray = limited(components[0]);
             return {gray, gray, gray, limited(components[1])};
         }
-        case kCGColorSpaceModelRGB:
-            return {limited(components[0]), limited(components[1]), limited(components[2]),
-                    limited(components[3])};
-        default:
-            return convert(components);
-        }
+        return {limited(components[0]), limited(components[1]), limited(components[2]),
+                limited(components[3])};
     }
 
 private:
     SkColor4f convert(const CGFloat* components) const {
         const auto color = cf::adopt(CGColorCreate(space_, components));
-        CGFloat red = 0, green = 0, blue = 0, alpha = 0;
-        _CGColorGetRGBA(color.get(), &red, &green, &blue, &alpha);
+        const auto [red, green, blue, alpha] = displayedColor(color.get(), target_);
         return {limited(red), limited(green), limited(blue), limited(alpha)};
     }
 
     CGColorSpaceRef space_;
+    ColorTarget target_;
     CGColorSpaceModel model_;
     std::size_t componentCount_;
+    bool keepsLines_;
 };
 
 // Whether Skia can take the stops as they are. Those outside 0 … 1 it would move to the ends.
@@ -125,9 +121,9 @@ ShadingColors ShadingColors::reversed() const {
     return result;
 }
 
-ShadingColors colorsOf(CGShadingRef shading) {
+ShadingColors colorsOf(CGShadingRef shading, const ColorTarget& target) {
     const CGFunctionRef function = XGShadingGetFunction(shading);
-    const ColorReader reader(XGShadingGetColorSpace(shading));
+    const ColorReader reader(XGShadingGetColorSpace(shading), target);
     const CGGradientRef gradient = gradientOfFunction(function);
     if (gradient && gradient->componentsPerStop == reader.componentCount() + 1 &&
         reader.keepsLines() && areWithinEnds(*gradient))

@@ -4,6 +4,7 @@
 #include <CoreGraphics/CGShading.h>
 
 #include "Backend/Raster/ShadingSampler.h"
+#include "Core/Color/DisplayedColor.h"
 #include "include/private/base/SkTArray.h"
 
 namespace cg {
@@ -26,6 +27,6 @@ struct ShadingColors {
 
 // The stops of a gradient as they are, and any other function sampled. Empty, after a warning, when
 // the function does not fit a shading.
-ShadingColors colorsOf(CGShadingRef shading);
+ShadingColors colorsOf(CGShadingRef shading, const ColorTarget& target);
 
 } // namespace cg

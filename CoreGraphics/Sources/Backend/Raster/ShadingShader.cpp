@@ -125,11 +125,12 @@ sk_sp<SkShader> makeOverlapping(const Geometry& geometry, const ShadingColors& c
 }
 
 // Skia turns from x towards y, too.
-sk_sp<SkShader> makeConic(CGShadingRef shading, CGFloat angle, const SkMatrix& toPixels) {
+sk_sp<SkShader> makeConic(CGShadingRef shading, CGFloat angle, const SkMatrix& toPixels,
+                          const ColorTarget& target) {
     const SkPoint center = geometryOf(shading).start.center;
     if (!center.isFinite() || !std::isfinite(angle))
         return nullptr;
-    const ShadingColors colors = colorsOf(shading);
+    const ShadingColors colors = colorsOf(shading, target);
     SkMatrix matrix;
     matrix.setSinCos(std::sin(angle), std::cos(angle), center.x(), center.y());
     matrix.postConcat(toPixels);
@@ -139,13 +140,14 @@ sk_sp<SkShader> makeConic(CGShadingRef shading, CGFloat angle, const SkMatrix& t
 
 } // namespace
 
-sk_sp<SkShader> makeShadingShader(CGShadingRef shading, const SkMatrix& toPixels) {
+sk_sp<SkShader> makeShadingShader(CGShadingRef shading, const SkMatrix& toPixels,
+                                  const ColorTarget& target) {
     if (const auto angle = startAngleOf(shading))
-        return makeConic(shading, *angle, toPixels);
+        return makeConic(shading, *angle, toPixels, target);
     Geometry geometry = geometryOf(shading);
     if (!paintsSomething(geometry))
         return nullptr;
-    const ShadingColors colors = colorsOf(shading);
+    const ShadingColors colors = colorsOf(shading, target);
     if (colors.count() == 0)
         return nullptr;
     SkMatrix matrix = toPixels;

@@ -3,6 +3,7 @@
 
 #include <CoreGraphics/CGShading.h>
 
+#include "Core/Color/DisplayedColor.h"
 #include "include/core/SkMatrix.h"
 #include "include/core/SkShader.h"
 
@@ -10,6 +11,7 @@ namespace cg {
 
 // What paints a shading, whose space `toPixels` maps to a surface's pixels; NULL when it paints
 // nothing.
-sk_sp<SkShader> makeShadingShader(CGShadingRef shading, const SkMatrix& toPixels);
+sk_sp<SkShader> makeShadingShader(CGShadingRef shading, const SkMatrix& toPixels,
+                                  const ColorTarget& target);
 
 } // namespace cg

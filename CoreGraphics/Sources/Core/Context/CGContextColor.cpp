@@ -31,10 +31,15 @@ void setSpace(ColorSlot slot, CGContextRef context, CGColorSpaceRef space) {
     slot.set(state, cf::adopt(XGColorSpaceCopyDefaultColor(space)).get());
 }
 
-// Patterns that compare equal may still draw differently, since their callbacks do not count: a
-// colour of another pattern is not taken for the one that is there.
+// Patterns that compare equal may still draw differently, since their callbacks do not count, and
+// so may equal colours of two profiles: the one is not taken for the other that is there.
+bool isOfSameKind(CGColorRef a, CGColorRef b) {
+    return CGColorGetPattern(a) == CGColorGetPattern(b) &&
+           CGColorGetColorSpace(a) == CGColorGetColorSpace(b);
+}
+
 void setColor(ColorSlot slot, XGGStateRef state, CGColorRef color) {
-    if (CGColorGetPattern(color) != CGColorGetPattern(slot.get(state)))
+    if (!isOfSameKind(color, slot.get(state)))
         slot.set(state, nullptr);
     slot.set(state, color);
 }
@@ -57,11 +62,11 @@ void setPattern(ColorSlot slot, CGContextRef context, CGPatternRef pattern,
 void setComponents(ColorSlot slot, XGGStateRef state, CGColorSpaceRef space,
                    const CGFloat* components) {
     const CGColorRef current = slot.get(state);
-    if (!CGColorGetPattern(current) &&
+    if (!CGColorGetPattern(current) && CGColorGetColorSpace(current) == space &&
         XGColorEqualToColorComponents(current, space, components, nullptr))
         return;
     if (const auto color = cf::adopt(CGColorCreate(space, components)))
-        slot.set(state, color.get());
+        setColor(slot, state, color.get());
 }
 
 void setComponentsInCurrentSpace(ColorSlot slot, CGContextRef context, const CGFloat* components) {
