@@ -176,14 +176,16 @@ TEST(Pattern, FitsFractionsOfPixelsAsItsTilingSays) {
 TEST(Pattern, HasNoSeams) {
     const CGRect square = CGRectMake(0, 0, 4, 4);
     const Cell all = [=](CGContextRef context) { fill(context, 'g', square); };
-    for (const CGFloat scale : {0.3f, 1.f, 1.1f, 2.77f}) {
-        for (const CGFloat angle : {0.f, 0.4f, 1.5707964f}) {
-            const auto matrix =
-                CGAffineTransformScale(CGAffineTransformMakeRotation(angle), scale, scale);
-            const Rows rows = painted({square, {4, 4}, matrix}, all, 40, 3, {0.4f, 0.7f});
-            EXPECT_EQ(rows, Rows(3, std::string(40, 'G'))) << scale << " " << angle;
-        }
-    }
+    for (const CGFloat scale : {0.3f, 1.f, 1.1f, 2.77f})
+        for (const CGFloat angle : {0.f, 0.4f, 1.5707964f})
+            for (const auto tiling :
+                 {kCGPatternTilingNoDistortion, kCGPatternTilingConstantSpacing}) {
+                const auto matrix =
+                    CGAffineTransformScale(CGAffineTransformMakeRotation(angle), scale, scale);
+                const Rows rows =
+                    painted({square, {4, 4}, matrix, tiling}, all, 40, 3, {0.4f, 0.7f});
+                EXPECT_EQ(rows, Rows(3, std::string(40, 'G'))) << scale << " " << angle;
+            }
 }
 
 TEST(Pattern, StaysInBaseSpace) {

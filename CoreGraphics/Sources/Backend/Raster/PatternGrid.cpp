@@ -39,6 +39,9 @@ FittedAxis fit(double scale, double step, double length, Distort distort) {
         (distort == Distort::Yes || std::fabs(period - whole) < kTolerance)) {
         period = whole;
         scale = whole / step;
+    } else if (period < kLargestWholePeriod && std::fabs(length - step) <= kTolerance * step) {
+        // Side by side, edges that cover half a pixel would show as lines between the cells.
+        scale = std::ceil(period) / step;
     }
     GridAxis axis;
     axis.period = std::max(period, 1.0);

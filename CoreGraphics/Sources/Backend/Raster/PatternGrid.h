@@ -48,7 +48,8 @@ struct PatternGrid {
 //
 // How steps meet pixels is the pattern's choice, after ISO 32000-1, 8.7.3.1: undistorted cells keep
 // their size, and their distances are rounded each; others are stretched by less than a pixel, so
-// that their distance is a whole number of pixels. A step of 0 or that is not a number is that of
+// that their distance is a whole number of pixels. Cells that meet are always stretched to whole
+// pixels. A step of 0 or that is not a number is that of
 // cells side by side; the sign of a step makes no difference.
 std::optional<PatternGrid> gridOf(CGPatternRef pattern, const SkMatrix& patternToPixels);
 
