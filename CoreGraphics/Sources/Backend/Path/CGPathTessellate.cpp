@@ -175,10 +175,12 @@ private:
 
 bool _CGPathTessellate(CGPathRef path, uint32_t fillRule, double tolerance,
                        XGPathTessellateFunction function, void* info, CGRect* bounds) {
-    CG_BUG_UNLESS(fillRule == kXGPathFillWinding || fillRule == kXGPathFillEvenOdd);
     if (bounds)
         *bounds = CGRectNull;
-    if (!path || !function || !path->path.isFinite())
+    if (!path || !function)
+        return false;
+    CG_BUG_UNLESS(fillRule == kXGPathFillWinding || fillRule == kXGPathFillEvenOdd);
+    if (!path->path.isFinite())
         return false;
     const SkPath filled = path->path; // The caller's function may change the path.
     const Tessellator tessellator = makeTessellator(fillRule == kXGPathFillEvenOdd);
