@@ -124,8 +124,8 @@ CellRange GridAxis::touching(double low, double high) const {
     if (std::isinf(period))
         return low < length && high > 0 ? CellRange{0, 0} : CellRange{};
     // Rounding may move a cell by half a pixel.
-    return {saturate<std::int64_t>(std::floor((low - length - 0.5) / period)) + 1,
-            saturate<std::int64_t>(std::ceil((high + 0.5) / period)) - 1};
+    return {saturate<std::int64_t>(std::floor((low - length - 0.5) / period) + 1),
+            saturate<std::int64_t>(std::ceil((high + 0.5) / period) - 1)};
 }
 
 std::optional<PatternGrid> gridOf(CGPatternRef pattern, const SkMatrix& patternToPixels) {
