@@ -13,6 +13,10 @@
 
 #include <benchmark/benchmark.h>
 
+#if NIMBRA_HAS_CAIRO
+#include <cairo.h>
+#endif
+
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -136,6 +140,58 @@ void drawBare(benchmark::State& state, Kind kind) {
         canvas.restore();
     }
 }
+
+#if NIMBRA_HAS_CAIRO
+
+cairo_filter_t filterFor(CGInterpolationQuality quality) {
+    if (quality == kCGInterpolationNone)
+        return CAIRO_FILTER_NEAREST;
+    return quality == kCGInterpolationHigh ? CAIRO_FILTER_BEST : CAIRO_FILTER_GOOD;
+}
+
+void drawCairo(benchmark::State& state, Kind kind) {
+    const Placement& place = kPlacements[state.range(0)];
+    state.SetLabel(kNames[state.range(0)]);
+    auto bytes = pictureBytes(kind);
+    cairo_surface_t* const image = cairo_image_surface_create_for_data(
+        bytes.data(), kind == Kind::Opaque ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, kImageSize,
+        kImageSize, 4 * kImageSize);
+    cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSize, kSize);
+    cairo_t* const cairo = cairo_create(surface);
+    const CGAffineTransform& m = place.ctm;
+    const cairo_matrix_t ctm = {double{m.a}, double{m.b},  double{m.c},
+                                double{m.d}, double{m.tx}, double{m.ty}};
+    cairo_translate(cairo, 0, kSize);
+    cairo_scale(cairo, 1, -1);
+    cairo_transform(cairo, &ctm);
+    const CGRect& rect = place.rect;
+    for (auto _ : state) {
+        cairo_save(cairo);
+        cairo_translate(cairo, double{rect.origin.x}, double{rect.origin.y + rect.size.height});
+        cairo_scale(cairo, double{rect.size.width} / kImageSize,
+                    -double{rect.size.height} / kImageSize);
+        cairo_set_source_surface(cairo, image, 0, 0);
+        cairo_pattern_set_filter(cairo_get_source(cairo), filterFor(place.quality));
+        cairo_rectangle(cairo, 0, 0, kImageSize, kImageSize);
+        cairo_fill(cairo);
+        cairo_restore(cairo);
+    }
+    cairo_destroy(cairo);
+    cairo_surface_destroy(surface);
+    cairo_surface_destroy(image);
+}
+
+void opaqueCairo(benchmark::State& state) {
+    drawCairo(state, Kind::Opaque);
+}
+void translucentCairo(benchmark::State& state) {
+    drawCairo(state, Kind::Translucent);
+}
+
+BENCHMARK(opaqueCairo)->DenseRange(0, 6);
+BENCHMARK(translucentCairo)->DenseRange(0, 6);
+
+#endif
 
 void opaque(benchmark::State& state) {
     draw(state, Kind::Opaque);

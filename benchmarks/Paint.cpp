@@ -14,6 +14,10 @@
 
 #include <benchmark/benchmark.h>
 
+#if NIMBRA_HAS_CAIRO
+#include <cairo.h>
+#endif
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -89,6 +93,42 @@ void drawGradientBare(benchmark::State& state, Shape shape, int count) {
         canvas.drawPaint(paint);
     }
 }
+
+#if NIMBRA_HAS_CAIRO
+
+void drawGradientCairo(benchmark::State& state, Shape shape, int count) {
+    cairo_surface_t* const surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, kSize, kSize);
+    cairo_t* const cairo = cairo_create(surface);
+    cairo_translate(cairo, 0, kSize);
+    cairo_scale(cairo, 1, -1);
+    const auto colors = colorsOf(count);
+    for ([[maybe_unused]] auto round : state) {
+        cairo_pattern_t* const pattern =
+            shape == Shape::Linear
+                ? cairo_pattern_create_linear(double{kStart.x}, double{kStart.y}, double{kEnd.x},
+                                              double{kEnd.y})
+                : cairo_pattern_create_radial(double{kStart.x}, double{kStart.y}, 5, double{kEnd.x},
+                                              double{kEnd.y}, double{kRadius});
+        for (int index = 0; index < count; ++index) {
+            const SkColor4f& color = colors[static_cast<std::size_t>(index)];
+            cairo_pattern_add_color_stop_rgba(pattern, index / double(count - 1), double{color.fR},
+                                              double{color.fG}, double{color.fB}, double{color.fA});
+        }
+        cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);
+        cairo_set_source(cairo, pattern);
+        cairo_paint(cairo);
+        cairo_pattern_destroy(pattern);
+    }
+    cairo_destroy(cairo);
+    cairo_surface_destroy(surface);
+}
+
+BENCHMARK_CAPTURE(drawGradientCairo, linear_2, Shape::Linear, 2);
+BENCHMARK_CAPTURE(drawGradientCairo, linear_5, Shape::Linear, 5);
+BENCHMARK_CAPTURE(drawGradientCairo, radial_2, Shape::Radial, 2);
+BENCHMARK_CAPTURE(drawGradientCairo, radial_5, Shape::Radial, 5);
+
+#endif
 
 BENCHMARK_CAPTURE(drawGradient, linear_2, Shape::Linear, 2);
 BENCHMARK_CAPTURE(drawGradientBare, linear_2, Shape::Linear, 2);
