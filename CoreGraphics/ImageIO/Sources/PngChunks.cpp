@@ -55,6 +55,12 @@ std::optional<PngChunk> PngChunks::next() {
     return chunk;
 }
 
+std::uint32_t PngChunks::nameOfBrokenChunk() {
+    while (next()) {
+    }
+    return u32(rest_, 4);
+}
+
 PngLateMetadata::PngLateMetadata(Bytes file) {
     std::size_t size = kSignature;
     bool isWanted = false;

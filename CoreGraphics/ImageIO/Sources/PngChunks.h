@@ -28,6 +28,9 @@ public:
     explicit PngChunks(Bytes file);
     // Nothing where the next chunk is not all there.
     std::optional<PngChunk> next();
+    // The name of the next chunk where there is no more of it than that; 0 where there is not even
+    // a name.
+    std::uint32_t nameOfBrokenChunk();
 
 private:
     Bytes rest_;

@@ -2,6 +2,8 @@
 
 #include "PngSession.h"
 
+#include "PngChunks.h"
+
 #include <algorithm>
 #include <csetjmp>
 #include <cstring>
@@ -35,11 +37,6 @@ PngSession::PngSession(Bytes file, PngMetadata metadata) : file_(file) {
     png_set_read_fn(png_, this, read);
     // The size of pictures is limited by setLayout().
     png_set_user_limits(png_, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
-    // No chunk comes to more than its deflated bytes can hold; libpng's own limit is eight
-    // megabytes.
-    constexpr png_alloc_size_t kMostBytesPerByte = 1032, kMostBytes = 8000000;
-    png_set_chunk_malloc_max(
-        png_, std::clamp<png_alloc_size_t>(file.size() * kMostBytesPerByte, 1, kMostBytes));
     ignore(metadata);
 }
 
@@ -55,6 +52,20 @@ void PngSession::ignore(PngMetadata metadata) {
         ignoreChunks(png_, kForHeader);
     if (metadata != PngMetadata::All)
         ignoreChunks(png_, kForTexts);
+    ignoreBrokenChunk();
+}
+
+// libpng takes the memory that a chunk claims before it looks for its bytes. Of one that the file
+// breaks off in, which may claim two gigabytes, nothing can be used. Its kind is told by the first
+// letter: chunks that pictures cannot do without have a capital there.
+void PngSession::ignoreBrokenChunk() {
+    const std::uint32_t name = PngChunks(file_).nameOfBrokenChunk();
+    const png_byte letters[] = {static_cast<png_byte>(name >> 24),
+                                static_cast<png_byte>(name >> 16), static_cast<png_byte>(name >> 8),
+                                static_cast<png_byte>(name), 0};
+    constexpr png_byte kIsAncillary = 0x20;
+    if ((letters[0] & kIsAncillary) != 0)
+        png_set_keep_unknown_chunks(png_, PNG_HANDLE_CHUNK_NEVER, letters, 1);
 }
 
 void PngSession::read(png_structp png, png_bytep out, std::size_t count) {

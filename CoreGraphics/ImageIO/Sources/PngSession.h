@@ -31,6 +31,7 @@ public:
 private:
     static void read(png_structp png, png_bytep out, std::size_t count);
     void ignore(PngMetadata metadata);
+    void ignoreBrokenChunk();
     void configure(const ImageHeader& header);
     void readPass(const ImageHeader& header, std::uint8_t* pixels);
 
