@@ -80,7 +80,8 @@ void setShadow(CGContextRef context, const FilterLayer& layer, CGSize away) {
 // A shadow without what throws it: that is drawn in the lower half of a bitmap of twice the height,
 // and its shadow falls into the upper half. The margin is for what lies beyond the picture but is
 // blurred into it.
-void drawSilhouette(CGContextRef context, const FilterLayer& layer, const Draw& draw) {
+void drawSilhouette(Scene& scene, CGContextRef context, const FilterLayer& layer,
+                    const Draw& draw) {
     constexpr double kReach = 3, kMostMargin = 256;
     const double margin = std::ceil(
         std::min(kMostMargin, kReach * layer.deviation * scaleOf(CGContextGetCTM(context))));
@@ -100,6 +101,7 @@ void drawSilhouette(CGContextRef context, const FilterLayer& layer, const Draw& 
         CGContextConcatCTM(bitmap.get(), CGAffineTransformInvert(ctm));
         CGContextClipToRect(bitmap.get(), half);
         CGContextConcatCTM(bitmap.get(), ctm);
+        const PatternSpace space(scene, CGAffineTransformIdentity);
         draw(bitmap.get());
     }
     const Image both(CGBitmapContextCreateImage(bitmap.get()));
@@ -124,7 +126,8 @@ void drawMoved(CGContextRef context, const FilterLayer& layer, const Draw& draw)
     draw(context);
 }
 
-void drawLayers(CGContextRef context, const std::vector<FilterLayer>& layers, const Draw& draw) {
+void drawLayers(Scene& scene, CGContextRef context, const std::vector<FilterLayer>& layers,
+                const Draw& draw) {
     for (std::size_t i = 0; i < layers.size(); ++i) {
         const FilterLayer& layer = layers[i];
         const bool isUnderElement = i + 1 < layers.size() && layers[i + 1].kind == Kind::Element &&
@@ -134,7 +137,7 @@ void drawLayers(CGContextRef context, const std::vector<FilterLayer>& layers, co
         else if (isUnderElement)
             drawWithShadow(context, layer, draw), ++i;
         else
-            drawSilhouette(context, layer, draw);
+            drawSilhouette(scene, context, layer, draw);
     }
 }
 
@@ -162,7 +165,7 @@ void drawFiltered(Scene& scene, CGContextRef context, const Occurrence& filtered
     }
     const SavedState saved(context);
     CGContextClipToRect(context, regionOf(scene, filtered, filter));
-    drawLayers(context, *layers, draw);
+    drawLayers(scene, context, *layers, draw);
 }
 
 } // namespace svg

@@ -21,6 +21,7 @@ using Path = std::unique_ptr<std::remove_pointer_t<CGMutablePathRef>, Releaser<C
 using Context = std::unique_ptr<std::remove_pointer_t<CGContextRef>, Releaser<CGContextRelease>>;
 using Image = std::unique_ptr<std::remove_pointer_t<CGImageRef>, Releaser<CGImageRelease>>;
 using ColorRef = std::unique_ptr<std::remove_pointer_t<CGColorRef>, Releaser<CGColorRelease>>;
+using PatternRef = std::unique_ptr<std::remove_pointer_t<CGPatternRef>, Releaser<CGPatternRelease>>;
 using ColorSpace =
     std::unique_ptr<std::remove_pointer_t<CGColorSpaceRef>, Releaser<CGColorSpaceRelease>>;
 using GradientRef =

@@ -55,6 +55,7 @@ Image coverageOf(Scene& scene, CGContextRef context, const Occurrence& masked, E
     CGContextClipToRect(bitmap.get(), regionOf(mask, box));
     if (isContentInBox)
         CGContextConcatCTM(bitmap.get(), boxToUserSpace(box));
+    const PatternSpace space(scene, CGAffineTransformIdentity);
     Renderer renderer(scene, bitmap.get());
     for (const Occurrence& child : interiorOf(scene, mask).children)
         renderer.draw(child);

@@ -18,6 +18,25 @@ struct Scene {
     std::size_t budget = 500'000;
     // The masks, markers and patterns that are being drawn.
     std::vector<Element> inUse = {};
+    // What patterns are placed in, as the bitmap has it: a bitmap's own space, or that of the tile
+    // of the pattern that is being drawn.
+    CGAffineTransform patternSpace = CGAffineTransformIdentity;
+};
+
+// Sets what patterns are placed in while the scope lasts.
+class PatternSpace {
+public:
+    PatternSpace(Scene& scene, const CGAffineTransform& space)
+        : scene_(scene), before_(scene.patternSpace) {
+        scene_.patternSpace = space;
+    }
+    ~PatternSpace() { scene_.patternSpace = before_; }
+    PatternSpace(const PatternSpace&) = delete;
+    PatternSpace& operator=(const PatternSpace&) = delete;
+
+private:
+    Scene& scene_;
+    CGAffineTransform before_;
 };
 
 // Notes that an element is being drawn for others while the scope lasts, so that it does not come

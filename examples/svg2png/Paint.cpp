@@ -49,9 +49,16 @@ void fill(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef
         const SavedState saved(context);
         CGContextAddPath(context, path);
         drawInsidePath(context, *gradient, style.fillRule, fillOpacity);
-    } else if (const auto color = visibleColor(source, fillOpacity)) {
+        return;
+    }
+    const auto* const tile = std::get_if<PatternTile>(&source);
+    const auto color = visibleColor(source, fillOpacity);
+    if (tile)
+        setPattern(context, *tile, PaintedPart::Fill, fillOpacity);
+    else if (color)
         CGContextSetRGBFillColor(context, CGFloat(color->red), CGFloat(color->green),
                                  CGFloat(color->blue), CGFloat(color->alpha));
+    if (tile || color) {
         CGContextAddPath(context, path);
         if (style.fillRule == FillRule::EvenOdd)
             CGContextEOFillPath(context);
@@ -98,10 +105,16 @@ void stroke(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathR
     const PaintSource source =
         width > 0 ? paintSourceOf(scene, shape, style.stroke, path) : PaintSource();
     const auto* const gradient = std::get_if<Gradient>(&source);
+    const auto* const tile = std::get_if<PatternTile>(&source);
     const auto color = visibleColor(source, strokeOpacity);
-    if (!gradient && !color)
+    if (!gradient && !tile && !color)
         return;
     setLine(context, shape, width);
+    if (tile)
+        setPattern(context, *tile, PaintedPart::Stroke, strokeOpacity);
+    else if (color)
+        CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
+                                   CGFloat(color->blue), CGFloat(color->alpha));
     CGContextAddPath(context, path);
     // A path is mapped when it is added, the pen when the stroke is drawn: with the identity in
     // between the pen keeps its width in pixels.
@@ -109,12 +122,8 @@ void stroke(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathR
     const CGAffineTransform userSpace = CGContextGetCTM(context);
     if (style.hasFixedStrokeWidth)
         CGContextConcatCTM(context, CGAffineTransformInvert(userSpace));
-    if (color) {
-        CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
-                                   CGFloat(color->blue), CGFloat(color->alpha));
-        CGContextStrokePath(context);
-        return;
-    }
+    if (!gradient)
+        return CGContextStrokePath(context);
     CGContextReplacePathWithStrokedPath(context);
     if (style.hasFixedStrokeWidth)
         CGContextConcatCTM(context, userSpace);

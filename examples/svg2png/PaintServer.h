@@ -3,16 +3,16 @@
 
 #include "Gradient.h"
 #include "Occurrence.h"
+#include "PatternTile.h"
 
 #include <variant>
 
 namespace svg {
 
-// Nothing, one colour, or a gradient in the shape's user space.
-using PaintSource = std::variant<std::monostate, Color, Gradient>;
+// Nothing, one colour, or a gradient or pattern in the shape's user space.
+using PaintSource = std::variant<std::monostate, Color, Gradient, PatternTile>;
 
-// What `paint` comes to on a shape with this outline. Patterns come to the fallback that the
-// document names, or to nothing, and the report tells.
+// What `paint` comes to on a shape with this outline.
 PaintSource paintSourceOf(Scene& scene, const Occurrence& shape, const Paint& paint,
                           CGPathRef outline);
 

@@ -8,11 +8,7 @@ using namespace test;
 
 TEST(Render, MasksByBrightnessAndOpacity) {
     const std::string whole = "<rect width='40' height='40' fill='red' mask='url(#m)'/>";
-    const struct {
-        const char* what;
-        std::string content;
-        std::vector<Probe> probes;
-    } cases[] = {
+    expectAll({
         {"white shows, black and nothing hide",
          "<mask id='m'><rect width='20' height='40' fill='white'/>"
          "<rect x='20' width='10' height='40'/></mask>" +
@@ -53,9 +49,7 @@ TEST(Render, MasksByBrightnessAndOpacity) {
         {"one that is not there",
          "<rect width='40' height='40' fill='red' mask='url(#m)'/>",
          {{20, 20, kRed}}},
-    };
-    for (const auto& [what, content, probes] : cases)
-        expectPixels(what, content, probes);
+    });
 }
 
 // A marker that points along x: 4 wide, 2 high, its back at the vertex.
@@ -67,11 +61,7 @@ std::string marked(const std::string& attributes, const std::string& path,
 }
 
 TEST(Render, PutsMarkersAtVertices) {
-    const struct {
-        const char* what;
-        std::string content;
-        std::vector<Probe> probes;
-    } cases[] = {
+    expectAll({
         {"upright at the end",
          marked("", "M10 10V20"),
          {{12, 20, kRed}, {10, 12, kClear}, {10, 22, kClear}}},
@@ -113,9 +103,7 @@ TEST(Render, PutsMarkersAtVertices) {
          "<marker id='m' markerWidth='9' markerHeight='9'><path d='M0 0H9V9' fill='red' "
          "marker-end='url(#m)'/></marker><path d='M0 0L20 20' marker-end='url(#m)'/>",
          {{27, 22, kRed}}},
-    };
-    for (const auto& [what, content, probes] : cases)
-        expectPixels(what, content, probes);
+    });
 }
 
 TEST(Render, ShowsImageFiles) {
@@ -149,11 +137,7 @@ TEST(Render, DrawsFiltersThatComeToShadows) {
         return "<filter id='f' filterUnits='userSpaceOnUse' x='0' y='0' width='40' height='40'>" +
                primitives + "</filter>" + square;
     };
-    const struct {
-        const char* what;
-        std::string content;
-        std::vector<Probe> probes;
-    } cases[] = {
+    expectAll({
         {"a drop shadow",
          filter("<feDropShadow dx='12' dy='12' stdDeviation='0' flood-color='blue'/>"),
          {{12, 12, kRed}, {27, 27, kBlue}, {27, 12, kClear}}},
@@ -192,9 +176,7 @@ TEST(Render, DrawsFiltersThatComeToShadows) {
         {"what cannot be drawn leaves the element as it is",
          filter("<feTurbulence/>"),
          {{12, 12, kRed}, {30, 30, kClear}}},
-    };
-    for (const auto& [what, content, probes] : cases)
-        expectPixels(what, content, probes);
+    });
 }
 
 } // namespace

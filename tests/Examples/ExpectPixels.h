@@ -50,7 +50,7 @@ inline void expectPixels(const char* what, const std::string& content,
 
 struct Case {
     const char* what;
-    const char* content;
+    std::string content;
     std::vector<Probe> probes;
 };
 

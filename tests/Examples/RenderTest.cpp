@@ -219,11 +219,69 @@ TEST(Render, PaintsGradients) {
          {{30, kRed}});
 }
 
-TEST(Render, FallsBackWhereItCannotPaintYet) {
-    const std::string square = "<pattern id='p'/><rect width='40' height='40' fill='url(#";
-    expectPixels("the document's fallback", square + "p) lime'/>", {{20, 20, kLime}});
-    expectPixels("no fallback for a pattern", square + "p)'/>", {{20, 20, kClear}});
-    expectPixels("no fallback for nothing", square + "no)'/>", {{20, 20, kClear}});
+// A tile of 10 × 10 that is red at its top left, and lime at its bottom right.
+TEST(Render, PaintsPatterns) {
+    const std::string content = "<rect width='5' height='5' fill='red'/>"
+                                "<rect x='5' y='5' width='5' height='5' fill='lime'/>";
+    const std::string whole = "<rect width='40' height='40' fill='url(#p)'/>";
+    const auto pattern = [&](const std::string& attributes) {
+        return "<pattern id='p' " + attributes + ">" + content + "</pattern>";
+    };
+    const std::string plain = pattern("patternUnits='userSpaceOnUse' width='10' height='10'");
+    expectAll({
+        {"side by side, without gaps",
+         plain + whole,
+         {{2, 2, kRed}, {7, 2, kClear}, {7, 7, kLime}, {32, 22, kRed}, {39, 39, kLime}}},
+        {"from where it lies",
+         pattern("patternUnits='userSpaceOnUse' x='5' width='10' height='10'") + whole,
+         {{2, 2, kClear}, {2, 7, kLime}, {7, 2, kRed}, {12, 2, kClear}, {12, 7, kLime}}},
+        {"in parts of the box, its view box stretched",
+         pattern("width='.5' height='50%' viewBox='0 0 10 10'") + whole,
+         {{5, 5, kRed}, {15, 15, kLime}, {25, 5, kRed}, {35, 5, kClear}}},
+        {"its content in parts of the box",
+         "<pattern id='p' width='.5' height='.5' patternContentUnits='objectBoundingBox'>"
+         "<rect width='.25' height='.25' fill='red'/></pattern>" +
+             whole,
+         {{5, 5, kRed}, {15, 5, kClear}, {25, 25, kRed}}},
+        {"transformed",
+         pattern("patternUnits='userSpaceOnUse' width='10' height='10' "
+                 "patternTransform='translate(5) scale(2)'") +
+             whole,
+         {{7, 2, kRed}, {17, 2, kClear}, {20, 15, kLime}, {27, 22, kRed}}},
+        {"by the attributes and the content of the one that it is linked to",
+         plain + "<pattern id='q' href='#p' x='5'/><rect width='40' height='40' fill='url(#q)'/>",
+         {{2, 2, kClear}, {7, 2, kRed}}},
+        {"in the user space of the shape",
+         plain + "<g transform='translate(5 0)'><rect width='20' height='20' fill='url(#p)'/></g>",
+         {{7, 2, kRed}, {12, 2, kClear}, {2, 2, kClear}}},
+        {"half transparent",
+         plain + "<rect width='40' height='40' fill='url(#p)' opacity='.5'/>",
+         {{2, 2, 0x80800000}, {7, 2, kClear}}},
+        {"stroked",
+         plain + "<path d='M0 20H40' stroke='url(#p)' stroke-width='20'/>",
+         {{2, 12, kRed}, {17, 27, kLime}, {2, 2, kClear}}},
+        {"a pattern of patterns",
+         plain + "<pattern id='q' patternUnits='userSpaceOnUse' width='20' height='20'>"
+                 "<rect width='10' height='10' fill='url(#p)'/></pattern>"
+                 "<rect width='40' height='40' fill='url(#q)'/>",
+         {{2, 2, kRed}, {7, 7, kLime}, {12, 2, kClear}, {22, 22, kRed}}},
+        {"a scaled pattern of patterns",
+         plain + "<pattern id='q' patternUnits='userSpaceOnUse' width='10' height='20' "
+                 "patternTransform='scale(2)'><rect width='10' height='10' fill='url(#p)'/>"
+                 "</pattern><rect width='40' height='40' fill='url(#q)'/>",
+         {{5, 5, kRed}, {15, 15, kLime}, {25, 5, kRed}, {5, 25, kClear}}},
+        {"painted with itself",
+         "<pattern id='p' patternUnits='userSpaceOnUse' width='10' height='10'>"
+         "<rect width='5' height='10' fill='red'/><rect x='5' width='5' height='10' "
+         "fill='url(#p) lime'/></pattern>" +
+             whole,
+         {{2, 2, kRed}, {7, 2, kLime}}},
+        {"of no size: the fallback",
+         "<pattern id='p'/><rect width='40' height='40' fill='url(#p) lime'/>",
+         {{20, 20, kLime}}},
+        {"of no size, without a fallback", "<pattern id='p'/>" + whole, {{20, 20, kClear}}},
+        {"not there", whole, {{20, 20, kClear}}},
+    });
 }
 
 TEST(Render, EndsWhateverADocumentAsksFor) {
