@@ -158,25 +158,6 @@ TEST(Group, LeavesTheClipAsItWas) {
     EXPECT_EQ(Picture(context.get()), (Picture{"##..", "###.", ".#.."}));
 }
 
-TEST(Group, SurvivesEndsAndRestoresWithoutABeginning) {
-    CollectedLog log;
-    const test::Context context = makeContext(4, 1);
-    for (int i = 0; i < 3; ++i) {
-        CGContextEndTransparencyLayer(context.get());
-        CGContextBeginTransparencyLayer(context.get(), nullptr);
-        CGContextRestoreGState(context.get());
-        CGContextRestoreGState(context.get());
-        CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
-        CGContextEndTransparencyLayer(context.get());
-        CGContextEndTransparencyLayer(context.get());
-    }
-    EXPECT_EQ(Picture(context.get()), (Picture{"####"}));
-    CGContextClipToRect(context.get(), CGRectZero);
-    CGContextBeginTransparencyLayer(context.get(), nullptr);
-    CGContextFillRect(context.get(), CGRectMake(0, 0, 4, 1));
-    CGContextBeginTransparencyLayer(context.get(), nullptr); // And never ended.
-}
-
 TEST(Group, NestsToAnyDepth) {
     constexpr int kDepth = 10000;
     CollectedLog log;

@@ -261,18 +261,6 @@ TEST(DrawImage, ThrowsTheShadowOfItsShape) {
               Picture({".......", "....#..", "....#..", ".#..##.", ".#.....", ".##...."}));
 }
 
-TEST(TransparencyLayer, ThrowsOneShadowOfTheGroup) {
-    const Context context = makeContext(7, 6);
-    const auto color = cf::adopt(CGColorCreateGenericRGB(0, 0, 0, 1));
-    CGContextSetShadowWithColor(context.get(), CGSizeMake(3, 2), 0, color.get());
-    CGContextBeginTransparencyLayer(context.get(), nullptr);
-    CGContextFillRect(context.get(), CGRectMake(1, 0, 1, 3));
-    CGContextFillRect(context.get(), CGRectMake(1, 0, 2, 1));
-    CGContextEndTransparencyLayer(context.get());
-    EXPECT_EQ(Picture(context.get()),
-              Picture({".......", "....#..", "....#..", ".#..##.", ".#.....", ".##...."}));
-}
-
 TEST(DrawImage, DrawsNothingForWhatIsNothing) {
     const Context context = makeContext(4, 4);
     const CGFloat nan = std::numeric_limits<CGFloat>::quiet_NaN();

@@ -253,48 +253,6 @@ TEST(RasterBackend, ClipsAsBareSkiaDoes) {
         expectSame(comparison);
 }
 
-TEST(RasterBackend, TransparencyLayersAreBareSkiasLayers) {
-    const auto drawTwice = [](SkCanvas& canvas) {
-        canvas.drawPath(shape(), paintOf(SK_ColorRED));
-        canvas.drawRect(SkRect::MakeXYWH(20, 20, 50, 50), paintOf(kHalfBlue));
-    };
-    for (const auto& [mode, bareMode] :
-         {std::pair{kCGBlendModeNormal, SkBlendMode::kSrcOver},
-          std::pair{kCGBlendModeMultiply, SkBlendMode::kMultiply},
-          std::pair{kCGBlendModeDestinationOut, SkBlendMode::kDstOut}}) {
-        expectSame({"group under alpha and blend mode, begun in a group, clipped",
-                    [mode = mode](CGContextRef c) {
-                        CGContextSetRGBFillColor(c, 1, 0.6f, 0, 0.8f);
-                        CGContextFillRect(c, CGRectMake(0, 0, 60, kSize));
-                        CGContextClipToRect(c, CGRectMake(10, 10, 70, 60));
-                        CGContextSetAlpha(c, 0.4f);
-                        CGContextSetBlendMode(c, mode);
-                        CGContextBeginTransparencyLayer(c, nullptr);
-                        CGContextBeginTransparencyLayerWithRect(c, CGRectZero, nullptr);
-                        CGContextSetRGBFillColor(c, 1, 0, 0, 1);
-                        addShape(c);
-                        CGContextFillPath(c);
-                        setHalfBlue(c);
-                        CGContextFillRect(c, CGRectMake(20, 20, 50, 50));
-                        CGContextEndTransparencyLayer(c);
-                        CGContextEndTransparencyLayer(c);
-                    },
-                    [&drawTwice, bareMode = bareMode](SkCanvas& canvas) {
-                        canvas.drawRect(SkRect::MakeWH(60, kSize),
-                                        paintOf(SkColorSetARGB(204, 255, 153, 0)));
-                        canvas.clipRect(SkRect::MakeXYWH(10, 10, 70, 60));
-                        SkPaint group;
-                        group.setAlpha(102);
-                        group.setBlendMode(bareMode);
-                        canvas.saveLayer(nullptr, &group);
-                        canvas.saveLayer(nullptr, nullptr);
-                        drawTwice(canvas);
-                        canvas.restore();
-                        canvas.restore();
-                    }});
-    }
-}
-
 // Two shapes that meet the same soft clip edge inside a group: the edge is the clip's alone, not
 // thickened by covering it twice.
 TEST(RasterBackend, AGroupMeetsItsClipOnce) {
@@ -371,24 +329,6 @@ TEST(RasterBackend, DrawsBeyondTheScanConvertersReach) {
     CGContextFillPath(context.get());
     CGContextFillRect(context.get(), CGRectMake(8000.5f, 0, 398.5f, 1.5f));
     EXPECT_TRUE(samePixels(context.get(), peer));
-}
-
-TEST(RasterBackend, AShadowIsTheMarkBlurredAndMoved) {
-    const auto context = makeContext(40, 40);
-    const CGFloat half[] = {0, 0.5f};
-    const auto gray = cf::adopt(CGColorSpaceCreateDeviceGray());
-    const auto color = cf::adopt(CGColorCreate(gray.get(), half));
-    CGContextSetShadowWithColor(context.get(), CGSizeMake(10, -5), 0, color.get());
-    CGContextFillRect(context.get(), CGRectMake(5, 25, 10, 10));
-    const auto alphaAt = [&](int x, int yUp) {
-        const auto* const bytes =
-            static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
-        return int{bytes[((39 - yUp) * 40 + x) * 4 + 3]};
-    };
-    EXPECT_EQ(alphaAt(6, 26), 255);       // The mark itself,
-    EXPECT_NEAR(alphaAt(20, 22), 128, 1); // its shadow beside it,
-    EXPECT_EQ(alphaAt(27, 22), 0);        // and nothing farther out.
-    EXPECT_EQ(alphaAt(12, 28), 255);
 }
 
 TEST(RasterBackend, GeometryThatIsNotFiniteDrawsNothing) {

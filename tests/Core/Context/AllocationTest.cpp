@@ -119,20 +119,6 @@ TEST(Allocation, FailsToNothingAndLeaksNothing) {
     }
 }
 
-TEST(Allocation, AFailedSaveLeavesTheStateCurrent) {
-    CGFloat width = 5;
-    const test::FailureSweep sweep = test::failEachAllocation([&] {
-        const Context context = makeContext();
-        CGContextSetLineWidth(context.get(), 5);
-        CGContextSaveGState(context.get());
-        CGContextRestoreGState(context.get());
-        if (context && CGContextGetLineWidth(context.get()) != 5)
-            width = CGContextGetLineWidth(context.get());
-    });
-    EXPECT_GT(sweep.failures, 0u);
-    EXPECT_EQ(width, 5);
-}
-
 TEST(Allocation, RefusesRecordsThatNoMemoryHolds) {
     const XGContextCallbacks table = {};
     EXPECT_FALSE(XGContextCreate(100, &table, nullptr, SIZE_MAX));

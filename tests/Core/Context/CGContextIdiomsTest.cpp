@@ -123,18 +123,6 @@ unsigned alphaAt(const test::Context& context, std::size_t x, std::size_t y) {
     return pixels[y * CGBitmapContextGetBytesPerRow(context.get()) + 4 * x + 3];
 }
 
-TEST(ContextIdioms, AGroupIsAsTransparentWhereItsPartsOverlap) {
-    const auto context = test::makeContext(8, 8);
-    const CGContextRef c = context.get();
-    CGContextSetAlpha(c, 0.5f);
-    CGContextBeginTransparencyLayer(c, nullptr);
-    CGContextFillRect(c, CGRectMake(0, 0, 5, 8));
-    CGContextFillRect(c, CGRectMake(3, 0, 5, 8));
-    CGContextEndTransparencyLayer(c);
-    for (const std::size_t x : {1u, 4u, 6u})
-        EXPECT_NEAR(alphaAt(context, x, 4), 128, 1) << x;
-}
-
 TEST(ContextIdioms, ATurnedRectangleClipsToItself) {
     const auto context = test::makeContext(32, 32);
     const CGContextRef c = context.get();

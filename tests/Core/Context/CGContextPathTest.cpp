@@ -35,54 +35,6 @@ TEST(ContextPath, MapsPointsWhenTheyAreAdded) {
     EXPECT_EQ(pathText(copy.get()), "M 0.1 0.1 L 1 1") << "in the user space of now";
 }
 
-TEST(ContextPath, IsBuiltOfEveryElement) {
-    const struct {
-        const char* what;
-        void (*build)(CGContextRef context);
-        const char* expected;
-    } cases[] = {
-        {"curve",
-         [](CGContextRef c) {
-             CGContextMoveToPoint(c, 0, 0);
-             CGContextAddCurveToPoint(c, 1, 2, 3, 4, 5, 6);
-         },
-         "M 0 0 C 1 2 3 4 5 6"},
-        {"quadratic",
-         [](CGContextRef c) {
-             CGContextMoveToPoint(c, 0, 0);
-             CGContextAddQuadCurveToPoint(c, 1, 2, 3, 4);
-             CGContextClosePath(c);
-         },
-         "M 0 0 Q 1 2 3 4 Z"},
-        {"rectangle", [](CGContextRef c) { CGContextAddRect(c, CGRectMake(0, 0, 1, 2)); },
-         "M 0 0 L 1 0 L 1 2 L 0 2 Z"},
-        {"rectangles",
-         [](CGContextRef c) {
-             const CGRect rects[] = {{{0, 0}, {1, 1}}, {{2, 2}, {1, 1}}};
-             CGContextAddRects(c, rects, 2);
-         },
-         "M 0 0 L 1 0 L 1 1 L 0 1 Z M 2 2 L 3 2 L 3 3 L 2 3 Z"},
-        {"lines",
-         [](CGContextRef c) {
-             const CGPoint points[] = {{0, 0}, {1, 0}, {1, 1}};
-             CGContextAddLines(c, points, 3);
-         },
-         "M 0 0 L 1 0 L 1 1"},
-        {"path",
-         [](CGContextRef c) {
-             const auto path = cf::adopt(CGPathCreateWithRect(CGRectMake(0, 0, 1, 1), nullptr));
-             CGContextAddPath(c, path.get());
-             CGContextAddPath(c, nullptr);
-         },
-         "M 0 0 L 1 0 L 1 1 L 0 1 Z"},
-    };
-    for (const auto& [what, build, expected] : cases) {
-        RecordingBackend backend;
-        build(backend.context());
-        EXPECT_EQ(current(backend), expected) << what;
-    }
-}
-
 TEST(ContextPath, ArcsStartAPathOrJoinIt) {
     RecordingBackend backend;
     const CGContextRef c = backend.context();
