@@ -5,6 +5,7 @@
 #include "Core/Color/CGColorSpaceRecord.h"
 #include "Core/Color/DirectRows.h"
 #include "Core/Color/EngineMemory.h"
+#include "Core/Color/InkRows.h"
 #include "Core/Color/NativeProfile.h"
 #include "Core/Color/TransformCache.h"
 #include "Core/Object/RuntimeObject.h"
@@ -52,11 +53,18 @@ std::optional<cmsUInt32Number> nativeModel(CGColorSpaceModel model) {
     }
 }
 
-cmsUInt32Number nativeFormat(CGColorSpaceRef space, cmsUInt32Number model, RowFormat format) {
+// Profiles of three inks belong to spaces of four.
+bool hasThreeInks(void* profile) {
+    return cmsGetColorSpace(profile) == cmsSigCmyData;
+}
+
+cmsUInt32Number nativeFormat(CGColorSpaceRef space, void* profile, RowFormat format) {
     const bool isFloat = format.type == ComponentType::Float;
-    return FLOAT_SH(isFloat ? 1u : 0u) | COLORSPACE_SH(model) |
-           EXTRA_SH(format.hasAlpha ? 1u : 0u) |
-           CHANNELS_SH(static_cast<cmsUInt32Number>(space->componentCount)) |
+    const bool threeInks = hasThreeInks(profile);
+    const auto channels = static_cast<cmsUInt32Number>(space->componentCount) - threeInks;
+    return FLOAT_SH(isFloat ? 1u : 0u) |
+           COLORSPACE_SH(threeInks ? PT_CMY : *nativeModel(space->model)) |
+           EXTRA_SH(format.hasAlpha ? 1u : 0u) | CHANNELS_SH(channels) |
            BYTES_SH(static_cast<cmsUInt32Number>(byteSize(format.type)));
 }
 
@@ -88,9 +96,8 @@ void* createNative(CGColorSpaceRef from, RowFormat fromFormat, CGColorSpaceRef t
         return nullptr;
     const bool copiesAlpha = fromFormat.hasAlpha && toFormat.hasAlpha;
     const cmsUInt32Number flags = cmsFLAGS_NOCACHE | (copiesAlpha ? cmsFLAGS_COPY_ALPHA : 0u);
-    return createEngineTransform(source, nativeFormat(from, *nativeModel(from->model), fromFormat),
-                                 destination, nativeFormat(to, *nativeModel(to->model), toFormat),
-                                 intent, flags)
+    return createEngineTransform(source, nativeFormat(from, source, fromFormat), destination,
+                                 nativeFormat(to, destination, toFormat), intent, flags)
         .native;
 }
 
@@ -109,7 +116,11 @@ public:
         if (goesDirectly(from, to))
             return result;
         transform->native_ = createNative(from, fromFormat, to, toFormat, intent);
-        return transform->native_ ? result : nullptr;
+        if (!transform->native_)
+            return nullptr;
+        transform->from_.isThreeInks = hasThreeInks(nativeProfileOf(from));
+        transform->to_.isThreeInks = hasThreeInks(nativeProfileOf(to));
+        return result;
     }
 
 private:
@@ -177,24 +188,44 @@ void fillAlpha(std::byte* out, ComponentType type, std::size_t colorCount, std::
 
 void RowTransform::applyNative(const void* in, void* out, std::size_t pixelCount) const {
     cmsDoTransform(native_, in, out, static_cast<cmsUInt32Number>(pixelCount));
+    const std::size_t colors = to_.nativeColorCount();
     if (to_.isInPercent)
-        scaleColors(static_cast<float*>(out), to_.colorCount + to_.format.hasAlpha, to_.colorCount,
-                    pixelCount, 0.01f);
+        scaleColors(static_cast<float*>(out), colors + to_.format.hasAlpha, colors, pixelCount,
+                    0.01f);
     if (to_.format.hasAlpha && !from_.format.hasAlpha)
-        fillAlpha(static_cast<std::byte*>(out), to_.format.type, to_.colorCount, pixelCount);
+        fillAlpha(static_cast<std::byte*>(out), to_.format.type, colors, pixelCount);
 }
 
-void RowTransform::applyScaled(const float* in, std::byte* out, std::size_t pixelCount) const {
+// The pixels as the engine counts them: in `scratch`, or where they are.
+const void* RowTransform::prepared(const std::byte* in, std::byte* scratch,
+                                   std::size_t pixelCount) const {
+    if (from_.isThreeInks)
+        foldBlack(from_.format, in, scratch, pixelCount);
+    else if (from_.isInPercent)
+        std::copy_n(in, pixelCount * from_.bytesPerPixel(), scratch);
+    else
+        return in;
+    const std::size_t colors = from_.nativeColorCount();
+    if (from_.isInPercent)
+        scaleColors(reinterpret_cast<float*>(scratch), colors + from_.format.hasAlpha, colors,
+                    pixelCount, 100);
+    return scratch;
+}
+
+void RowTransform::applyInSteps(const std::byte* in, std::byte* out, std::size_t pixelCount) const {
     constexpr std::size_t kPixelsAtATime = 128;
     constexpr std::size_t kMostComponents = 5;
-    std::array<float, kPixelsAtATime * kMostComponents> percent;
-    const std::size_t step = from_.colorCount + from_.format.hasAlpha;
+    struct alignas(float) Scratch {
+        std::byte bytes[kPixelsAtATime * kMostComponents * sizeof(float)];
+    };
+    Scratch source, result;
     while (pixelCount > 0) {
         const std::size_t count = std::min(pixelCount, kPixelsAtATime);
-        std::copy_n(in, count * step, percent.begin());
-        scaleColors(percent.data(), step, from_.colorCount, count, 100);
-        applyNative(percent.data(), out, count);
-        in += count * step;
+        const void* const pixels = prepared(in, source.bytes, count);
+        applyNative(pixels, to_.isThreeInks ? result.bytes : out, count);
+        if (to_.isThreeInks)
+            addNoBlack(to_.format, result.bytes, out, count);
+        in += count * from_.bytesPerPixel();
         out += count * to_.bytesPerPixel();
         pixelCount -= count;
     }
@@ -204,12 +235,12 @@ void RowTransform::apply(const void* in, void* out, std::size_t pixelCount) cons
     if (!native_)
         return convertRowDirectly(in, {from_.format, from_.colorCount}, out,
                                   {to_.format, to_.colorCount}, pixelCount);
-    if (from_.isInPercent)
-        return applyScaled(static_cast<const float*>(in), static_cast<std::byte*>(out), pixelCount);
-    // Little CMS counts pixels in 32 bits.
-    constexpr std::size_t kPixelsAtATime = std::size_t{1} << 24;
     const auto* source = static_cast<const std::byte*>(in);
     auto* destination = static_cast<std::byte*>(out);
+    if (from_.isInPercent || from_.isThreeInks || to_.isThreeInks)
+        return applyInSteps(source, destination, pixelCount);
+    // Little CMS counts pixels in 32 bits.
+    constexpr std::size_t kPixelsAtATime = std::size_t{1} << 24;
     while (pixelCount > 0) {
         const std::size_t count = std::min(pixelCount, kPixelsAtATime);
         applyNative(source, destination, count);
@@ -220,7 +251,7 @@ void RowTransform::apply(const void* in, void* out, std::size_t pixelCount) cons
 }
 
 void RowTransform::applyToColor(const float* in, float* out) const {
-    if (!native_ || !from_.isInPercent)
+    if (!native_ || !from_.isInPercent || from_.isThreeInks || to_.isThreeInks)
         return apply(in, out, 1);
     const std::array percent = {100 * in[0], 100 * in[1], 100 * in[2], 100 * in[3]};
     applyNative(percent.data(), out, 1);

@@ -63,12 +63,15 @@ private:
         RowFormat format;
         std::size_t colorCount = 0;
         bool isInPercent = false; // Little CMS counts ink in floats from 0 to 100.
+        bool isThreeInks = false; // To the profile, which has no black; rows have four.
 
+        std::size_t nativeColorCount() const { return colorCount - isThreeInks; }
         std::size_t bytesPerPixel() const;
     };
 
     void applyNative(const void* in, void* out, std::size_t pixelCount) const;
-    void applyScaled(const float* in, std::byte* out, std::size_t pixelCount) const;
+    const void* prepared(const std::byte* in, std::byte* scratch, std::size_t pixelCount) const;
+    void applyInSteps(const std::byte* in, std::byte* out, std::size_t pixelCount) const;
 
     Side from_;
     Side to_;
