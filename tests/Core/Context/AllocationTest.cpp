@@ -27,6 +27,34 @@ void fillPolygon(CGContextRef context) {
     CGContextFillPath(context);
 }
 
+// A call of every kind of setting, with values that differ from one round to the next.
+void setEverything(CGContextRef c) {
+    static int round = 0;
+    const auto value = static_cast<CGFloat>(++round % 100) / 100;
+    const CGFloat lengths[] = {value, 1};
+    CGContextSetLineWidth(c, value);
+    CGContextSetLineCap(c, kCGLineCapRound);
+    CGContextSetLineJoin(c, kCGLineJoinBevel);
+    CGContextSetMiterLimit(c, value);
+    CGContextSetLineDash(c, value, lengths, 2);
+    CGContextSetFlatness(c, value);
+    CGContextSetAlpha(c, value);
+    CGContextSetBlendMode(c, kCGBlendModeMultiply);
+    CGContextSetInterpolationQuality(c, kCGInterpolationHigh);
+    CGContextSetRenderingIntent(c, kCGRenderingIntentSaturation);
+    CGContextSetPatternPhase(c, {value, 1});
+    CGContextSetShouldAntialias(c, round % 2);
+    CGContextSetRGBFillColor(c, value, 0, 0, 1);
+    CGContextSetGrayStrokeColor(c, value, 1);
+    CGContextSetCMYKFillColor(c, value, 0, 0, 1, 1);
+    CGContextSetShadow(c, {value, 1}, 3);
+    CGContextTranslateCTM(c, value, 1);
+    CGContextScaleCTM(c, 1, -1);
+    CGContextRotateCTM(c, value);
+    CGContextSetTextMatrix(c, {value, 0, 0, 1, 0, 0});
+    CGContextSetFontSize(c, value);
+}
+
 TEST(Allocation, IsSparedWhereDrawingRepeats) {
     const struct {
         const char* what;
@@ -43,23 +71,27 @@ TEST(Allocation, IsSparedWhereDrawingRepeats) {
          0},
         {"transform", [](CGContextRef c) { CGContextRotateCTM(c, 1); }, 0},
         {"equal colour", [](CGContextRef c) { CGContextSetRGBFillColor(c, 1, 0, 0, 1); }, 0},
-        {"two colours in turn",
-         [](CGContextRef c) {
-             CGContextSetGrayFillColor(c, 0.5f, 1);
-             CGContextSetRGBFillColor(c, 1, 0, 0, 1);
-         },
-         2},
         {"save and restore",
          [](CGContextRef c) {
              CGContextSaveGState(c);
+             CGContextSaveGState(c);
+             CGContextRestoreGState(c);
              CGContextRestoreGState(c);
          },
          0},
+        {"save, set everything, restore",
+         [](CGContextRef c) {
+             CGContextSaveGState(c);
+             setEverything(c);
+             CGContextRestoreGState(c);
+         },
+         0},
+        {"settings", setEverything, 0},
     };
     for (const auto& [what, draw, allocations] : cases) {
         const Context context = makeContext();
-        draw(context.get());
-        draw(context.get());
+        for (int round = 0; round < 5; ++round)
+            draw(context.get());
         const test::AllocationMeter meter;
         draw(context.get());
         EXPECT_LE(meter.allocations(), allocations) << what;

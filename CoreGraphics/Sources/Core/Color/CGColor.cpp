@@ -58,7 +58,8 @@ constexpr CFRuntimeClass kColorClass = {
 
 void fill(CGColor& color, CGColorSpaceRef space, const CGFloat* components,
           CGPatternRef pattern = nullptr, std::optional<CGFloat> alpha = std::nullopt) {
-    color.space = cf::retain(space);
+    if (color.space.get() != space)
+        color.space = cf::retain(space);
     color.pattern = cf::retain(pattern);
     color.count = space->componentCount + 1;
     const auto own = color.components();
@@ -85,6 +86,10 @@ cf::Ref<CGColorRef> cg::makeColor(CGColorSpaceRef space, const CGFloat* componen
     if (color)
         fill(*color, space, components, pattern, alpha);
     return cf::adopt(color);
+}
+
+void cg::refill(CGColor& color, CGColorSpaceRef space, const CGFloat* components) {
+    fill(color, space, components);
 }
 
 CGColorRef CGColorCreate(CGColorSpaceRef space, const CGFloat* components) {
@@ -252,6 +257,10 @@ bool samePattern(CGPatternRef a, CGPatternRef b) {
 }
 
 } // namespace
+
+bool cg::isColorOf(CGColor& color, CGColorSpaceRef space, const CGFloat* components) {
+    return color.space.get() == space && !color.pattern && hasComponents(color, components);
+}
 
 bool CGColorEqualToColor(CGColorRef a, CGColorRef b) {
     const CGColorRef left = cg::nativeColor(a);

@@ -29,6 +29,16 @@ cf::Ref<CGColorRef> makeColor(CGColorSpaceRef space, const CGFloat* components,
                               CGPatternRef pattern = nullptr,
                               std::optional<CGFloat> alpha = std::nullopt);
 
+// Whether nobody else holds a colour, which has so many components, so that it can become another.
+inline bool canRefill(CGColor& color, std::size_t count) {
+    return color.count == count && CFGetRetainCount(&color) == 1;
+}
+// Makes such a colour another.
+void refill(CGColor& color, CGColorSpaceRef space, const CGFloat* components);
+
+// Whether a colour without a pattern has this very space and, bit for bit, these components.
+bool isColorOf(CGColor& color, CGColorSpaceRef space, const CGFloat* components);
+
 // Black at a third of full opacity, the shadow of those who ask for no colour; lent.
 CGColorRef defaultShadowColor();
 

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -31,8 +32,7 @@ void finalize(CFTypeRef object) {
     auto* const context = cg::as<CGContextRef>(object);
     if (context->kind == kXGContextKindBitmap)
         XGBitmapContextDispose(context);
-    context->savedStates = nullptr;
-    context->state = nullptr;
+    cg::dropStack(std::move(context->state));
     if (context->callbacks.releaseInfo)
         context->callbacks.releaseInfo(context->info);
     context->~CGContext();

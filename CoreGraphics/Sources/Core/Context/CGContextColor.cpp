@@ -7,6 +7,7 @@
 #include "Core/Color/CGColorRecord.h"
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Object/Diagnostics.h"
+#include "Core/State/XGGStateRecord.h"
 
 #include <array>
 
@@ -18,10 +19,13 @@ namespace {
 struct ColorSlot {
     CGColorRef (*get)(XGGStateRef state);
     void (*set)(XGGStateRef state, CGColorRef color);
+    cf::Ref<CGColorRef> cg::StateValues::*value;
 };
 
-constexpr ColorSlot kFill = {XGGStateGetFillColor, XGGStateSetFillColor};
-constexpr ColorSlot kStroke = {XGGStateGetStrokeColor, XGGStateSetStrokeColor};
+constexpr ColorSlot kFill = {XGGStateGetFillColor, XGGStateSetFillColor,
+                             &cg::StateValues::fillColor};
+constexpr ColorSlot kStroke = {XGGStateGetStrokeColor, XGGStateSetStrokeColor,
+                               &cg::StateValues::strokeColor};
 
 void setSpace(ColorSlot slot, CGContextRef context, CGColorSpaceRef space) {
     const XGGStateRef state = stateOf(context);
@@ -58,15 +62,14 @@ void setPattern(ColorSlot slot, CGContextRef context, CGPatternRef pattern,
         setColor(slot, state, color.get());
 }
 
-// Makes no new colour when the current one has these components already.
-void setComponents(ColorSlot slot, XGGStateRef state, CGColorSpaceRef space,
+// Makes no new colour when the current one has these components in this very space already.
+void setComponents(ColorSlot slot, CGContext& context, CGColorSpaceRef space,
                    const CGFloat* components) {
-    const CGColorRef current = slot.get(state);
-    if (!CGColorGetPattern(current) && CGColorGetColorSpace(current) == space &&
-        XGColorEqualToColorComponents(current, space, components, nullptr))
+    auto& value = context.state.get()->values.*slot.value;
+    if (value && cg::isColorOf(*value.get(), space, components))
         return;
-    if (const auto color = cf::adopt(CGColorCreate(space, components)))
-        setColor(slot, state, color.get());
+    if (const CGColorRef color = context.recentColors.get(space, components))
+        value = cf::retain(color);
 }
 
 void setComponentsInCurrentSpace(ColorSlot slot, CGContextRef context, const CGFloat* components) {
@@ -74,24 +77,24 @@ void setComponentsInCurrentSpace(ColorSlot slot, CGContextRef context, const CGF
     if (!state || !components)
         return;
     const CGColorSpaceRef current = CGColorGetColorSpace(slot.get(state));
-    setComponents(slot, state, current ? current : XGColorSpaceGetDeviceGray(), components);
+    setComponents(slot, *context, current ? current : XGColorSpaceGetDeviceGray(), components);
 }
 
 void setGray(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 2>& components) {
     if (context)
-        setComponents(slot, stateOf(context), XGColorSpaceGetDeviceGray(), components.data());
+        setComponents(slot, *context, XGColorSpaceGetDeviceGray(), components.data());
 }
 
 void setRGB(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 4>& components) {
     if (context)
-        setComponents(slot, stateOf(context), XGColorSpaceGetDeviceRGB(), components.data());
+        setComponents(slot, *context, XGColorSpaceGetDeviceRGB(), components.data());
 }
 
 void setCMYK(ColorSlot slot, CGContextRef context, const std::array<CGFloat, 5>& components) {
     if (!context)
         return;
     const auto space = cf::adopt(XGColorSpaceGetDeviceCMYK()); // Its Get gives a reference.
-    setComponents(slot, stateOf(context), space.get(), components.data());
+    setComponents(slot, *context, space.get(), components.data());
 }
 
 } // namespace

@@ -49,11 +49,12 @@ CGPathRef pathOf(CGContextRef context) {
     return context ? context->path.get() : nullptr;
 }
 
-// The path that `function` may continue; NULL, with a warning, when it has no current point.
+// The path that `function` may continue; NULL, with a warning, when there is none. A path that is
+// there but empty warns of itself.
 CGMutablePathRef continuedPath(CGContextRef context, const char* function) {
     if (!context)
         return nullptr;
-    if (!CGPathIsEmpty(context->path.get()))
+    if (context->path)
         return context->path.get();
     if (HostLogIsEnabled(kHostLogWarning))
         cg::logMessage(kHostLogWarning, function, "no current point");

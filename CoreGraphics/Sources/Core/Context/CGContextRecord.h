@@ -3,11 +3,13 @@
 #pragma once
 
 #include "XGContext.h"
-#include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
 #include <CoreGraphics/CGAffineTransform.h>
 #include <CoreGraphics/CGPath.h>
+
+#include "Core/Context/RecentColors.h"
+#include "Core/State/StateReuse.h"
 
 struct CGContext {
     CFRuntimeBase base;
@@ -17,9 +19,8 @@ struct CGContext {
     // Smoothing is not allowed until asked for.
     uint32_t allowsFlags = kXGContextAllowsAntialiasing | kXGContextAllowsFontSubpixelPositioning |
                            kXGContextAllowsFontSubpixelQuantization;
-    cf::Ref<XGGStateRef> state;
-    cf::Ref<CGMutablePathRef> path;         // In device space; absent without a current path.
-    cf::Ref<CFMutableArrayRef> savedStates; // Absent until the first save.
+    cf::Ref<XGGStateRef> state;     // With those that were saved below it.
+    cf::Ref<CGMutablePathRef> path; // In device space; absent without a current path.
     // Saves for which there was no memory, and those inside them: as many restores do nothing.
     size_t failedSaves = 0;
     CGAffineTransform textMatrix = {1, 0, 0, 1, 0, 0};
@@ -28,8 +29,8 @@ struct CGContext {
     XGContextCallbacks callbacks = {};
     // A consumed path that nobody else holds, emptied: the next one starts in its storage.
     cf::Ref<CGMutablePathRef> sparePath;
-    // A restored-away state that nobody else holds, emptied: the next save copies into it.
-    cf::Ref<XGGStateRef> spareState;
+    cg::SpareStates spareStates;
+    cg::RecentColors recentColors;
 };
 
 namespace cg {

@@ -4,7 +4,6 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Object/Diagnostics.h"
-#include "Core/State/StateReuse.h"
 #include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
@@ -14,48 +13,18 @@ using cg::stateOf;
 
 // ---- The stack
 
-namespace {
-
-bool push(CGContext& context) {
-    if (!context.savedStates)
-        context.savedStates = cf::adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-    const CFMutableArrayRef saved = context.savedStates.get();
-    if (!saved)
-        return false;
-    const CFIndex count = CFArrayGetCount(saved);
-    CFArrayAppendValue(saved, context.state.get());
-    return CFArrayGetCount(saved) == count + 1;
-}
-
-// A copy of the current state, in the memory of one that was restored away if there is any.
-cf::Ref<XGGStateRef> copyOfState(CGContext& context) {
-    auto spare = std::move(context.spareState);
-    if (!spare)
-        return cf::adopt(XGGStateCreateCopy(context.state.get()));
-    return cg::copyState(spare.get(), context.state.get()) ? spare : nullptr;
-}
-
-void recycleState(CGContext& context, cf::Ref<XGGStateRef> state) {
-    if (CFGetRetainCount(state.get()) != 1)
-        return;
-    cg::emptyState(state.get());
-    context.spareState = std::move(state);
-}
-
-} // namespace
-
 void CGContextSaveGState(CGContextRef context) {
     if (!context)
         return;
-    if (context->failedSaves == 0) {
-        auto copy = copyOfState(*context);
-        if (copy && push(*context)) {
-            context->state = std::move(copy);
-            return;
-        }
-        CG_LOG_ERROR("no memory to save the graphics state");
+    auto copy =
+        context->failedSaves == 0 ? context->spareStates.copyOf(context->state.get()) : nullptr;
+    if (!copy) {
+        if (context->failedSaves++ == 0)
+            CG_LOG_ERROR("no memory to save the graphics state");
+        return;
     }
-    ++context->failedSaves;
+    copy.get()->below = std::move(context->state);
+    context->state = std::move(copy);
 }
 
 void CGContextRestoreGState(CGContextRef context) {
@@ -65,23 +34,18 @@ void CGContextRestoreGState(CGContextRef context) {
         --context->failedSaves;
         return;
     }
-    const CFMutableArrayRef saved = context->savedStates.get();
-    const CFIndex count = saved ? CFArrayGetCount(saved) : 0;
-    if (count == 0) {
+    XGGState& current = *context->state.get();
+    if (!current.below) {
         CG_LOG_ERROR("no graphics state was saved");
         return;
     }
     // A destination that keeps the clip rasterised has the one of the state that goes, or of one
     // that went earlier, with no mark since.
-    const bool clipDiffers = XGGStateDidModifyClipRegion(context->state.get()) ||
-                             XGGStateShouldRasterizeClipRegion(context->state.get());
-    auto dropped = std::move(context->state);
-    context->state = cf::retain(
-        static_cast<XGGStateRef>(const_cast<void*>(CFArrayGetValueAtIndex(saved, count - 1))));
-    CFArrayRemoveValueAtIndex(saved, count - 1);
-    recycleState(*context, std::move(dropped));
+    const bool clipDiffers = (current.values.flags & cg::kClipChanged) != 0;
+    auto dropped = std::exchange(context->state, std::move(current.below));
+    context->spareStates.add(std::move(dropped));
     if (clipDiffers)
-        XGGStateSetShouldRasterizeClipRegion(context->state.get(), true);
+        context->state.get()->values.flags |= cg::kShouldRasterizeClipRegion;
 }
 
 // ---- Lines

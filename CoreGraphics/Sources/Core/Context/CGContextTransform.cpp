@@ -5,6 +5,7 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Core/State/XGGStateRecord.h"
 
 using cg::stateOf;
 
@@ -15,12 +16,22 @@ void CGContextConcatCTM(CGContextRef context, CGAffineTransform transform) {
         XGGStateSetCTM(stateOf(context), CGAffineTransformConcat(transform, *ctm));
 }
 
+// What concatenating a translation comes to; the most frequent of all calls.
 void CGContextTranslateCTM(CGContextRef context, CGFloat tx, CGFloat ty) {
-    CGContextConcatCTM(context, CGAffineTransformMakeTranslation(tx, ty));
+    if (!context)
+        return;
+    CGAffineTransform ctm = context->state.get()->values.ctm;
+    ctm.tx = tx * ctm.a + ty * ctm.c + ctm.tx;
+    ctm.ty = tx * ctm.b + ty * ctm.d + ctm.ty;
+    XGGStateSetCTM(context->state.get(), ctm);
 }
 
 void CGContextScaleCTM(CGContextRef context, CGFloat sx, CGFloat sy) {
-    CGContextConcatCTM(context, CGAffineTransformMakeScale(sx, sy));
+    if (!context)
+        return;
+    const CGAffineTransform& ctm = context->state.get()->values.ctm;
+    XGGStateSetCTM(context->state.get(),
+                   {sx * ctm.a, sx * ctm.b, sy * ctm.c, sy * ctm.d, ctm.tx, ctm.ty});
 }
 
 void CGContextRotateCTM(CGContextRef context, CGFloat angle) {

@@ -46,19 +46,6 @@ bool cg::copyState(XGGStateRef target, XGGStateRef source) {
     return target->clipping || !source->clipping;
 }
 
-void cg::emptyState(XGGStateRef state) {
-    StateValues& values = state->values;
-    values.fillColor = nullptr;
-    values.strokeColor = nullptr;
-    values.shadowColor = nullptr;
-    values.font = nullptr;
-    values.lineDash = nullptr;
-    if (state->clipping && CFGetRetainCount(state->clipping.get()) == 1)
-        emptyClipping(state->clipping.get());
-    else
-        state->clipping = nullptr;
-}
-
 XGGStateRef XGGStateRetain(XGGStateRef state) {
     return cg::retain(state);
 }

@@ -4,11 +4,13 @@
 
 #include "Core/Object/Diagnostics.h"
 #include "Core/State/BlendMode.h"
+#include "Core/State/StateReuse.h"
 #include "Core/State/XGGStateRecord.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 // ---- Compositing
 
@@ -194,18 +196,33 @@ XGLineDashRef XGGStateGetLineDash(XGGStateRef state) {
     return state ? state->values.lineDash.get() : nullptr;
 }
 
+namespace {
+
+// A dash that nobody else has is written over; solid lines in between keep it for the next.
+void setDash(XGGState& state, const CGFloat* lengths, uint32_t count, CGFloat phase) {
+    cf::Ref<XGLineDashRef>& dash = state.values.lineDash;
+    if (cg::refillDash(dash.get(), lengths, count, phase))
+        return;
+    dash = nullptr;
+    if (cg::refillDash(state.spareDash.get(), lengths, count, phase))
+        dash.swap(state.spareDash);
+    else
+        dash = cf::adopt(XGLineDashCreate(lengths, count, phase));
+}
+
+} // namespace
+
 void XGGStateSetLineDash(XGGStateRef state, const CGFloat* lengths, size_t count, CGFloat phase) {
     if (!state)
         return;
-    state->values.lineDash = nullptr;
-    if (!lengths || count == 0)
-        return;
-    if (count > std::numeric_limits<uint32_t>::max()) {
-        CG_LOG_WARNING("a dash of %zu lengths is too long; lines stay solid", count);
+    if (lengths && count > 0 && count <= std::numeric_limits<uint32_t>::max()) {
+        setDash(*state, lengths, static_cast<uint32_t>(count), phase);
         return;
     }
-    state->values.lineDash =
-        cf::adopt(XGLineDashCreate(lengths, static_cast<uint32_t>(count), phase));
+    if (state->values.lineDash)
+        state->spareDash = std::move(state->values.lineDash);
+    if (lengths && count > 0)
+        CG_LOG_WARNING("a dash of %zu lengths is too long; lines stay solid", count);
 }
 
 // ---- Text

@@ -67,4 +67,7 @@ struct XGGState {
     CFRuntimeBase base;
     cg::StateValues values;
     cf::Ref<XGClippingRef> clipping; // Absent when nothing is clipped.
+    // The state saved before this one, in a context's stack; no part of the state itself.
+    cf::Ref<XGGStateRef> below;
+    cf::Ref<XGLineDashRef> spareDash; // One that nobody uses, for the next that is set.
 };

@@ -4,6 +4,7 @@
 
 #include "Core/Object/Diagnostics.h"
 #include "Core/Object/RuntimeObject.h"
+#include "Core/State/StateReuse.h"
 
 #include <algorithm>
 #include <span>
@@ -44,6 +45,14 @@ XGLineDashRef XGLineDashCreate(const CGFloat* lengths, uint32_t count, CGFloat p
     dash->lengths = cg::trailing<CGFloat>(dash);
     std::copy_n(lengths, count, dash->lengths);
     return dash;
+}
+
+bool cg::refillDash(XGLineDashRef dash, const CGFloat* lengths, uint32_t count, CGFloat phase) {
+    if (!dash || dash->count != count || CFGetRetainCount(dash) != 1)
+        return false;
+    dash->phase = phase;
+    std::copy_n(lengths, count, dash->lengths);
+    return true;
 }
 
 XGLineDashRef XGLineDashCreateCopy(XGLineDashRef dash) {

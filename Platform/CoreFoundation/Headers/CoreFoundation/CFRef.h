@@ -30,7 +30,8 @@ public:
     }
 
     Ref& operator=(const Ref& other) {
-        Ref(other).swap(*this);
+        if (object_ != other.object_)
+            Ref(other).swap(*this);
         return *this;
     }
     Ref& operator=(Ref&& other) noexcept {
