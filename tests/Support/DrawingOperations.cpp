@@ -14,6 +14,7 @@
 #include "include/core/SkPath.h"
 #include "include/core/SkPathEffect.h"
 #include "include/core/SkShader.h"
+#include "include/core/SkTileMode.h"
 #include "include/effects/SkDashPathEffect.h"
 #include "include/effects/SkGradientShader.h"
 
@@ -183,6 +184,69 @@ void drawGradient(SkCanvas& canvas, SkPaint paint, bool isRadial) {
     canvas.drawPaint(paint);
 }
 
+void drawConic(CGContextRef c) {
+    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+    const auto gradient =
+        cf::adopt(CGGradientCreateWithColorComponents(space.get(), *kStopColors, kStops, 4));
+    CGContextDrawConicGradient(c, gradient.get(), kStart, 0);
+}
+
+void drawConic(SkCanvas& canvas, SkPaint paint) {
+    SkColor4f colors[4];
+    for (std::size_t i = 0; i < 4; ++i)
+        colors[i] = {kStopColors[i][0], kStopColors[i][1], kStopColors[i][2], kStopColors[i][3]};
+    paint.setAlpha(static_cast<U8CPU>(std::lround(255 * kTableAlpha)));
+    paint.setShader(SkGradientShader::MakeSweep(kStart.x, kStart.y, colors, nullptr, kStops, 4));
+    canvas.drawPaint(paint);
+}
+
+// ---- Patterns: three by two pixels of a colour in a cell of five by four, from (2, 1) on
+
+void setPattern(CGContextRef c) {
+    constexpr CGPatternCallbacks callbacks = {0,
+                                              [](void*, CGContextRef cell) {
+                                                  CGContextSetRGBFillColor(cell, 1, 0, 0.2f, 1);
+                                                  CGContextFillRect(cell, CGRectMake(0, 0, 3, 2));
+                                              },
+                                              nullptr};
+    const auto pattern =
+        cf::adopt(CGPatternCreate(nullptr, CGRectMake(0, 0, 5, 4), {1, 0, 0, 1, 2, 1}, 5, 4,
+                                  kCGPatternTilingNoDistortion, 1, &callbacks));
+    const auto space = cf::adopt(CGColorSpaceCreatePattern(nullptr));
+    constexpr CGFloat alpha = 128 / 255.f;
+    const auto color = cf::adopt(CGColorCreateWithPattern(space.get(), pattern.get(), &alpha));
+    CGContextSetFillColorWithColor(c, color.get());
+    CGContextSetStrokeColorWithColor(c, color.get());
+}
+
+SkPaint patterned(SkPaint paint) {
+    SkBitmap cell;
+    cell.allocN32Pixels(5, 4);
+    cell.eraseColor(SK_ColorTRANSPARENT);
+    cell.erase(SkColorSetRGB(255, 0, 51), SkIRect::MakeXYWH(0, 2, 3, 2));
+    const SkMatrix upright = SkMatrix::MakeAll(1, 0, 2, 0, -1, 5, 0, 0, 1);
+    paint.setShader(cell.makeShader(SkTileMode::kRepeat, SkTileMode::kRepeat, {}, &upright));
+    return paint;
+}
+
+// ---- Layers: the upper left of the bitmap, put elsewhere
+
+constexpr CGRect kLayerRect = {{21, 6}, {13, 11}};
+
+void drawLayer(CGContextRef c) {
+    const auto layer = cf::adopt(CGLayerCreateWithContext(c, kLayerRect.size, nullptr));
+    CGContextDrawLayerAtPoint(c, kLayerRect.origin, layer.get());
+}
+
+void drawLayer(SkCanvas& canvas, SkPaint paint) {
+    SkPixmap all, part;
+    if (canvas.peekPixels(&all) && all.extractSubset(&part, SkIRect::MakeWH(13, 11))) {
+        if (all.colorType() != kAlpha_8_SkColorType)
+            paint.setAlpha(static_cast<U8CPU>(std::lround(255 * kTableAlpha)));
+        drawPixels(canvas, paint, part, bareRect(kLayerRect), {});
+    }
+}
+
 // ---- The table
 
 const DrawingOperation kOperations[] = {
@@ -314,6 +378,23 @@ const DrawingOperation kOperations[] = {
          });
      },
      [](SkCanvas& canvas, SkPaint paint) { drawGradient(canvas, paint, true); }},
+    {"conic gradient", drawConic, drawConic},
+    {"path in a pattern",
+     [](CGContextRef c) {
+         setPattern(c);
+         addShape(c);
+         CGContextFillPath(c);
+     },
+     [](SkCanvas& canvas, SkPaint paint) { canvas.drawPath(shape(), patterned(paint)); }},
+    {"stroke in a pattern",
+     [](CGContextRef c) {
+         setPattern(c);
+         strokeShape(c, 6, kCGLineCapRound, kCGLineJoinMiter);
+     },
+     [](SkCanvas& canvas, SkPaint paint) {
+         strokeShape(canvas, patterned(paint), 6, SkPaint::kRound_Cap, SkPaint::kMiter_Join);
+     }},
+    {"layer", drawLayer, drawLayer},
     {"clip to a rectangle",
      [](CGContextRef c) {
          CGContextClipToRect(c, CGRectMake(10.5f, 7.25f, 20, 25.5f));

@@ -15,29 +15,32 @@ namespace cg {
 
 namespace {
 
-// The layouts that need no look at the pixels before they are drawn.
-SkColorType premultipliedType(const BitmapFields& bitmap) {
-    constexpr CGBitmapInfo kLayout = kCGBitmapAlphaInfoMask | kCGBitmapByteOrderMask;
-    constexpr CGBitmapInfo kBGRA =
-        CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
-    constexpr CGBitmapInfo kRGBA = kCGImageAlphaPremultipliedLast;
-    if (bitmap.bitsPerPixel != 32 || bitmap.bitsPerComponent != 8 || bitmap.bytesPerRow % 4 != 0 ||
-        CGColorSpaceGetModel(bitmap.space.get()) != kCGColorSpaceModelRGB)
-        return kUnknown_SkColorType;
-    switch (bitmap.info & kLayout) {
-    case kBGRA:
-        return kBGRA_8888_SkColorType;
-    case kRGBA:
-    case kRGBA | CGBitmapInfo{kCGBitmapByteOrder32Big}:
-        return kRGBA_8888_SkColorType;
-    default:
-        return kUnknown_SkColorType;
-    }
+bool meansTheSame(CGColorSpaceRef space, CGColorSpaceRef destination) {
+    return space == destination ||
+           (CGColorSpaceGetModel(space) == CGColorSpaceGetModel(destination) &&
+            !needsConversion(space, destination));
 }
 
-bool meansTheSame(CGColorSpaceRef space, CGColorSpaceRef destination) {
-    return space == destination || (CGColorSpaceGetModel(destination) == kCGColorSpaceModelRGB &&
-                                    !needsConversion(space, destination));
+// Skia takes for opacity what opaque pixels have in its place.
+bool isFullyOpaque(const SkPixmap& pixels) {
+    constexpr std::uint32_t kOpacity = 0xFF000000;
+    for (int y = 0; y < pixels.height(); ++y) {
+        std::uint32_t common = kOpacity;
+        const std::uint32_t* const row = pixels.addr32(0, y);
+        for (int x = 0; x < pixels.width(); ++x)
+            common &= row[x];
+        if (common != kOpacity)
+            return false;
+    }
+    return true;
+}
+
+// Whether pixels can be drawn from where they lie.
+bool canStay(const SkPixmap& pixels) {
+    if (!pixels.addr())
+        return false;
+    const int bytes = pixels.info().bytesPerPixel();
+    return !pixels.isOpaque() || bytes < 4 || (bytes == 4 && isFullyOpaque(pixels));
 }
 
 PlacedImage place(const SkPixmap& pixels, CGRect rect, XGGStateRef state, uint32_t flags) {
@@ -50,53 +53,58 @@ PlacedImage place(const SkPixmap& pixels, CGRect rect, XGGStateRef state, uint32
     return image;
 }
 
-std::optional<ImagePixels> SkiaContextDrawLayer(CGImageRef image, CGColorSpaceRef destination,
-                                                CGColorRenderingIntent intent) {
-    auto pixels = ImagePixels::of(image, destination, intent);
-    if (!pixels)
-        CG_LOG_ERROR("Reading of layer failed, drawing empty layer instead");
-    return pixels;
+void SkiaContextDrawLayer() {
+    CG_LOG_ERROR("Reading of layer failed, drawing empty layer instead");
 }
 
 } // namespace
 
-std::optional<SkPixmap> RasterBackend::directPixels(CGContextRef layer) const {
-    const BitmapFields* const bitmap = fieldsOf(layer);
-    const SkColorType type = bitmap ? premultipliedType(*bitmap) : kUnknown_SkColorType;
-    if (type == kUnknown_SkColorType || !bitmap->pixels ||
-        !meansTheSame(bitmap->space.get(), space_.get()))
-        return std::nullopt;
-    return SkPixmap(SkImageInfo::Make(static_cast<int>(bitmap->width),
-                                      static_cast<int>(bitmap->height), type, kPremul_SkAlphaType),
-                    bitmap->pixels, bitmap->bytesPerRow);
+void RasterBackend::drawLayerPixels(XGGStateRef state, uint32_t flags, CGRect rect,
+                                    const SkPixmap& pixels) {
+    const SkPaint* const paint = pixels.colorType() == kAlpha_8_SkColorType
+                                     ? fillPaint(state, flags)
+                                     : &paints_.image(state, flags);
+    if (paint)
+        drawPlaced(state, flags, place(pixels, rect, state, flags), *paint);
+}
+
+// Pixels that another space gives another meaning are converted as an image's.
+void RasterBackend::drawConvertedLayer(XGGStateRef state, uint32_t flags, CGRect rect,
+                                       CGContextRef layer) {
+    const auto image = cf::adopt(CGBitmapContextCreateImage(layer));
+    const auto pixels =
+        ImagePixels::of(image.get(), space_.get(), XGGStateGetRenderingIntent(state));
+    if (pixels) {
+        drawLayerPixels(state, flags, rect, pixels->pixmap());
+        return;
+    }
+    SkiaContextDrawLayer();
+    drawEmptyImage(state, flags, rect);
 }
 
 void RasterBackend::drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer) {
     const CGContextRef context = CGLayerGetContext(layer);
+    if (!fieldsOf(context))
+        return;
+    auto& source = *static_cast<RasterBackend*>(context->info);
     const Surface& target = surfaceUnderClip(state, flags); // May move a layer's own pixels.
-    if (auto pixels = directPixels(context)) {
-        SkBitmap before; // Of a layer that is drawn into itself.
-        if (pixels->addr() == target.pixels().addr()) {
-            if (!before.tryAllocPixels(pixels->info()) || !before.writePixels(*pixels)) {
-                CG_LOG_ERROR("Allocation of bitmap failed.");
-                return;
-            }
-            pixels = before.pixmap();
-        }
-        drawPlaced(state, flags, place(*pixels, rect, state, flags), paints_.image(state, flags));
+    const SkPixmap& pixels = source.base_->pixels();
+    if (pixels.colorType() != kAlpha_8_SkColorType &&
+        !meansTheSame(source.space_.get(), space_.get())) {
+        drawConvertedLayer(state, flags, rect, context);
         return;
     }
-    const auto image = cf::adopt(CGBitmapContextCreateImage(context));
-    const auto pixels =
-        SkiaContextDrawLayer(image.get(), space_.get(), XGGStateGetRenderingIntent(state));
-    if (!pixels) {
-        drawEmptyImage(state, flags, rect);
+    if (&target != &*source.base_ && canStay(pixels)) {
+        drawLayerPixels(state, flags, rect, pixels);
         return;
     }
-    const SkPaint* const paint =
-        pixels->isCoverage() ? fillPaint(state, flags) : &paints_.image(state, flags);
-    if (paint)
-        drawPlaced(state, flags, place(pixels->pixmap(), rect, state, flags), *paint);
+    const SkBitmap copy = source.base_->copyPixels();
+    if (!copy.isNull()) {
+        drawLayerPixels(state, flags, rect, copy.pixmap());
+        return;
+    }
+    SkiaContextDrawLayer();
+    drawEmptyImage(state, flags, rect);
 }
 
 } // namespace cg

@@ -56,7 +56,8 @@ private:
     void drawMark(XGGStateRef state, uint32_t flags, const SkPath& path, const SkPaint& paint);
     void drawPlaced(XGGStateRef state, uint32_t flags, const PlacedImage& image,
                     const SkPaint& paint);
-    std::optional<SkPixmap> directPixels(CGContextRef layer) const;
+    void drawConvertedLayer(XGGStateRef state, uint32_t flags, CGRect rect, CGContextRef layer);
+    void drawLayerPixels(XGGStateRef state, uint32_t flags, CGRect rect, const SkPixmap& pixels);
     void drawEmptyImage(XGGStateRef state, uint32_t flags, CGRect rect);
 
     std::optional<Surface> base_;

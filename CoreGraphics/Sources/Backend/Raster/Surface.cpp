@@ -3,6 +3,7 @@
 #include "Backend/Raster/Surface.h"
 
 #include "Backend/Raster/DirectFill.h"
+#include "Core/Object/Diagnostics.h"
 #include "include/core/SkBitmap.h"
 #include "include/core/SkShader.h"
 #include "include/core/SkTileMode.h"
@@ -48,6 +49,16 @@ SkPaint underMatrix(const SkPaint& paint, const SkMatrix& matrix) {
     return result;
 }
 
+// Skia takes for opacity what opaque pixels have in its place.
+template <typename Pixel>
+void fillUnused(SkBitmap& bitmap, Pixel opacity) {
+    for (int y = 0; y < bitmap.height(); ++y) {
+        auto* const row = static_cast<Pixel*>(bitmap.getAddr(0, y));
+        for (int x = 0; x < bitmap.width(); ++x)
+            row[x] |= opacity;
+    }
+}
+
 } // namespace
 
 Surface::Surface(const SkPixmap& pixels, int deviceHeight, SkIPoint origin)
@@ -66,6 +77,31 @@ void Surface::movePixels(void* to) {
         lender_->movePixels(to);
     else
         pixels_.reset(pixels_.info(), to, pixels_.rowBytes());
+}
+
+SkBitmap Surface::copyPixels() {
+    SkBitmap copy;
+    if (!copy.tryAllocPixels(pixels_.info())) {
+        CG_LOG_ERROR("Allocation of bitmap failed.");
+        return {};
+    }
+    const int width = copy.width(), height = copy.height();
+    const std::int64_t rowsToLend = lender_ ? lender_->mostPixels() / width : height;
+    const int rows = static_cast<int>(std::clamp<std::int64_t>(rowsToLend, 1, height));
+    for (int top = 0; top < height; top += rows) {
+        const SkIRect part = SkIRect::MakeXYWH(0, top, width, std::min(rows, height - top));
+        const auto pixels = tile(part);
+        if (!pixels)
+            return {};
+        copy.writePixels(*pixels, 0, top);
+        if (lender_)
+            lender_->giveBack();
+    }
+    if (copy.isOpaque() && copy.bytesPerPixel() == 4)
+        fillUnused(copy, std::uint32_t{0xFF} << 24);
+    if (copy.isOpaque() && copy.bytesPerPixel() == 8)
+        fillUnused(copy, std::uint64_t{0xFFFF} << 48);
+    return copy;
 }
 
 // ---- Clip

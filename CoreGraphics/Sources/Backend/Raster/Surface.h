@@ -58,6 +58,9 @@ public:
     // The same pixels lie elsewhere.
     void movePixels(void* to);
     SkIPoint origin() const { return origin_; }
+    // What the pixels are now, for pictures of them; opaque where they have no opacity. Empty, with
+    // the reason in the log, when they cannot be had.
+    SkBitmap copyPixels();
     // Device space to the pixels' rows and columns.
     const SkMatrix& deviceToPixels() const { return deviceToPixels_; }
     const SkRasterClip& clip() const { return clip_; }
