@@ -29,10 +29,11 @@ CG_EXPORT CGAffineTransform XGImageGetOrientationTransform(XGImageOrientation or
 
 /** A copy of the image scaled along its stored columns and rows, and then turned upright. Reduction
  *  averages the area of each new pixel, enlargement interpolates linearly, both in colours
- *  multiplied by their opacity. The copy has 8 bits a component in the image's space, if that is
- *  RGB, else in the device's; its sides are rounded to whole pixels, at least one. The caller owns
- *  it. NULL for NULL, for image masks, for scales that are not finite and positive, for values that
- *  are no orientation; and with a line in the log when bytes are missing or memory runs out. */
+ *  multiplied by their opacity. The copy has 8 bits a component, or 16 where the image has more
+ *  than 8, in the image's space, if that is RGB, else in the device's; a copy of a mask is a mask
+ * of 8 bits. Sides are rounded to whole pixels, at least one. The caller owns the copy. NULL for
+ * NULL, for scales that are not finite and positive, for values that are no orientation; and with a
+ * line in the log when bytes are missing or memory runs out. */
 CG_EXPORT CGImageRef XGImageCopyWithScaleAndRotation(CGImageRef image, CGFloat xScale,
                                                      CGFloat yScale,
                                                      XGImageOrientation orientation);

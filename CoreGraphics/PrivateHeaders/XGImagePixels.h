@@ -40,15 +40,15 @@ CG_EXPORT bool XGImageReadPixels(CGImageRef image, const XGPixelRequest* request
                                  size_t rowCount, void* out, size_t outBytesPerRow);
 
 /** The image with its mask or masking colours applied, or the image itself if it has neither. The
- *  masked copy has 8 bits a component, premultiplied, in the image's space if that is one of RGB
- * and otherwise in the device's; it is made once, and lives as long as the image. NULL for NULL,
- * and with a line in the log when it cannot be made. */
+ *  masked copy has 8 bits a component, 16 where the image has more than 8, premultiplied, in the
+ *  image's space if that is one of RGB and otherwise in the device's; it is made once, and lives as
+ * long as the image. NULL for NULL, and with a line in the log when it cannot be made. */
 CG_EXPORT CGImageRef _CGImageGetMaskedImage(CGImageRef image);
 
-/** An opaque or premultiplied copy of the image in the device's RGB, 8 bits a component; the image
- *  itself, retained, when it is an RGB image already. Image masks stay what they are. The caller
- *  owns the result. NULL for NULL, and with an error in the log for colours that cannot be
- *  converted (patterns) or missing bytes. */
+/** An opaque or premultiplied copy of the image in the device's RGB, 8 bits a component, or 16
+ * where the image has more than 8; the image itself, retained, when it is an RGB image already.
+ * Image masks stay what they are. The caller owns the result. NULL for NULL, and with an error in
+ * the log for colours that cannot be converted (patterns) or missing bytes. */
 CG_EXPORT CGImageRef XGImageCreateCopyByConvertingToRGB(CGImageRef image);
 
 CG_END_DECLS

@@ -392,3 +392,30 @@ TEST(ClipToMask, MultipliesTheCoverageOfOneAndTakesTheLesserOfTwo) {
             << what;
     }
 }
+
+// Skia's scan converter ends at 8191 pixels.
+TEST(DrawImage, BeyondTheScanConvertersReachComesAsItIs) {
+    constexpr int kLong = 9000;
+    const Layout& layout = kLayouts[1]; // Opaque.
+    for (const bool isUpright : {false, true}) {
+        const int width = isUpright ? 2 : kLong, height = isUpright ? kLong : 2;
+        const Bytes bytes = randomPixels(layout, width, height);
+        const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
+        const auto image = cf::adopt(CGImageCreate(
+            std::size_t(width), std::size_t(height), 8, 32, std::size_t(width) * 4, space.get(),
+            layout.info, providerOf(bytes).get(), nullptr, true, kCGRenderingIntentDefault));
+        for (const CGBitmapInfo info : {test::kBGRA, CGBitmapInfo{kCGImageAlphaNone}}) {
+            const auto context = cf::adopt(CGBitmapContextCreate(
+                nullptr, std::size_t(width), std::size_t(height), 8, 0, space.get(), info));
+            CGContextDrawImage(context.get(), CGRectMake(0, 0, CGFloat(width), CGFloat(height)),
+                               image.get());
+            const auto* const pixels =
+                static_cast<const std::uint8_t*>(CGBitmapContextGetData(context.get()));
+            const bool isNative = info == test::kBGRA;
+            for (std::size_t i = 0; i < 2 * kLong; ++i)
+                for (std::size_t c = 0; c < 3; ++c)
+                    ASSERT_EQ(pixels[isNative ? 4 * i + c : 3 * i + 2 - c], bytes[4 * i + c])
+                        << "pixel " << i << " of " << width << " by " << height;
+        }
+    }
+}

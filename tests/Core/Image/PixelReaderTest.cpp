@@ -200,6 +200,49 @@ TEST(PixelReader, ConvertsColorsAsLittleCMSDoes) {
     EXPECT_GE(tried, 2);
 }
 
+TEST(PixelReader, ReadsLabAsLittleCMSDoes) {
+    const CGFloat white[] = {0.9642f, 1, 0.8249f}, black[] = {0, 0, 0};
+    const CGFloat range[] = {-100, 100, -80, 120};
+    const auto space = cf::adopt(CGColorSpaceCreateLab(white, black, range));
+    std::mt19937 random(3);
+    Bytes bytes(300 * 3);
+    for (auto& byte : bytes)
+        byte = static_cast<std::uint8_t>(random());
+    const auto image =
+        test::makeImage({.width = 300, .bitsPerPixel = 24, .space = space.get()}, bytes);
+    const auto ours = test::readPixels<std::uint8_t>(image.get(), 3, false, false, kRGB);
+    ASSERT_TRUE(ours);
+
+    const auto from = cmsCreateLab4Profile(nullptr);
+    const auto to = cmsCreate_sRGBProfile();
+    const auto transform =
+        cmsCreateTransform(from, TYPE_Lab_DBL, to, TYPE_RGB_8, INTENT_PERCEPTUAL, 0);
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const cmsCIELab lab = {bytes[i] / 2.55, -100 + bytes[i + 1] / 1.275,
+                               -80 + bytes[i + 2] / 1.275};
+        std::uint8_t theirs[3];
+        cmsDoTransform(transform, &lab, theirs, 1);
+        for (std::size_t c = 0; c < 3; ++c)
+            ASSERT_NEAR((*ours)[i + c], theirs[c], 1)
+                << lab.L << ' ' << lab.a << ' ' << lab.b << " component " << c;
+    }
+    cmsDeleteTransform(transform);
+    cmsCloseProfile(from);
+    cmsCloseProfile(to);
+}
+
+TEST(PixelReader, TakesFiveAndSixBits) {
+    const Bytes bytes = {0xF8, 0x1F, 0x07, 0xE0, 0x84, 0x10};
+    const auto image = test::makeImage({.width = 3,
+                                        .bits = 5,
+                                        .bitsPerPixel = 16,
+                                        .space = kRGB,
+                                        .info = kCGImagePixelFormatRGB565},
+                                       bytes);
+    EXPECT_THAT(test::readPixels<std::uint8_t>(image.get(), 3, false, false),
+                Optional(ElementsAre(255, 0, 255, 0, 255, 0, 132, 130, 132)));
+}
+
 TEST(PixelReader, RefusesPatternColorsWhenConvertingToRGB) {
     const auto pattern = cf::adopt(CGColorSpaceCreatePattern(kRGB));
     const Bytes bytes(3);
@@ -366,6 +409,28 @@ TEST(ImageOrientation, AveragesAreasAndInterpolatesLinearly) {
     EXPECT_THAT(scaled(2, 1, CGRectMake(9, 1, 2, 9)), ElementsAre());
     EXPECT_THAT(scaled(NAN, 1, CGRectInfinite), ElementsAre());
     EXPECT_THAT(scaled(1e30f, 1, CGRectInfinite), ElementsAre());
+}
+
+TEST(ImageOrientation, KeepsDepthsAndMasks) {
+    const auto mirrored = [](const test::Image& image) {
+        return cf::adopt(
+            XGImageCopyWithScaleAndRotation(image.get(), 1, 1, kXGImageOrientationUpMirrored));
+    };
+    const Bytes words = {0x01, 0x02, 0xF0, 0xF1};
+    const auto deep = mirrored(
+        test::makeImage({.width = 2, .bits = 16, .bitsPerPixel = 16, .space = kGray}, words));
+    EXPECT_THAT(test::readPixels<std::uint16_t>(deep.get(), 3, false, false),
+                Optional(ElementsAre(0xF0F1, 0xF0F1, 0xF0F1, 0x0102, 0x0102, 0x0102)));
+
+    const Bytes samples = {10, 200};
+    const CGFloat inverted[] = {1, 0};
+    const auto mask = mirrored(test::makeMask(2, 1, 8, samples));
+    EXPECT_TRUE(XGImageWasCreatedAsMask(mask.get()));
+    EXPECT_THAT(test::readPixels<std::uint8_t>(mask.get(), 1, false, false),
+                Optional(ElementsAre(200, 10)));
+    EXPECT_THAT(test::readPixels<std::uint8_t>(
+                    mirrored(test::makeMask(2, 1, 8, samples, inverted)).get(), 1, false, false),
+                Optional(ElementsAre(55, 245)));
 }
 
 } // namespace

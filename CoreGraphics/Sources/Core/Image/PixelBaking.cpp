@@ -8,6 +8,7 @@
 #include "Core/Image/CGImageRecord.h"
 #include "Core/Object/CheckedSize.h"
 #include "Core/Object/Diagnostics.h"
+#include "PixelLayout.h"
 #include "PixelReader.h"
 
 #include <new>
@@ -20,17 +21,48 @@ void freeBytes(void*, const void* data, std::size_t) {
     delete[] static_cast<const std::byte*>(data);
 }
 
-CGBitmapInfo bitmapInfoOf(Opacity opacity) {
-    const auto alpha =
-        opacity == Opacity::Opaque ? kCGImageAlphaNoneSkipFirst : kCGImageAlphaPremultipliedFirst;
-    return CGBitmapInfo{alpha} | CGBitmapInfo{kCGBitmapByteOrder32Little};
+bool isDeep(CGImageRef image) {
+    const auto layout = PixelLayout::of(*image);
+    for (std::size_t i = 0; layout && i < layout->fieldCount(); ++i)
+        if (layout->field(i).bits > 8)
+            return true;
+    return false;
+}
+
+BakedLayout layoutFor(CGImageRef image) {
+    if (CGImageIsMask(image))
+        return {.opacity = Opacity::Opaque, .components = 1};
+    return {.opacity = canBeTransparent(image) ? Opacity::Premultiplied : Opacity::Opaque,
+            .bytesPerComponent = static_cast<std::uint8_t>(isDeep(image) ? 2 : 1)};
+}
+
+PixelTarget targetFor(const BakedLayout& layout, CGColorSpaceRef space, CGImageRef image) {
+    if (layout.components == 1)
+        return {}; // Opacity alone is read as gray.
+    const bool isDeep = layout.bytesPerComponent == 2;
+    return {.space = space,
+            .type = isDeep ? ComponentType::Unsigned16 : ComponentType::Unsigned8,
+            .alpha = layout.opacity == Opacity::Opaque ? AlphaUse::None : AlphaUse::Premultiplied,
+            .order = isDeep ? ComponentOrder::RGBX : ComponentOrder::BGRX,
+            .intent = image->intent};
+}
+
+CGBitmapInfo bitmapInfoOf(const BakedLayout& layout, CGImageRef like) {
+    if (layout.components == 1)
+        return like->bitmapInfo.load(std::memory_order_relaxed) & kCGBitmapAlphaInfoMask;
+    const bool isOpaque = layout.opacity == Opacity::Opaque;
+    if (layout.bytesPerComponent == 2)
+        return (isOpaque ? kCGImageAlphaNoneSkipLast : kCGImageAlphaPremultipliedLast) |
+               kCGImageByteOrder16Host;
+    return (isOpaque ? kCGImageAlphaNoneSkipFirst : kCGImageAlphaPremultipliedFirst) |
+           kCGBitmapByteOrder32Little;
 }
 
 } // namespace
 
-BakedPixels roomFor(std::size_t width, std::size_t height, Opacity opacity) {
-    BakedPixels pixels = {.width = width, .height = height, .opacity = opacity};
-    const auto bytes = (CheckedSize(width) * 4 * height).value();
+BakedPixels roomFor(std::size_t width, std::size_t height, const BakedLayout& layout) {
+    BakedPixels pixels = {.width = width, .height = height, .layout = layout};
+    const auto bytes = (CheckedSize(width) * layout.bytesPerPixel() * height).value();
     if (bytes && *bytes > 0 && *bytes <= SIZE_MAX / 2)
         pixels.bytes.reset(new (std::nothrow) std::byte[*bytes]);
     if (!pixels)
@@ -39,16 +71,11 @@ BakedPixels roomFor(std::size_t width, std::size_t height, Opacity opacity) {
 }
 
 BakedPixels bake(CGImageRef image, CGColorSpaceRef space) {
-    const bool isTransparent = canBeTransparent(image);
-    const auto reader =
-        PixelReader::of(image, {.space = space,
-                                .alpha = isTransparent ? AlphaUse::Premultiplied : AlphaUse::None,
-                                .order = ComponentOrder::BGRX,
-                                .intent = image->intent});
+    const BakedLayout layout = layoutFor(image);
+    const auto reader = PixelReader::of(image, targetFor(layout, space, image));
     if (!reader)
         return {};
-    BakedPixels pixels = roomFor(image->width, image->height,
-                                 isTransparent ? Opacity::Premultiplied : Opacity::Opaque);
+    BakedPixels pixels = roomFor(image->width, image->height, layout);
     if (!pixels || !reader->readRows(0, pixels.height, pixels.bytes.get(), pixels.bytesPerRow()))
         return {};
     return pixels;
@@ -62,14 +89,16 @@ cf::Ref<CGImageRef> imageOf(BakedPixels pixels, CGColorSpaceRef space, CGImageRe
     if (!provider)
         return nullptr;
     static_cast<void>(pixels.bytes.release()); // The provider frees them from here on.
+    const bool isMask = pixels.layout.components == 1;
+    const std::uint32_t kept = kImageInterpolates | (isMask ? kImageCreatedAsMask : 0);
     return makeImage({.width = pixels.width,
                       .height = pixels.height,
-                      .bitsPerComponent = 8,
-                      .bitsPerPixel = 32,
+                      .bitsPerComponent = std::size_t{8} * pixels.layout.bytesPerComponent,
+                      .bitsPerPixel = 8 * pixels.layout.bytesPerPixel(),
                       .bytesPerRow = pixels.bytesPerRow(),
-                      .bitmapInfo = bitmapInfoOf(pixels.opacity),
-                      .flags = like->flags & kImageInterpolates,
-                      .space = space,
+                      .bitmapInfo = bitmapInfoOf(pixels.layout, like),
+                      .flags = like->flags & kept,
+                      .space = isMask ? like->space.get() : space,
                       .provider = provider.get(),
                       .intent = like->intent});
 }

@@ -460,9 +460,12 @@ std::unique_ptr<PixelReader> PixelReader::of(CGImageRef image, const PixelTarget
                      CGImageGetBitmapInfo(image), image->bitsPerPixel, image->bitsPerComponent);
         return nullptr;
     }
-    // Lab is in other units in floats, and seldom fills what eight bits encode.
+    // Lab is in other units in floats, and seldom fills what eight bits encode. Little CMS goes
+    // from integers of it through a table that is too coarse for dark colours.
     const bool isLab = CGColorSpaceGetModel(pixelSpace(image)) == kCGColorSpaceModelLab;
-    if (target.type == ComponentType::Float)
+    const bool leavesLab =
+        isLab && target.space && CGColorSpaceGetModel(target.space) != kCGColorSpaceModelLab;
+    if (target.type == ComponentType::Float || leavesLab)
         return makeReader<float>(image, *layout, target);
     if (!isLab && target.type == ComponentType::Unsigned8 && holdsSamples<std::uint8_t>(*layout))
         return makeReader<std::uint8_t>(image, *layout, target);

@@ -29,8 +29,8 @@ struct PixelTarget {
 // opacity, if they must change; colour conversion; the mask; colours times opacity, if wanted.
 //
 // Arithmetic is in 8 bits where both the image's components and the wanted ones have no more, in
-// floats where floats are wanted or premultiplied samples fit no integer exactly, and otherwise in
-// 16 bits. Each step rounds to the nearest value.
+// floats where floats are wanted, premultiplied samples fit no integer exactly or Lab is converted,
+// and otherwise in 16 bits. Each step rounds to the nearest value.
 //
 // An image mask gives its decoded samples as gray; pixels of opacity alone give black of that
 // opacity, or, where opacity is not wanted, the opacity as gray. One thread at a time; any number

@@ -1,4 +1,4 @@
-// PixelResampler.cpp: separable box and linear filters over 8-bit pixels of four components.
+// PixelResampler.cpp: separable box and linear filters over pixels of one or four components.
 
 #include "PixelResampler.h"
 
@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <new>
 
 namespace cg {
@@ -62,18 +64,19 @@ private:
 
 // Source rows brought to their new width. Neighbouring rows are asked for again and again, so the
 // last even and the last odd one are kept.
+template <typename Component, std::size_t components>
 class WidenedRows {
 public:
     WidenedRows(const BakedPixels& source, std::size_t width, const PixelRect& part)
         : source_(source), axis_(source.width, width), part_(part) {
         if (part.width <= SIZE_MAX / 64)
-            values_.reset(new (std::nothrow) float[part.width * 4 * 2]);
+            values_.reset(new (std::nothrow) float[part.width * components * 2]);
     }
 
     explicit operator bool() const { return values_ != nullptr; }
 
     const float* row(std::size_t index) {
-        float* const values = values_.get() + index % 2 * part_.width * 4;
+        float* const values = values_.get() + index % 2 * part_.width * components;
         if (rowHeld_[index % 2] != index) {
             rowHeld_[index % 2] = index;
             widen(index, values);
@@ -83,12 +86,13 @@ public:
 
 private:
     void widen(std::size_t index, float* out) const {
-        const std::byte* const row = source_.bytes.get() + index * source_.bytesPerRow();
-        for (std::size_t x = 0; x < part_.width; ++x, out += 4) {
-            std::fill_n(out, 4, 0.f);
+        const auto* const row =
+            reinterpret_cast<const Component*>(source_.bytes.get() + index * source_.bytesPerRow());
+        for (std::size_t x = 0; x < part_.width; ++x, out += components) {
+            std::fill_n(out, components, 0.f);
             axis_.forEachTap(part_.x + x, [&](std::size_t pixel, float weight) {
-                for (std::size_t i = 0; i < 4; ++i)
-                    out[i] += weight * std::to_integer<std::uint8_t>(row[4 * pixel + i]);
+                for (std::size_t i = 0; i < components; ++i)
+                    out[i] += weight * static_cast<float>(row[components * pixel + i]);
             });
         }
     }
@@ -100,18 +104,17 @@ private:
     std::array<std::size_t, 2> rowHeld_ = {SIZE_MAX, SIZE_MAX};
 };
 
-} // namespace
-
-BakedPixels resample(const BakedPixels& source, std::size_t width, std::size_t height,
-                     const PixelRect& part) {
-    BakedPixels result = roomFor(part.width, part.height, source.opacity);
-    WidenedRows rows(source, width, part);
-    const std::size_t values = part.width * 4;
+template <typename Component, std::size_t components>
+BakedPixels resampled(const BakedPixels& source, std::size_t width, std::size_t height,
+                      const PixelRect& part) {
+    BakedPixels result = roomFor(part.width, part.height, source.layout);
+    WidenedRows<Component, components> rows(source, width, part);
+    const std::size_t values = part.width * components;
     const std::unique_ptr<float[]> sum(result && rows ? new (std::nothrow) float[values] : nullptr);
     if (!sum)
         return {};
     const Axis axis(source.height, height);
-    std::byte* out = result.bytes.get();
+    auto* out = reinterpret_cast<Component*>(result.bytes.get());
     for (std::size_t y = 0; y < part.height; ++y) {
         std::fill_n(sum.get(), values, 0.f);
         axis.forEachTap(part.y + y, [&](std::size_t index, float weight) {
@@ -120,10 +123,22 @@ BakedPixels resample(const BakedPixels& source, std::size_t width, std::size_t h
                 sum[i] += weight * row[i];
         });
         // Weights add up to 1 within their rounding.
+        constexpr auto kMost = static_cast<float>(std::numeric_limits<Component>::max());
         for (std::size_t i = 0; i < values; ++i)
-            *out++ = static_cast<std::byte>(std::min(sum[i] + 0.5f, 255.f));
+            *out++ = static_cast<Component>(std::min(sum[i] + 0.5f, kMost));
     }
     return result;
+}
+
+} // namespace
+
+BakedPixels resample(const BakedPixels& source, std::size_t width, std::size_t height,
+                     const PixelRect& part) {
+    if (source.layout.components == 1)
+        return resampled<std::uint8_t, 1>(source, width, height, part);
+    if (source.layout.bytesPerComponent == 2)
+        return resampled<std::uint16_t, 4>(source, width, height, part);
+    return resampled<std::uint8_t, 4>(source, width, height, part);
 }
 
 } // namespace cg

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <optional>
 
 namespace {
@@ -70,14 +69,16 @@ cg::PixelRect storedPart(const Turn& turn, const cg::PixelRect& part, std::size_
 cg::BakedPixels turned(const cg::BakedPixels& source, const Turn& turn) {
     const std::size_t width = turn.swapsSides() ? source.height : source.width;
     const std::size_t height = turn.swapsSides() ? source.width : source.height;
-    cg::BakedPixels result = cg::roomFor(width, height, source.opacity);
+    cg::BakedPixels result = cg::roomFor(width, height, source.layout);
     if (!result)
         return {};
     std::byte* out = result.bytes.get();
+    const std::size_t pixelBytes = source.layout.bytesPerPixel();
     for (std::size_t y = 0; y < height; ++y)
-        for (std::size_t x = 0; x < width; ++x, out += 4) {
+        for (std::size_t x = 0; x < width; ++x, out += pixelBytes) {
             const Place from = stored(turn, {x, y}, source.width, source.height);
-            std::memcpy(out, source.bytes.get() + from.y * source.bytesPerRow() + from.x * 4, 4);
+            const std::byte* const row = source.bytes.get() + from.y * source.bytesPerRow();
+            std::copy_n(row + from.x * pixelBytes, pixelBytes, out);
         }
     return result;
 }
@@ -132,7 +133,7 @@ CGImageRef XGImageCopyWithScaleAndRotation(CGImageRef image, CGFloat xScale, CGF
 CGImageRef XGImageCopyWithScaleRotationAndClipRect(CGImageRef image, CGFloat xScale, CGFloat yScale,
                                                    XGImageOrientation orientation, CGRect clip) {
     const auto turn = turnOf(orientation);
-    if (!image || CGImageIsMask(image) || !turn || !isUsableScale(xScale) || !isUsableScale(yScale))
+    if (!image || !turn || !isUsableScale(xScale) || !isUsableScale(yScale))
         return nullptr;
     const std::size_t width = scaledLength(image->width, xScale);
     const std::size_t height = scaledLength(image->height, yScale);
