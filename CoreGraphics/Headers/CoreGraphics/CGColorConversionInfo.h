@@ -2,7 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CFDictionary.h>
-#include <CoreGraphics/CGColorSpace.h>
+#include <CoreGraphics/CGImage.h>
 
 #include <stdarg.h>
 
@@ -36,5 +36,27 @@ CG_EXPORT CGColorConversionInfoRef CGColorConversionInfoCreateFromList(
 CG_EXPORT CGColorConversionInfoRef CGColorConversionInfoCreateFromListWithArguments(
     CFDictionaryRef options, CGColorSpaceRef space, CGColorConversionInfoTransformType type,
     CGColorRenderingIntent intent, va_list arguments);
+
+/** How pixels lie in memory, as an image's do. */
+typedef struct CGColorBufferFormat {
+    uint32_t version; /**< 0. */
+    CGBitmapInfo bitmapInfo;
+    size_t bitsPerComponent;
+    size_t bitsPerPixel;
+    size_t bytesPerRow;
+} CGColorBufferFormat;
+
+/** Converts `height` rows of `width` pixels from the first space of `info` into its last.
+ * Components are of 1 to 16 bits or floats, and pixels of whole bytes where they are written;
+ * opacity may stand first or last, multiplied or not, and is full where only the written pixels
+ * have one. Bits that belong to nothing become 1. The memories do not overlap. There are no
+ * `options` yet: NULL. False, with nothing written, when something is missing, a format is none for
+ * the components of its space, a row is longer than the distance of two, or sizes overflow. */
+CG_EXPORT bool CGColorConversionInfoConvertData(CGColorConversionInfoRef info, size_t width,
+                                                size_t height, void* destination,
+                                                CGColorBufferFormat destinationFormat,
+                                                const void* source,
+                                                CGColorBufferFormat sourceFormat,
+                                                CFDictionaryRef options);
 
 CG_END_DECLS

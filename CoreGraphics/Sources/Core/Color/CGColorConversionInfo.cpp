@@ -1,26 +1,11 @@
 // CGColorConversionInfo.cpp: conversions between colour spaces, made ahead of their use.
 
-#include <CoreGraphics/CGColorConversionInfo.h>
-
+#include "Core/Color/CGColorConversionInfoRecord.h"
 #include "Core/Color/RowTransform.h"
 #include "Core/Object/Diagnostics.h"
 #include "Core/Object/RuntimeObject.h"
 
-#include <array>
 #include <cstdarg>
-
-namespace {
-
-constexpr std::size_t kMostSpaces = 8;
-
-} // namespace
-
-struct CGColorConversionInfo {
-    CFRuntimeBase base;
-    std::array<cf::Ref<CGColorSpaceRef>, kMostSpaces> spaces;
-    std::array<cg::RowTransformRef, kMostSpaces - 1> steps; // Of floats, each into the next space.
-    std::size_t count = 0;                                  // Of spaces.
-};
 
 namespace {
 
@@ -32,15 +17,12 @@ constexpr CFRuntimeClass kConversionInfoClass = {
 
 bool append(CGColorConversionInfo& info, CGColorSpaceRef space, CGColorRenderingIntent intent) {
     constexpr cg::RowFormat kFormat = {cg::ComponentType::Float, false};
-    if (info.count == kMostSpaces)
+    if (info.count == info.spaces.size())
         return false;
-    if (info.count > 0) {
-        auto& step = info.steps[info.count - 1];
-        step = cg::RowTransform::between(info.spaces[info.count - 1].get(), kFormat, space, kFormat,
-                                         intent);
-        if (!step)
-            return false;
-    }
+    if (info.count > 0 && !cg::RowTransform::between(info.spaces[info.count - 1].get(), kFormat,
+                                                     space, kFormat, intent))
+        return false;
+    info.intents[info.count] = intent;
     info.spaces[info.count++] = cf::retain(space);
     return true;
 }
