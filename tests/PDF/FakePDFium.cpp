@@ -26,7 +26,7 @@ Result nothing() {
         ++others;                                                                                  \
         return nothing<result>();                                                                  \
     }
-#pragma clang diagnostic ignored "-Wunused-parameter"
+#pragma GCC diagnostic ignored "-Wunused-parameter"
 CG_PDFIUM_FUNCTIONS(DEFINE)
 #undef FPDF_InitLibraryWithConfig
 #undef FPDF_DestroyLibrary

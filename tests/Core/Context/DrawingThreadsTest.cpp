@@ -67,7 +67,8 @@ void drawImages(CGContextRef context, const Shared& shared, int round) {
     CGContextSaveGState(context);
     CGContextSetInterpolationQuality(context, static_cast<CGInterpolationQuality>(round % 4));
     CGContextClipToMask(context, CGRectMake(2, 3, 50, 40), shared.mask.get());
-    CGContextDrawImage(context, CGRectMake(3, 5, 20 + round % 9, 30), shared.picture.get());
+    CGContextDrawImage(context, CGRectMake(3, 5, CGFloat(20 + round % 9), 30),
+                       shared.picture.get());
     CGContextDrawImage(context, CGRectMake(30, 20, 5, 30), shared.masked.get());
     CGContextDrawLinearGradient(context, shared.gradient.get(), {10, 10}, {50, 30},
                                 CGGradientDrawingOptions{});

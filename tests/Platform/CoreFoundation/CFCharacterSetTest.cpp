@@ -60,7 +60,7 @@ TEST(CFCharacterSet, FollowsEveryChange) {
     const MutableSet changed = cf::adopt(CFCharacterSetCreateMutable(nullptr));
     std::set<UTF32Char> expected;
     for (int round = 0; round < 200; ++round) {
-        const UTF32Char first = (random() % 2 ? 0x10000 : 0) + random() % 200;
+        const UTF32Char first = UTF32Char((random() % 2 ? 0x10000 : 0) + random() % 200);
         const CFRange range = CFRangeMake(CFIndex(first), CFIndex(random() % 30));
         const bool adds = random() % 3 != 0;
         (adds ? CFCharacterSetAddCharactersInRange

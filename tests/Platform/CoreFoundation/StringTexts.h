@@ -52,7 +52,7 @@ inline std::u16string randomText(std::mt19937& random, size_t most) {
     const size_t kinds = 1 + random() % std::size(kKinds);
     for (size_t length = random() % (most + 1); result.size() < length;) {
         const auto& kind = kKinds[random() % kinds];
-        const char32_t character = kind[0] + random() % (kind[1] - kind[0] + 1);
+        const char32_t character = kind[0] + char32_t(random() % (kind[1] - kind[0] + 1));
         UniChar pair[2];
         result += CFStringGetSurrogatePairForLongCharacter(character, pair)
                       ? std::u16string{char16_t(pair[0]), char16_t(pair[1])}
