@@ -56,7 +56,7 @@ Structures structuresOf(const Coding& coding, double width, double height) {
 // which all is coded like that is within them.
 bool isInProportion(const Jpeg2000Header& header, const Coding& coding, std::uint32_t layers) {
     constexpr double kPrecinctsPerByte = 8, kBlocksPerByte = 128, kPacketsPerByte = 64;
-    constexpr double kAlways = 1 << 16, kPacketsAlways = 1 << 22;
+    constexpr double kPrecinctsAlways = 1 << 12, kBlocksAlways = 1 << 16, kPacketsAlways = 1 << 18;
     Structures all;
     for (const auto& component : std::span(header.components).first(header.componentCount)) {
         const Structures each =
@@ -69,8 +69,8 @@ bool isInProportion(const Jpeg2000Header& header, const Coding& coding, std::uin
     const double packets =
         (layers + 1.0) * coding.resolutions * double(header.componentCount) * all.largestPrecincts;
     const auto size = static_cast<double>(header.codestream.size());
-    return all.precincts <= kPrecinctsPerByte * size + kAlways &&
-           all.blocks <= kBlocksPerByte * size + kAlways &&
+    return all.precincts <= kPrecinctsPerByte * size + kPrecinctsAlways &&
+           all.blocks <= kBlocksPerByte * size + kBlocksAlways &&
            packets <= kPacketsPerByte * size + kPacketsAlways;
 }
 
