@@ -98,7 +98,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     const int count = argc - 2;
-    const int columns = (int)ceilf(sqrtf((float)count * 1.5f));
+    const int wanted = (int)ceilf(sqrtf((float)count * 1.5f));
+    const int columns = wanted < count ? wanted : count;
     const int rows = (count + columns - 1) / columns;
     CGContextRef sheet = createSheet(columns, rows);
     if (!sheet)
