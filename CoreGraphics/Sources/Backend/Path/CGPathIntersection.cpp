@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -52,7 +53,8 @@ public:
             add(q / a);
             add(d0 / q);
         }
-        std::sort(t.begin() + 1, t.begin() + static_cast<std::ptrdiff_t>(count));
+        if (count == 3 && t[2] < t[1])
+            std::swap(t[1], t[2]);
         t[count++] = 1;
         return count;
     }
