@@ -200,7 +200,8 @@ TEST(CGPathTessellate, RefusesWhatIsNoPath) {
     EXPECT_FALSE(_CGPathTessellate(endless.get(), kXGPathFillWinding, 1, never, nullptr, &bounds));
     EXPECT_TRUE(CGRectIsNull(bounds));
     EXPECT_FALSE(_CGPathTessellate(nullptr, kXGPathFillWinding, 1, never, nullptr, nullptr));
-    EXPECT_DEATH(_CGPathTessellate(nullptr, 2, 1, never, nullptr, nullptr), "BUG");
+    EXPECT_FALSE(_CGPathTessellate(nullptr, 2, 1, never, nullptr, nullptr));
+    EXPECT_DEATH(_CGPathTessellate(makePath().get(), 2, 1, never, nullptr, nullptr), "BUG");
 }
 
 } // namespace
