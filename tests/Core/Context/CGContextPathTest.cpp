@@ -60,7 +60,7 @@ TEST(ContextPath, WarnsOfSegmentsWithoutACurrentPoint) {
     CGContextClosePath(c);
     EXPECT_TRUE(CGContextIsPathEmpty(c));
     EXPECT_EQ(log.lines().size(), 4u) << "closing nothing needs no warning";
-    EXPECT_EQ(log.lines()[0], "4 CGContextAddLineToPoint: no current point");
+    EXPECT_EQ(log.lines()[0], "4 CGContextAddLineToPoint: no current point to go on from");
 }
 
 TEST(ContextPath, ContainsWhatEachModeWouldCover) {

@@ -4,6 +4,7 @@
 #include "XGPath.h"
 #include <CoreGraphics/CGPath.h>
 
+#include "Core/Context/XGBackend.h"
 #include "Core/Geometry/Interval.h"
 #include "Core/Object/Diagnostics.h"
 #include "PathBuild.h"
@@ -73,10 +74,19 @@ void CGPathMoveToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloa
         cg::moveTo(*points, cg::stored(m, x, y));
 }
 
+// A context's current path comes into being with its first point.
+void cg::addLine(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y,
+                 const char* function) {
+    SkPath* const points = editablePoints(path);
+    if (!points)
+        reportNoCurrentPoint(function);
+    else if (hasCurrentPoint(*points, function))
+        points->lineTo(stored(m, x, y));
+}
+
 void CGPathAddLineToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y) {
-    SkPath* const points = cg::editablePoints(path);
-    if (points && cg::hasCurrentPoint(*points, __func__))
-        points->lineTo(cg::stored(m, x, y));
+    if (cg::editablePoints(path))
+        cg::addLine(path, m, x, y, __func__);
 }
 
 void CGPathAddQuadCurveToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloat cpx,

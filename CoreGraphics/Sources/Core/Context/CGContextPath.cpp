@@ -57,7 +57,7 @@ CGMutablePathRef continuedPath(CGContextRef context, const char* function) {
     if (context->path)
         return context->path.get();
     if (HostLogIsEnabled(kHostLogWarning))
-        cg::logMessage(kHostLogWarning, function, "no current point");
+        cg::logMessage(kHostLogWarning, function, "no current point to go on from");
     return nullptr;
 }
 
@@ -72,8 +72,10 @@ void CGContextMoveToPoint(CGContextRef context, CGFloat x, CGFloat y) {
     CGPathMoveToPoint(currentPath(context), combinedCTM(context), x, y);
 }
 
+// Polygons of many points are built by this: it looks for a current point once.
 void CGContextAddLineToPoint(CGContextRef context, CGFloat x, CGFloat y) {
-    CGPathAddLineToPoint(continuedPath(context, __func__), combinedCTM(context), x, y);
+    if (context)
+        cg::addLine(context->path.get(), combinedCTM(context), x, y, __func__);
 }
 
 void CGContextAddCurveToPoint(CGContextRef context, CGFloat control1X, CGFloat control1Y,

@@ -10,6 +10,7 @@
 
 #include "Core/Context/RecentColors.h"
 #include "Core/State/StateReuse.h"
+#include "Core/State/XGGStateRecord.h"
 
 struct CGContext {
     CFRuntimeBase base;
@@ -41,7 +42,8 @@ inline XGGStateRef stateOf(CGContextRef context) {
     return context ? context->state.get() : nullptr;
 }
 inline const CGAffineTransform* combinedCTM(CGContextRef context) {
-    return XGGStateGetCombinedCTM(stateOf(context));
+    const XGGStateRef state = stateOf(context);
+    return state ? &state->values.combinedCTM : nullptr;
 }
 
 // What is drawn where the state has a shadow; without one ShadowAlone draws nothing.

@@ -45,6 +45,10 @@ void movePixels(void* backend, void* pixels);
 // accepted. False, and nothing has changed, when memory runs out.
 bool reinterpretPixels(void* backend, const Bitmap& bitmap);
 
+// CGPathAddLineToPoint, which warns on behalf of `function` when there is no current point.
+void addLine(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y,
+             const char* function);
+
 // Empties a path but keeps the memory of its points, for the next path to use.
 void rewindPath(CGMutablePathRef path);
 
