@@ -3,31 +3,33 @@
 #include "XGPattern.h"
 
 #include "Backend/Raster/RasterBackend.h"
-#include "Backend/Raster/SkiaConversions.h"
 #include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
 
 namespace cg {
 
-namespace {
-
-SkMatrix baseToDevice(const StateValues& values) {
+// Pattern space to a surface's columns and rows. Composed by hand: every mark comes by here.
+CGAffineTransform RasterBackend::patternToPixels(XGGStateRef state, CGPatternRef pattern,
+                                                 const Surface& target) const {
+    CGAffineTransform matrix = XGPatternGetMatrix(pattern);
+    const CGSize phase = XGGStateGetPatternPhase(state);
+    matrix.tx += phase.width;
+    matrix.ty += phase.height;
+    const StateValues& values = state->values;
     const CGFloat x = values.xScale / values.deviceScale;
     const CGFloat y = std::fabs(values.yScale) / values.deviceScale;
-    return x == 1 && y == 1 ? SkMatrix::I() : SkMatrix::Scale(x, y);
-}
-
-} // namespace
-
-SkMatrix RasterBackend::patternToPixels(XGGStateRef state, CGPatternRef pattern,
-                                        const Surface& target) const {
-    const CGSize phase = XGGStateGetPatternPhase(state);
-    SkMatrix matrix = toSkia(XGPatternGetMatrix(pattern));
-    matrix.postTranslate(phase.width, phase.height);
-    matrix.postConcat(patternBase_ ? toSkia(*patternBase_) : baseToDevice(state->values));
-    matrix.postConcat(target.deviceToPixels());
-    return matrix;
+    if (patternBase_)
+        matrix = CGAffineTransformConcat(matrix, *patternBase_);
+    else if (x != 1 || y != 1)
+        matrix = CGAffineTransformConcat(matrix, CGAffineTransformMakeScale(x, y));
+    const SkMatrix& toPixels = target.deviceToPixels(); // Turns y around and moves.
+    return {matrix.a,
+            -matrix.b,
+            matrix.c,
+            -matrix.d,
+            matrix.tx + toPixels.getTranslateX(),
+            toPixels.getTranslateY() - matrix.ty};
 }
 
 // Calls out to the pattern where its cell is not kept: surfaces and paints are to be looked up
@@ -35,7 +37,7 @@ SkMatrix RasterBackend::patternToPixels(XGGStateRef state, CGPatternRef pattern,
 sk_sp<SkShader> RasterBackend::patternShader(XGGStateRef state, uint32_t flags, CGColorRef color) {
     const Surface& target = surfaceUnderClip(state, flags);
     const PatternInk ink = {CGColorGetPattern(color), color, space_.get()};
-    const SkMatrix matrix = patternToPixels(state, ink.pattern, target);
+    const CGAffineTransform matrix = patternToPixels(state, ink.pattern, target);
     const SkIRect clip = target.clip().getBounds();
     if (auto shader = patterns_.find(ink, matrix, clip))
         return shader;

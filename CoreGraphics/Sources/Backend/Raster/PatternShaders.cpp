@@ -4,6 +4,7 @@
 
 #include "XGPattern.h"
 
+#include "Backend/Raster/SkiaConversions.h"
 #include "Core/Object/Diagnostics.h"
 #include "Core/Paint/PatternSerial.h"
 #include "include/core/SkTileMode.h"
@@ -25,6 +26,10 @@ constexpr std::int64_t kMostCells = 4096;
 
 bool isTooLarge(std::int64_t width, std::int64_t height) {
     return width > kMostPixels || height > kMostPixels || width * height > kMostPixels;
+}
+
+bool isSame(const CGAffineTransform& a, const CGAffineTransform& b) {
+    return a.tx == b.tx && a.ty == b.ty && a.a == b.a && a.b == b.b && a.c == b.c && a.d == b.d;
 }
 
 SkRect inGrid(const PatternGrid& grid, const SkIRect& clip) {
@@ -163,10 +168,11 @@ bool PatternShaders::haveSamePixels(const Plan& a, const SkIRect& clipOfA, const
            a.x.repeats == b.x.repeats && a.y.repeats == b.y.repeats;
 }
 
-sk_sp<SkShader> PatternShaders::find(const PatternInk& ink, const SkMatrix& patternToPixels,
+sk_sp<SkShader> PatternShaders::find(const PatternInk& ink,
+                                     const CGAffineTransform& patternToPixels,
                                      const SkIRect& clip) {
     const auto found = std::ranges::find_if(entries_, [&](const Entry& entry) {
-        return entry.colors.areThoseOf(ink) && entry.matrix == patternToPixels &&
+        return entry.colors.areThoseOf(ink) && isSame(entry.matrix, patternToPixels) &&
                (!entry.plan.dependsOnClip || entry.clip == clip);
     });
     if (found == entries_.end())
@@ -187,12 +193,14 @@ void PatternShaders::keep(Entry entry) {
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(kept), entries_.end());
 }
 
-sk_sp<SkShader> PatternShaders::make(const PatternInk& ink, const SkMatrix& patternToPixels,
+sk_sp<SkShader> PatternShaders::make(const PatternInk& ink,
+                                     const CGAffineTransform& patternToPixels,
                                      const SkIRect& clip) {
-    const auto grid = gridOf(ink.pattern, patternToPixels);
+    const SkMatrix matrix = toSkia(patternToPixels);
+    const auto grid = gridOf(ink.pattern, matrix);
     if (!grid || clip.isEmpty())
         return nullptr;
-    const Plan plan = planFor(*grid, patternToPixels, clip);
+    const Plan plan = planFor(*grid, matrix, clip);
     SkBitmap pixels;
     const auto same = std::ranges::find_if(entries_, [&](const Entry& entry) {
         return entry.colors.areThoseOf(ink) && haveSamePixels(entry.plan, entry.clip, plan, clip);

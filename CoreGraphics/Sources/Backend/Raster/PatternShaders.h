@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CFRef.h>
+#include <CoreGraphics/CGAffineTransform.h>
 
 #include "Backend/Raster/PatternCells.h"
 #include "Backend/Raster/PatternTile.h"
@@ -20,11 +21,11 @@ public:
     // What paints with the pattern, opaque as its cells are, over a surface's rows and columns to
     // which `patternToPixels` maps pattern space. It is right inside `clip`. NULL when it has not
     // been made.
-    sk_sp<SkShader> find(const PatternInk& ink, const SkMatrix& patternToPixels,
+    sk_sp<SkShader> find(const PatternInk& ink, const CGAffineTransform& patternToPixels,
                          const SkIRect& clip);
     // The same, made if need be, for which the pattern's callback may be called. NULL where nothing
     // is to be painted, with a line in the log if that is an error.
-    sk_sp<SkShader> make(const PatternInk& ink, const SkMatrix& patternToPixels,
+    sk_sp<SkShader> make(const PatternInk& ink, const CGAffineTransform& patternToPixels,
                          const SkIRect& clip);
 
 private:
@@ -52,8 +53,8 @@ private:
         Plan plan;
         SkBitmap pixels;
         sk_sp<SkShader> shader;
-        SkMatrix matrix; // For which the shader was made.
-        SkIRect clip;    // The same, where the plan depends on it.
+        CGAffineTransform matrix; // For which the shader was made.
+        SkIRect clip;             // The same, where the plan depends on it.
     };
 
     static Plan planFor(const PatternGrid& grid, const SkMatrix& matrix, const SkIRect& clip);

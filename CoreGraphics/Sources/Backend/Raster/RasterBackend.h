@@ -48,7 +48,8 @@ private:
     bool makePixels(TransparencyLayer& layer);
     bool takeBackPixels();
     int deviceHeight() const { return base_->pixels().height(); }
-    SkMatrix patternToPixels(XGGStateRef state, CGPatternRef pattern, const Surface& target) const;
+    CGAffineTransform patternToPixels(XGGStateRef state, CGPatternRef pattern,
+                                      const Surface& target) const;
     sk_sp<SkShader> patternShader(XGGStateRef state, uint32_t flags, CGColorRef color);
     const SkPaint* fillPaint(XGGStateRef state, uint32_t flags);
     const SkPaint* strokePaint(XGGStateRef state, uint32_t flags);
