@@ -88,8 +88,10 @@ void drawSilhouette(Scene& scene, CGContextRef context, const FilterLayer& layer
     const auto width = double(CGBitmapContextGetWidth(context));
     const auto height = double(CGBitmapContextGetHeight(context));
     const CGRect half = toRect(0, 0, width + 2 * margin, height + 2 * margin);
+    const auto columns = std::size_t(half.size.width);
+    const std::size_t rows = 2 * std::size_t(half.size.height);
     const Context bitmap =
-        makeBitmap(std::size_t(half.size.width), 2 * std::size_t(half.size.height));
+        spend(scene, costOfBitmap(columns, rows)) ? makeBitmap(columns, rows) : nullptr;
     if (!bitmap)
         return;
     CGContextTranslateCTM(bitmap.get(), CGFloat(margin), CGFloat(margin));

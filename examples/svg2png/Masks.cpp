@@ -47,8 +47,10 @@ Image coverageOf(Scene& scene, CGContextRef context, const Occurrence& masked, E
     const bool needsBox =
         isContentInBox || unitsOf(element, "maskUnits", Units::BoundingBox) == Units::BoundingBox;
     const CGRect box = needsBox ? boundsOf(scene, masked) : CGRectZero;
+    const std::size_t width = CGBitmapContextGetWidth(context);
+    const std::size_t height = CGBitmapContextGetHeight(context);
     const Context bitmap =
-        makeBitmap(CGBitmapContextGetWidth(context), CGBitmapContextGetHeight(context));
+        spend(scene, costOfBitmap(width, height)) ? makeBitmap(width, height) : nullptr;
     if (!bitmap || (needsBox && CGRectIsEmpty(box)))
         return nullptr;
     CGContextConcatCTM(bitmap.get(), CGContextGetCTM(context));

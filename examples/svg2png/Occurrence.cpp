@@ -14,6 +14,7 @@ namespace {
 
 // Deeper than any drawing made by hand, yet far from the end of the stack.
 constexpr std::size_t kDeepest = 400;
+constexpr std::size_t kMostInUse = 16;
 // What a document that gives no size at all gets, as any replaced element on a CSS page.
 constexpr Size kDefaultSize = {300, 150};
 
@@ -33,12 +34,10 @@ bool isWithin(const Occurrence& occurrence, Element element) {
 // Every child is counted: what a few lines can ask for must end in reasonable time.
 void addChild(Scene& scene, const Occurrence& parent, Element element, const Viewport& viewport,
               Interior& interior) {
-    if (scene.budget == 0 || parent.depth >= kDeepest) {
-        scene.report.warn("too many elements or too deeply nested: some are left out");
-        return;
-    }
-    --scene.budget;
-    interior.children.push_back(occurIn(scene, parent, element, viewport));
+    if (parent.depth >= kDeepest)
+        scene.report.warn("too deeply nested elements are left out");
+    else if (spend(scene, 1))
+        interior.children.push_back(occurIn(scene, parent, element, viewport));
 }
 
 void addChildren(Scene& scene, const Occurrence& parent, const Viewport& viewport,
@@ -154,16 +153,32 @@ Interior interiorOfViewport(Scene& scene, const Occurrence& occurrence) {
 
 } // namespace
 
+// Each level may hold a bitmap of the picture's size.
 InUse::InUse(Scene& scene, Element element)
-    : scene_(scene), isFirst_(std::ranges::find(scene.inUse, element) == scene.inUse.end()) {
+    : scene_(scene), isFirst_(std::ranges::find(scene.inUse, element) == scene.inUse.end() &&
+                              scene.inUse.size() < kMostInUse) {
     scene.inUse.push_back(element);
     if (!isFirst_)
         scene.report.warn("a " + std::string(element.name()) +
-                          " that needs itself is left out there");
+                          " that needs itself, or too many others, is left out there");
 }
 
 InUse::~InUse() {
     scene_.inUse.pop_back();
+}
+
+bool spend(Scene& scene, std::size_t cost) {
+    if (cost > scene.budget) {
+        scene.report.warn("too many elements: some are left out");
+        return false;
+    }
+    scene.budget -= cost;
+    return true;
+}
+
+std::size_t costOfBitmap(std::size_t width, std::size_t height) {
+    constexpr std::size_t kElements = 100, kPixelsPerElement = 10000;
+    return kElements + width * height / kPixelsPerElement;
 }
 
 double Occurrence::length(const char* attribute, Axis axis, double fallback) const {

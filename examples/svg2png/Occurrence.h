@@ -23,6 +23,11 @@ struct Scene {
     CGAffineTransform patternSpace = CGAffineTransformIdentity;
 };
 
+// Whether there is enough left of the budget, which then has that much less; else the user is told.
+bool spend(Scene& scene, std::size_t cost);
+// What a bitmap beside the picture costs of it: as much as it takes to fill.
+std::size_t costOfBitmap(std::size_t width, std::size_t height);
+
 // Sets what patterns are placed in while the scope lasts.
 class PatternSpace {
 public:

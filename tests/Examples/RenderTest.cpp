@@ -294,6 +294,18 @@ TEST(Render, EndsWhateverADocumentAsksFor) {
         content += "</g>";
     }
     expectPixels("nested uses", content + "</defs><use href='#l10'/>", {{20, 20, kRed}});
+    // Eight levels of masks that need eight each.
+    content = "<rect id='r' width='40' height='40' fill='white'/>";
+    for (int level = 0; level < 8; ++level) {
+        content += "<mask id='m" + std::to_string(level) + "'>";
+        for (int i = 0; i < 8; ++i)
+            content += "<use href='#r' mask='url(#m" + std::to_string(level + 1) + ")'/>";
+        content += "</mask>";
+    }
+    expectPixels("nested masks",
+                 content + "<rect y='20' width='40' height='20' fill='red' mask='url(#m0)'/>"
+                           "<rect width='40' height='20' fill='red'/>",
+                 {{20, 10, kRed}});
     expectPixels("huge numbers",
                  "<rect width='1e30' height='1e38' x='-1e29' stroke='red' stroke-width='1e38'/>"
                  "<circle r='1e300'/><path d='M1e38 1e38L-1e38 0z' transform='scale(1e38)'/>",
