@@ -75,6 +75,7 @@ TEST(Group, MeetsTheMasksAroundItOnce) {
             clip(context.get());
             CGContextFillRect(context.get(), whole);
         });
+        CollectedLog log;
         CGContextEndTransparencyLayer(context.get()); // Of the group in the group.
         const Bytes drawn = alphas(context.get());
         for (std::size_t x = 0; x < 4; ++x)

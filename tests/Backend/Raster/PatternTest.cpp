@@ -318,6 +318,7 @@ TEST(Pattern, DrawsACellOnceWhileItServes) {
                 ++calls;
                 drawBoot(c);
             });
+        CGContextSaveGState(context.get());
         setFill(context.get(), pattern.get());
         for (int i = 0; i < 9; ++i) {
             CGContextSetPatternPhase(context.get(), {static_cast<CGFloat>(i) / 3, 0});
@@ -325,7 +326,7 @@ TEST(Pattern, DrawsACellOnceWhileItServes) {
         }
         EXPECT_EQ(calls, 1);
     }
-    CGContextSetRGBFillColor(context.get(), 0, 0, 0, 1);
+    CGContextRestoreGState(context.get());
     EXPECT_TRUE(isReleased) << "what is kept of it does not keep it";
 }
 
@@ -371,6 +372,7 @@ TEST(Pattern, ThatDrawsItselfEndsWithAnError) {
 }
 
 TEST(Pattern, SurvivesCallbacksThatMisbehave) {
+    CollectedLog log;
     const test::Context context = makeContext(4, 4);
     CGContextRef kept = nullptr;
     CGContextBeginTransparencyLayer(context.get(), nullptr);

@@ -6,6 +6,7 @@
 #include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
+#include <utility>
 
 namespace cg {
 
@@ -41,9 +42,12 @@ sk_sp<SkShader> RasterBackend::patternShader(XGGStateRef state, uint32_t flags, 
     const SkIRect clip = target.clip().getBounds();
     if (auto shader = patterns_.find(ink, matrix, clip))
         return shader;
-    calledOutUnder_ = cf::retain(state);
-    const auto kept = cf::retain(color);
-    return patterns_.make(ink, matrix, clip);
+    auto keptState = cf::retain(state);
+    const auto keptColor = cf::retain(color);
+    auto shader = patterns_.make(ink, matrix, clip);
+    if (CFGetRetainCount(state) == 1) // The context has let go of it.
+        restoredAway_ = std::move(keptState);
+    return shader;
 }
 
 // NULL when nothing is to be painted.

@@ -72,8 +72,8 @@ private:
     PaintSetup paints_;
     PatternShaders patterns_;
     std::optional<CGAffineTransform> patternBase_;
-    // Kept until the mark is drawn, whatever a pattern's callback restores.
-    cf::Ref<XGGStateRef> calledOutUnder_;
+    // A state that a pattern's callback restored away, while a mark was being drawn under it.
+    cf::Ref<XGGStateRef> restoredAway_;
     SkPath scratchPath_;
 };
 
