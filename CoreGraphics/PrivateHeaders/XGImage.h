@@ -34,6 +34,8 @@ CG_EXPORT bool XGImageIsRigid(CGImageRef image);
 /** An uploaded image is handed to the list of images to finalise when it goes. */
 CG_EXPORT bool XGImageIsUploaded(CGImageRef image);
 CG_EXPORT void XGImageSetUploaded(CGImageRef image, bool uploaded);
+/** Converted pixels are not kept with an uncacheable image; those that were are dropped when it
+ *  becomes one. */
 CG_EXPORT bool XGImageIsUncacheable(CGImageRef image);
 CG_EXPORT void XGImageSetUncacheable(CGImageRef image, bool uncacheable);
 /** Whether the byte order has a bit of the little-endian ones; 16-bit big-endian has both. */

@@ -18,6 +18,13 @@ typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data
  *  `bitmapInfo` says where the alpha is and in which order bytes lie. User space has its origin at
  *  the lower left corner, y up, one unit per pixel, and the whole bitmap is the clip.
  *
+ *  Formats: gray of 8 bits; alpha alone of 8 bits; gray with alpha of 8 or 16 bits each; RGB in 16,
+ *  24, 32 or 64 bits (three of 5 bits; 5-6-5 as kCGImagePixelFormatRGB565 with 5 bits given; 4, 6,
+ *  8 or 16 bits each), with alpha or skipped bits first or last and in every byte order; CMYK of 8
+ *  bits without alpha; indices of 8 bits into a table of gray, RGB or CMYK. BGRA, premultiplied
+ *  first in little-endian order, is drawn the fastest. Marks are mixed in RGB in any space, and only
+ *  what they change is written.
+ *
  *  NULL, without a message, when width, height or bitsPerComponent is 0; NULL, with an error in the
  *  log, for alpha that is not premultiplied, rows too short for the width, and formats that cannot
  *  be drawn into. */

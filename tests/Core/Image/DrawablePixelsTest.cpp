@@ -138,6 +138,24 @@ TEST(DrawablePixels, NarrowToTheNearestByte) {
                       std::lround((bytes[i + 2 * c] * 256 + bytes[i + 2 * c + 1]) / 257.0));
 }
 
+TEST(DrawablePixels, AreForgottenByAnImageThatBecomesUncacheable) {
+    constexpr std::size_t kSide = 128;
+    const Bytes bytes(kSide * kSide * 3, 5);
+    const auto image = test::makeImage(
+        {.width = kSide, .height = kSide, .bitsPerPixel = 24, .space = kRGB}, bytes);
+    const test::AllocationMeter meter;
+    const auto draw = [&] {
+        return DrawablePixels::of(image.get(), kRGB, kCGRenderingIntentDefault).has_value();
+    };
+    constexpr std::ptrdiff_t kPixels = kSide * kSide * 4;
+    EXPECT_TRUE(draw());
+    EXPECT_GE(meter.liveBytes(), kPixels);
+    XGImageSetUncacheable(image.get(), true);
+    EXPECT_LT(meter.liveBytes(), kPixels);
+    EXPECT_TRUE(draw());
+    EXPECT_LT(meter.liveBytes(), kPixels);
+}
+
 // ---- Threads
 
 struct CountedSource {

@@ -41,6 +41,10 @@ bool XGImageIsUncacheable(CGImageRef image) {
 
 void XGImageSetUncacheable(CGImageRef image, bool uncacheable) {
     setBit(image, kXGImageUncacheable, uncacheable);
+    cg::PixelCache* const kept =
+        image && uncacheable ? image->pixelCache.load(std::memory_order_acquire) : nullptr;
+    if (kept)
+        cg::purgePixelCache(*kept);
 }
 
 // Deliberate: the order of big-endian 16-bit units, 0x3000, has both bits of the little-endian ones

@@ -20,6 +20,7 @@ namespace cg {
 // converts pixels.
 class PixelCache;
 void destroyPixelCache(PixelCache* cache);
+void purgePixelCache(PixelCache& cache);
 
 // What a destination keeps with an image to draw it sooner the next time.
 struct DrawingCache {

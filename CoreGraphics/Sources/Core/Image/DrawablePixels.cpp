@@ -209,6 +209,10 @@ void destroyPixelCache(PixelCache* cache) {
     delete cache;
 }
 
+void purgePixelCache(PixelCache& cache) {
+    cache.purge();
+}
+
 // ---- Drawable pixels
 
 DrawablePixels::DrawablePixels(ConvertedPixelsRef converted)

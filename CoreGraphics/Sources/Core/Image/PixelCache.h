@@ -53,6 +53,12 @@ public:
         return entry.pixels;
     }
 
+    // Forgets all conversions; who draws from one keeps it as long.
+    void purge() {
+        const std::lock_guard guard(mutex_);
+        entries_ = {};
+    }
+
 private:
     struct Entry {
         ConversionKey key;
