@@ -22,7 +22,7 @@ typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data
  *  24, 32 or 64 bits (three of 5 bits; 5-6-5 as kCGImagePixelFormatRGB565 with 5 bits given; 4, 6,
  *  8 or 16 bits each), with alpha or skipped bits first or last and in every byte order; CMYK of 8
  *  bits without alpha; indices of 8 bits into a table of gray, RGB or CMYK. BGRA, premultiplied
- *  first in little-endian order, is drawn the fastest. Marks are mixed in RGB in any space, and only
+ *  first in little-endian order, is drawn fastest. Marks are mixed in RGB in any space, and only
  *  what they change is written.
  *
  *  NULL, without a message, when width, height or bitsPerComponent is 0; NULL, with an error in the
