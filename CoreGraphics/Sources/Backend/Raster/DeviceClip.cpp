@@ -107,6 +107,7 @@ SkBitmap over(const SkRect& box, XGClippingRef clipping) {
         !bitmap.tryAllocPixelsFlags(SkImageInfo::MakeA8(area.width(), area.height()),
                                     SkBitmap::kZeroPixels_AllocFlag))
         return {};
+    // Its upper edge is at row 0: y counts down from there.
     Surface surface(bitmap.pixmap(), area.bottom(), {area.left(), 0});
     surface.drawImage(placed(coverage, toSkia(XGClippingGetMaskRect(clipping))), SkPaint());
     return bitmap;

@@ -31,12 +31,14 @@ Surface& RasterBackend::clippedSurface(XGGStateRef state, uint32_t flags) {
                       antialiasing(state, flags));
         XGGStateSetShouldRasterizeClipRegion(state, false);
         clipIsStale_ = false;
+        // Where saves and restores do not match, a surface beneath may have the same state.
         outerClipsAreStale_ = outerClipsAreStale_ || (layer && hasChanged);
     }
     return target;
 }
 
 Surface& RasterBackend::surfaceUnderClip(XGGStateRef state, uint32_t flags) {
+    // A layer without memory for its pixels is passed over; what it should have held goes below.
     TransparencyLayer* layer = innermostLayer();
     while (layer && !layer->hasPixels() && !makePixels(*layer)) {
         layer = innermostLayer();
@@ -69,6 +71,7 @@ bool RasterBackend::makePixels(TransparencyLayer& layer) {
 
 // A group with a shadow is drawn beyond its clip as well, as far as it may throw shadow into it.
 void RasterBackend::beginTransparencyLayer(XGGStateRef state, uint32_t flags) {
+    // The parent is only looked at: its pixels may stay shared, or unmade.
     const Surface& parent = clippedSurface(state, flags);
     const SkPaint paint = PaintSetup::group(state);
     SkIRect area = parent.clip().getBounds();

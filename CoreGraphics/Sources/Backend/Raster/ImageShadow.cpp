@@ -90,6 +90,7 @@ sk_sp<SkShader> shifted(const sk_sp<SkShader>& shader, SkVector by) {
 } // namespace
 
 SkIRect areaThrowingShadowInto(const SkIRect& shown, const ShadowCast& shadow) {
+    // A quarter of a gigabyte of pixels; coordinates that floats tell apart.
     constexpr double kFarthest = 1 << 20, kMostPixels = 1 << 26;
     const SkVector offset = inPixels(shadow.offset);
     if (shown.isEmpty() ||

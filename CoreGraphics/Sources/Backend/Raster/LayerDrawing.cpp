@@ -43,6 +43,7 @@ bool canStay(const SkPixmap& pixels) {
     return !pixels.isOpaque() || bytes < 4 || (bytes == 4 && isFullyOpaque(pixels));
 }
 
+// As an image is placed, its first row at the rectangle's largest y.
 PlacedImage place(const SkPixmap& pixels, CGRect rect, XGGStateRef state, uint32_t flags) {
     PlacedImage image = {.pixels = pixels, .rect = toSkia(rect)};
     image.toDevice = turnedAround(image.rect);
@@ -89,6 +90,7 @@ void RasterBackend::drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CG
     auto& source = *static_cast<RasterBackend*>(context->info);
     const Surface& target = surfaceUnderClip(state, flags); // May move a layer's own pixels.
     const SkPixmap& pixels = source.base_->pixels();
+    // Coverage takes the fill colour, and means the same everywhere.
     if (pixels.colorType() != kAlpha_8_SkColorType &&
         !meansTheSame(source.space_.get(), space_.get())) {
         drawConvertedLayer(state, flags, rect, context);

@@ -31,6 +31,7 @@ public:
     PatternScope& operator=(const PatternScope&) = delete;
 
     bool mayDraw() const {
+        // Each takes a few kilobytes of the stack; drawings nest two or three.
         constexpr int kDeepest = 24;
         return !isRepeated_ && depth_ <= kDeepest;
     }
@@ -86,6 +87,7 @@ void drawCell(const PatternInk& ink, CGContextRef context, const SkMatrix& matri
               ClipToBounds clip) {
     const CGAffineTransform ctm =
         toContext(matrix, static_cast<int>(CGBitmapContextGetHeight(context)));
+    // A pattern used in the cell lies in this pattern's space.
     static_cast<RasterBackend*>(context->info)->setPatternBase(ctm);
     CGContextConcatCTM(context, ctm);
     if (clip == ClipToBounds::Yes)

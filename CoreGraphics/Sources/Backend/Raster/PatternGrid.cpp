@@ -90,13 +90,15 @@ PatternGrid alignedGrid(const Cell& cell, SkMatrix matrix, Distort distort) {
         SkMatrix::Translate(std::floor(shown.left() + 0.5f), std::floor(shown.top() + 0.5f));
     matrix.set(xEntry, std::copysign(static_cast<float>(x.scale), matrix[xEntry]));
     matrix.set(yEntry, std::copysign(static_cast<float>(y.scale), matrix[yEntry]));
+    // Stretched about the cell's corner, which has been rounded to a pixel.
     const SkRect moved = matrix.mapRect(cell.bounds);
     matrix.postTranslate(-moved.left(), -moved.top());
     grid.patternToGrid = matrix;
     return grid;
 }
 
-// A grid along the pattern's own axes, its y turned around.
+// A grid along the pattern's own axes, its y turned around. Whole pixels to a period make tiles
+// meet; what that stretches, the way to the surface takes back.
 std::optional<PatternGrid> turnedGrid(const Cell& cell, const SkMatrix& matrix) {
     const FittedAxis x = fit(std::hypot(matrix.getScaleX(), matrix.getSkewY()), cell.xStep,
                              cell.bounds.width(), Distort::Yes);

@@ -76,6 +76,7 @@ SkBitmap drawClip(const PatternInk& ink, const PatternGrid& grid, const SkIRect&
                      static_cast<int>(kMostCells));
         return {};
     }
+    // Later cells over earlier ones, as in tiles.
     const auto at = [](const CellRange& range, const GridAxis& axis, std::int64_t count) {
         return axis.position(axis.isAscending ? range.first + count : range.last - count);
     };
@@ -132,6 +133,8 @@ bool PatternShaders::Colors::areThoseOf(const PatternInk& ink) const {
                 std::span(components).first(firstComponents(ink.color, components).size())));
 }
 
+// A tile that repeats, if it may be that large; else one cell alone, if no other shows inside the
+// clip; else everything that shows there.
 PatternShaders::Plan PatternShaders::planFor(const PatternGrid& grid, const SkMatrix& matrix,
                                              const SkIRect& clip) {
     Plan plan = {.drawn = matrix, .x = tileAxis(grid.x), .y = tileAxis(grid.y)};
@@ -182,6 +185,7 @@ sk_sp<SkShader> PatternShaders::find(const PatternInk& ink,
     return entries_.front().shader;
 }
 
+// The newest stays however large it is: the next mark is likely to ask for it.
 void PatternShaders::keep(Entry entry) {
     constexpr std::size_t kMostEntries = 8;
     constexpr std::size_t kMostBytes = 4 * kMostPixels;
@@ -202,6 +206,7 @@ sk_sp<SkShader> PatternShaders::make(const PatternInk& ink,
         return nullptr;
     const Plan plan = planFor(*grid, matrix, clip);
     SkBitmap pixels;
+    // A phase, or a group's surface, moves a pattern: only the shader is made anew then.
     const auto same = std::ranges::find_if(entries_, [&](const Entry& entry) {
         return entry.colors.areThoseOf(ink) && haveSamePixels(entry.plan, entry.clip, plan, clip);
     });
@@ -213,6 +218,7 @@ sk_sp<SkShader> PatternShaders::make(const PatternInk& ink,
     }
     if (pixels.isNull())
         return nullptr;
+    // The tile's pixels are the surface's: the nearest is the one.
     const bool isExact = grid->isAligned || !plan.isTile;
     auto shader = makeShader(pixels, plan.pixelsToSurface, plan.isTile && plan.x.repeats,
                              plan.isTile && plan.y.repeats,

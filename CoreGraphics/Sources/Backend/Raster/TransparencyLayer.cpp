@@ -40,6 +40,8 @@ bool TransparencyLayer::makePixels() {
     return true;
 }
 
+// By Porter and Duff's operators in whose result the destination is multiplied by the source's
+// opacity, or is left out.
 bool TransparencyLayer::changesWhatItLeavesOut() const {
     switch (paint_.getBlendMode_or(SkBlendMode::kSrcOver)) {
     case SkBlendMode::kClear:
