@@ -99,6 +99,7 @@ public:
     cf::Ref<CGImageRef> image();
     cf::Ref<CGGradientRef> gradient();
     cf::Ref<CGShadingRef> shading();
+    cf::Ref<CGPatternRef> pattern();
 
 private:
     std::mt19937 random_;
@@ -177,6 +178,14 @@ cf::Ref<CGShadingRef> Arguments::shading() {
                                        function.get(), flag(), flag()));
 }
 
+cf::Ref<CGPatternRef> Arguments::pattern() {
+    constexpr CGPatternCallbacks kCallbacks = {
+        0, [](void*, CGContextRef c) { CGContextFillRect(c, CGRectMake(1, 1, 3, 2)); }, nullptr};
+    const CGAffineTransform m = flag() ? transform() : CGAffineTransform{1, 0, 0, 1, 2, 3};
+    return cf::adopt(CGPatternCreate(nullptr, rect(), m, number(), number(),
+                                     CGPatternTiling(integer()), flag(), &kCallbacks));
+}
+
 using Call = void (*)(CGContextRef c, Arguments& a);
 
 constexpr Call kSettings[] = {
@@ -211,6 +220,14 @@ constexpr Call kSettings[] = {
     [](CGContextRef c, Arguments& a) { CGContextSetStrokeColorWithColor(c, a.color().get()); },
     [](CGContextRef c, Arguments& a) { CGContextSetFillColorSpace(c, a.space().get()); },
     [](CGContextRef c, Arguments& a) { CGContextSetStrokeColorSpace(c, a.space().get()); },
+    [](CGContextRef c, Arguments& a) {
+        const auto plain = cf::adopt(CGColorSpaceCreatePattern(nullptr));
+        CGContextSetFillColorSpace(c, plain.get());
+        CGContextSetFillPattern(c, a.pattern().get(), a.numbers().first);
+    },
+    [](CGContextRef c, Arguments& a) {
+        CGContextSetStrokePattern(c, a.pattern().get(), a.numbers().first);
+    },
     [](CGContextRef c, Arguments& a) { CGContextSetFillColor(c, a.numbers().first); },
     [](CGContextRef c, Arguments& a) { CGContextSetStrokeColor(c, a.numbers().first); },
     [](CGContextRef c, Arguments& a) { CGContextSetGrayFillColor(c, a.number(), a.number()); },
@@ -314,6 +331,9 @@ constexpr Call kMarks[] = {
     [](CGContextRef c, Arguments& a) {
         CGContextDrawRadialGradient(c, a.gradient().get(), a.point(), a.number(), a.point(),
                                     a.number(), CGGradientDrawingOptions(a.integer()));
+    },
+    [](CGContextRef c, Arguments& a) {
+        CGContextDrawConicGradient(c, a.gradient().get(), a.point(), a.number());
     },
     [](CGContextRef c, Arguments& a) { CGContextDrawShading(c, a.shading().get()); },
     [](CGContextRef c, Arguments&) { CGContextClip(c); },
