@@ -27,6 +27,7 @@ img.sheet { max-width: 100%; display: block; }
 details > summary { cursor: pointer; font-weight: 600; margin: 1.2rem 0 .6rem; }
 """
 
+THEME_NAMES = {"fixtures": "librsvg"}
 CAPTIONS = (("ours", "ours"), ("reference", "rsvg"), ("difference", "difference"))
 
 
@@ -34,7 +35,8 @@ def groups_of(pictures):
     """The pictures by theme, kind and size, in the order in which these first come."""
     groups = {}
     for picture in pictures:
-        key = (picture.key.split("/")[0], picture.kind, picture.size)
+        size = "their own" if picture.kind == "test" else str(picture.size)
+        key = (THEME_NAMES.get(picture.theme, picture.theme), picture.kind, size)
         groups.setdefault(key, []).append(picture)
     return list(groups.items())
 
@@ -49,7 +51,7 @@ def summary(pictures):
         measured = [p for p in group if p.mean is not None]
         missed = len(group) - passed
         rows.append(
-            "<tr><td>%s</td><td>%s</td><td class=number>%d</td><td class=number>%d</td>"
+            "<tr><td>%s</td><td>%s</td><td class=number>%s</td><td class=number>%d</td>"
             "<td class='number good'>%d</td><td class='number%s'>%d</td>"
             "<td class=number>%.2f</td><td class=number>%.2f</td><td class=number>%.1f</td></tr>" % (
                 escape(theme), kind, size, len(group), passed, " bad" if missed else "", missed,
@@ -128,8 +130,8 @@ def write(path, pictures, sheets, seconds, most_mean, most_block):
     lines += ["<h2>Misses</h2>"] + misses_by_reason(pictures)
     lines += ["<h2>Pictures</h2>"]
     for (theme, kind, size), group in groups_of(pictures):
-        is_open = size >= 64 and size < 256
-        lines += section("%s, %s, %d pixels" % (theme, kind, size), group, is_open)
+        is_open = size not in ("16", "256")
+        lines += section("%s, %s, %s pixels" % (theme, kind, size), group, is_open)
     lines += contact_sheets(sheets)
     with open(path, "w", encoding="utf-8") as file:
         file.write("\n".join(lines) + "\n</html>\n")
