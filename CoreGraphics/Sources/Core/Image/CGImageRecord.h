@@ -70,6 +70,8 @@ struct CGImage {
     std::atomic<std::uint64_t> layoutInPlace = 0;
     cf::Ref<CFStringRef> debugSource;
     std::atomic<std::int32_t> traceID = -1;
+    std::atomic<std::uint32_t> uploadKey =
+        0; // Stands for it in flat buffers, once it was asked for.
     CGSize sizeInPoints = {0, 0};
     cf::Ref<CGDataProviderRef> sourceProvider;
     cf::Ref<CFStringRef> utType;

@@ -1,0 +1,111 @@
+// CGContextCommandQueue.cpp: recorded commands drawn again, by a context.
+
+#include "XGCommandQueue.h"
+#include "XGContext.h"
+#include "XGDataProvider.h"
+#include "XGPath.h"
+#include <CoreGraphics/CGBitmapContext.h>
+#include <CoreGraphics/CGContext.h>
+
+#include "Core/CommandQueue/XGCommandQueueRecord.h"
+#include "Core/Object/Diagnostics.h"
+
+namespace {
+
+void strokePath(CGContextRef context, const XGCommand& command) {
+    const auto& stroke = command.parameters.stroke;
+    CGContextSetStrokeColorWithColor(context, command.color);
+    CGContextSetLineWidth(context, stroke.width);
+    CGContextSetLineCap(context, static_cast<CGLineCap>(stroke.cap));
+    CGContextSetLineJoin(context, static_cast<CGLineJoin>(stroke.join));
+    CGContextSetMiterLimit(context, stroke.miterLimit);
+    CGContextAddPath(context, command.path);
+    CGContextStrokePath(context);
+}
+
+void fillPath(CGContextRef context, CGPathRef path) {
+    CGContextAddPath(context, path);
+    CGContextDrawPath(context, _CGPathIsEvenOddFill(path) ? kCGPathEOFill : kCGPathFill);
+}
+
+// Glyphs are drawn by whoever has the atlas that they lie in.
+void drawCommand(CGContextRef context, const XGCommand& command) {
+    CGContextSetBlendMode(context, command.blendMode);
+    CGContextSetFillColorWithColor(context, command.color);
+    switch (command.kind) {
+    case kXGCommandFillRects:
+        CGContextFillRects(context, XGCommandGetRects(&command), command.itemCount);
+        break;
+    case kXGCommandDrawImage:
+        CGContextDrawImage(context, command.bounds, command.image);
+        break;
+    case kXGCommandFillPath:
+        fillPath(context, command.path);
+        break;
+    case kXGCommandStrokePath:
+        strokePath(context, command);
+        break;
+    case kXGCommandFillCircle:
+        CGContextFillEllipseInRect(context, command.bounds);
+        break;
+    default:
+        break;
+    }
+}
+
+void logFailure(XGCommandQueueRef queue) {
+    if (!HostLogIsEnabled(kHostLogError))
+        return;
+    const auto description = cf::adopt(CFCopyDescription(queue));
+    char text[256] = "";
+    if (description)
+        CFStringGetCString(description.get(), text, sizeof text, kCFStringEncodingUTF8);
+    HostLog(kHostLogError, "CommandQueue", "XGCommandQueueCreateDataProvider",
+            "CommandQueue: Failed to create bitmap context for %s", text);
+}
+
+CGContextRef contextOf(void* info) {
+    return static_cast<CGContextRef>(info);
+}
+
+constexpr XGDataProviderDirectCallbacks kPixelCallbacks = {
+    .version = 0,
+    .getBytePointer = [](void* info) -> const void* {
+        return CGBitmapContextGetData(contextOf(info));
+    },
+    .releaseInfo = [](void* info) { CGContextRelease(contextOf(info)); },
+};
+
+} // namespace
+
+void XGContextDrawCommandQueue(CGContextRef context, XGCommandQueueRef queue) {
+    if (!context || !queue)
+        return;
+    for (const auto& command : queue->commands.all()) {
+        CGContextSaveGState(context);
+        CGContextBeginPath(context);
+        drawCommand(context, *command);
+        CGContextRestoreGState(context);
+    }
+}
+
+CGDataProviderRef XGCommandQueueCreateDataProvider(XGCommandQueueRef queue) {
+    if (!queue)
+        return nullptr;
+    auto context = cf::adopt(CGBitmapContextCreate(nullptr, queue->width, queue->height,
+                                                   queue->bitsPerComponent, 0, queue->space.get(),
+                                                   queue->bitmapInfo));
+    if (!context) {
+        logFailure(queue);
+        return nullptr;
+    }
+    XGContextDrawCommandQueue(context.get(), queue);
+    cg::closeQueue(queue);
+    const size_t size =
+        CGBitmapContextGetBytesPerRow(context.get()) * CGBitmapContextGetHeight(context.get());
+    const CGDataProviderRef provider =
+        XGDataProviderCreateDirect(context.get(), static_cast<off_t>(size), &kPixelCallbacks);
+    if (provider)
+        CGContextRetain(context.get()); // The provider's, released by its callback.
+    return provider;
+}
