@@ -436,4 +436,31 @@ TEST(Pattern, IsBareSkiasBitmapShader) {
     EXPECT_TRUE(samePixels(context.get(), peer));
 }
 
+// Patterns with the same info are equal, whatever they draw; a stroke that is outlined because of
+// its transform is painted with its own all the same.
+TEST(Pattern, OfAnOutlinedStrokeIsNotTheFills) {
+    const auto patternOf = [](CGPatternDrawPatternCallback draw) {
+        const CGPatternCallbacks callbacks = {0, draw, nullptr};
+        return cf::adopt(CGPatternCreate(nullptr, CGRectMake(0, 0, 2, 2), CGAffineTransformIdentity,
+                                         2, 2, kCGPatternTilingConstantSpacing, true, &callbacks));
+    };
+    const Pattern red =
+        patternOf([](void*, CGContextRef context) { fill(context, 'r', CGRectMake(0, 0, 2, 2)); });
+    const Pattern blue =
+        patternOf([](void*, CGContextRef context) { fill(context, 'b', CGRectMake(0, 0, 2, 2)); });
+    const test::Context context = makeContext(8, 4);
+    const auto space = cf::adopt(CGColorSpaceCreatePattern(nullptr));
+    const CGFloat alpha = 1;
+    setFill(context.get(), red.get());
+    CGContextSetStrokeColorSpace(context.get(), space.get());
+    CGContextSetStrokePattern(context.get(), blue.get(), &alpha);
+    CGContextScaleCTM(context.get(), 2, 1);
+    CGContextSetLineWidth(context.get(), 2);
+    CGContextMoveToPoint(context.get(), 0, 1);
+    CGContextAddLineToPoint(context.get(), 4, 1);
+    CGContextStrokePath(context.get());
+    CGContextFillRect(context.get(), CGRectMake(0, 3, 4, 1));
+    EXPECT_EQ(letters(context.get()), (Rows{"RRRRRRRR", "........", "BBBBBBBB", "BBBBBBBB"}));
+}
+
 } // namespace

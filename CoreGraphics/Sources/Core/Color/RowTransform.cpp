@@ -26,18 +26,6 @@ constexpr CFRuntimeClass kRowTransformClass = {
     .finalize = finalize<RowTransform>,
 };
 
-std::size_t byteSize(ComponentType type) {
-    switch (type) {
-    case ComponentType::Unsigned8:
-        return 1;
-    case ComponentType::Unsigned16:
-        return 2;
-    case ComponentType::Float:
-        return sizeof(float);
-    }
-    return 0;
-}
-
 std::optional<cmsUInt32Number> nativeModel(CGColorSpaceModel model) {
     switch (model) {
     case kCGColorSpaceModelMonochrome:

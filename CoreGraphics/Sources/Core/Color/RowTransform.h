@@ -22,6 +22,25 @@ bool needsConversion(CGColorSpaceRef from, CGColorSpaceRef to);
 // 0…100 and a* and b* are themselves, while 8 and 16 bits hold Lab as Little CMS encodes it.
 enum class ComponentType : std::uint8_t { Unsigned8, Unsigned16, Float };
 
+constexpr std::size_t byteSize(ComponentType type) {
+    switch (type) {
+    case ComponentType::Unsigned8:
+        return 1;
+    case ComponentType::Unsigned16:
+        return 2;
+    case ComponentType::Float:
+        return sizeof(float);
+    }
+    return 0;
+}
+
+template <typename Component>
+inline constexpr ComponentType kComponentTypeOf = ComponentType::Float;
+template <>
+inline constexpr ComponentType kComponentTypeOf<std::uint8_t> = ComponentType::Unsigned8;
+template <>
+inline constexpr ComponentType kComponentTypeOf<std::uint16_t> = ComponentType::Unsigned16;
+
 // The components of a colour of the space, interleaved, and the opacity behind them.
 struct RowFormat {
     ComponentType type = ComponentType::Unsigned8;

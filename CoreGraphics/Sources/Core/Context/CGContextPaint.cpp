@@ -5,6 +5,7 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Context/DeviceStroke.h"
+#include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
 #include <utility>
@@ -34,17 +35,17 @@ private:
 // Outlines of strokes are filled, with the paint of strokes.
 class FillWithStrokeColorScope {
 public:
-    explicit FillWithStrokeColorScope(XGGStateRef state)
-        : state_(state), fillColor_(cf::retain(XGGStateGetFillColor(state))) {
-        XGGStateSetFillColor(state, XGGStateGetStrokeColor(state));
-    }
-    ~FillWithStrokeColorScope() { XGGStateSetFillColor(state_, fillColor_.get()); }
+    explicit FillWithStrokeColorScope(XGGStateRef state) : state_(state) { exchange(); }
+    ~FillWithStrokeColorScope() { exchange(); }
     FillWithStrokeColorScope(const FillWithStrokeColorScope&) = delete;
     FillWithStrokeColorScope& operator=(const FillWithStrokeColorScope&) = delete;
 
 private:
+    // Not by the setter, which keeps a colour that equals the new one: equal patterns may differ in
+    // what they draw.
+    void exchange() { state_->values.fillColor.swap(state_->values.strokeColor); }
+
     XGGStateRef state_;
-    cf::Ref<CGColorRef> fillColor_;
 };
 
 // ---- Paths

@@ -26,13 +26,6 @@ namespace {
 constexpr std::size_t kSpan = 256;
 constexpr std::size_t kMostSteps = CGColorConversionInfo::kMostSpaces - 1;
 
-template <typename Component>
-constexpr ComponentType kTypeOf = ComponentType::Float;
-template <>
-constexpr ComponentType kTypeOf<std::uint8_t> = ComponentType::Unsigned8;
-template <>
-constexpr ComponentType kTypeOf<std::uint16_t> = ComponentType::Unsigned16;
-
 // ---- Formats
 
 std::optional<PixelLayout> layoutOf(const CGColorBufferFormat& format, CGColorSpaceRef space) {
@@ -106,7 +99,7 @@ public:
     BufferConversion(const PixelLayout& from, const PixelLayout& to) : from_(from), to_(to) {}
 
     bool prepare(const CGColorConversionInfo& info) {
-        const RowFormat format = {kTypeOf<Component>, from_.hasAlpha()};
+        const RowFormat format = {kComponentTypeOf<Component>, from_.hasAlpha()};
         for (; stepCount_ + 1 < info.count; ++stepCount_) {
             steps_[stepCount_] = RowTransform::between(info.spaces[stepCount_].get(), format,
                                                        info.spaces[stepCount_ + 1].get(), format,

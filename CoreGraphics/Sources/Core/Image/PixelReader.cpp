@@ -25,27 +25,8 @@ namespace {
 constexpr std::size_t kSpan = 256;
 constexpr std::size_t kMostColors = 4;
 
-template <typename Component>
-constexpr ComponentType kTypeOf = ComponentType::Float;
-template <>
-constexpr ComponentType kTypeOf<std::uint8_t> = ComponentType::Unsigned8;
-template <>
-constexpr ComponentType kTypeOf<std::uint16_t> = ComponentType::Unsigned16;
-
 bool isIndexed(CGImageRef image) {
     return CGColorSpaceGetModel(image->space.get()) == kCGColorSpaceModelIndexed;
-}
-
-std::size_t bytesPerComponent(ComponentType type) {
-    switch (type) {
-    case ComponentType::Unsigned8:
-        return 1;
-    case ComponentType::Unsigned16:
-        return 2;
-    case ComponentType::Float:
-        break;
-    }
-    return 4;
 }
 
 // Everything about an image and what is wanted of it, in components of one type. The scratch
@@ -127,7 +108,7 @@ bool TypedPixelReader<Component>::prepare() {
         target_.order != ComponentOrder::OfSpace ? 4 : wantedColors_ + (wantsAlpha ? 1 : 0);
 
     if (needsConversion(from, to)) {
-        const RowFormat format = {kTypeOf<Component>, hasAlpha_ && !isIndexed_};
+        const RowFormat format = {kComponentTypeOf<Component>, hasAlpha_ && !isIndexed_};
         transform_ = RowTransform::between(from, format, to, format, target_.intent);
     }
     if (!transform_ && loadedColors_ != wantedColors_) {
@@ -195,7 +176,7 @@ template <typename Component>
 bool TypedPixelReader<Component>::prepareMask() {
     const CGImageRef mask = image_->mask.get();
     const auto layout = PixelLayout::of(*mask);
-    const PixelTarget target = {.type = kTypeOf<Component>};
+    const PixelTarget target = {.type = kComponentTypeOf<Component>};
     if (layout && CGColorSpaceGetNumberOfComponents(pixelSpace(mask)) == 1 &&
         mask->width == image_->width && mask->height == image_->height)
         mask_.reset(new (std::nothrow) TypedPixelReader(mask, *layout, target));
@@ -449,7 +430,7 @@ bool canBeTransparent(CGImageRef image) {
 }
 
 std::size_t PixelReader::bytesPerPixel() const {
-    return componentsPerPixel_ * bytesPerComponent(target_.type);
+    return componentsPerPixel_ * byteSize(target_.type);
 }
 
 std::unique_ptr<PixelReader> PixelReader::of(CGImageRef image, const PixelTarget& target) {
