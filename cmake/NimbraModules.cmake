@@ -20,8 +20,8 @@ function(nimbra_test name)
     target_include_directories(${name} PRIVATE ${NIMBRA_TESTS_DIR} ${TEST_INCLUDES})
     target_link_libraries(${name} PRIVATE nimbra_flags GTest::gmock GTest::gtest_main ${TEST_LINKS})
     # Memory that cannot be had is NULL for tests under the address sanitizer, too.
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${TEST_LABELS}"
-        ENVIRONMENT "ASAN_OPTIONS=allocator_may_return_null=1")
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120
+        ENVIRONMENT "ASAN_OPTIONS=allocator_may_return_null=1" LABELS "${TEST_LABELS}")
     if("thread" IN_LIST TEST_LABELS)
         add_dependencies(thread-tests ${name})
     endif()

@@ -20,7 +20,7 @@ void run(const std::string& input) {
 }
 
 void replay(const std::string& seed) {
-    constexpr size_t kMostVariants = 4096;
+    constexpr size_t kMostVariants = 1024;
     run(seed);
     const size_t stride = seed.size() * 8 / kMostVariants + 1;
     for (size_t bit = 0; bit < seed.size() * 8; bit += stride) {
