@@ -2,8 +2,13 @@
 // Skia finds inside a path.
 
 #include "Paths.h"
+#include "Support/FailingAllocator.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <csignal>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -190,6 +195,54 @@ TEST(CGPathTessellate, ReportsBoundsAndBatches) {
     const Mesh strip = tessellate(many, kXGPathFillWinding);
     EXPECT_EQ(strip.triangles.size(), 4000u);
     EXPECT_EQ(strip.batches, 4u);
+}
+
+enum Outcome { Whole, Refused, Half, Done };
+
+// With one allocation failing. Where the library ends the process, so does this: `new` throws here.
+Outcome tessellateStarWithout(std::size_t allocation) noexcept {
+    const MutablePath path = star();
+    size_t corners = 0;
+    const AllocationFailure failure(allocation);
+    const bool isWhole = _CGPathTessellate(
+        path.get(), kXGPathFillWinding, 1,
+        [](void* info, const CGPoint*, size_t, const uint32_t*, size_t indices) {
+            *static_cast<size_t*>(info) += indices;
+        },
+        &corners, nullptr);
+    if (!failure.happened())
+        return Done;
+    constexpr size_t expected = 3 * 8; // Five points around a pentagon.
+    if (corners != (isWhole ? expected : 0))
+        return Half;
+    return isWhole ? Whole : Refused;
+}
+
+// Each allocation fails once, in a process of its own: the sweep's own end in false, those that
+// cannot be reported end the process, and neither leaves half of a mesh.
+TEST(CGPathTessellate, IsWholeOrFailsWithoutMemory) {
+    if (!allAllocationsCanFail())
+        GTEST_SKIP() << "malloc is the sanitizer's: the sweep's memory cannot fail here";
+    int refused = 0;
+    int outcome = Whole;
+    for (std::size_t number = 1; outcome != Done; ++number) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            close(STDERR_FILENO);
+            _exit(tessellateStarWithout(number));
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        if (WIFSIGNALED(status)) {
+            EXPECT_EQ(WTERMSIG(status), SIGABRT) << "allocation " << number;
+            continue;
+        }
+        outcome = WEXITSTATUS(status);
+        EXPECT_NE(outcome, Half) << "allocation " << number;
+        refused += outcome == Refused;
+    }
+    EXPECT_GT(refused, 1) << "the tessellator itself, and what it asks for later";
 }
 
 TEST(CGPathTessellate, RefusesWhatIsNoPath) {

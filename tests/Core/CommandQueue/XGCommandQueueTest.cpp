@@ -6,6 +6,7 @@
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CGBitmapContext.h>
 #include <CoreGraphics/CGColorSpace.h>
+#include <CoreGraphics/CGPattern.h>
 
 #include "Support/CollectedLog.h"
 
@@ -135,6 +136,20 @@ TEST(CommandQueue, ConvertsColoursToTheCanvas) {
     ASSERT_EQ(CGColorGetNumberOfComponents(color), 4u);
     const CGFloat expected[] = {0.5f, 0.5f, 0.5f, 0.75f};
     EXPECT_EQ(std::memcmp(CGColorGetComponents(color), expected, sizeof expected), 0);
+}
+
+TEST(CommandQueue, RefusesPatterns) {
+    const CGPatternCallbacks callbacks = {0, [](void*, CGContextRef) {}, nullptr};
+    const auto pattern =
+        cf::adopt(CGPatternCreate(nullptr, kCanvas, CGAffineTransformIdentity, 40, 30,
+                                  kCGPatternTilingNoDistortion, false, &callbacks));
+    const auto space = cf::adopt(CGColorSpaceCreatePattern(rgb().get()));
+    const CGFloat green[] = {0, 1, 0, 1};
+    const Queue queue = makeQueue();
+    EXPECT_FALSE(
+        add(queue, makeCommand(kXGCommandFillCircle, {{1, 1}, {4, 4}},
+                               CGColorCreateWithPattern(space.get(), pattern.get(), green))));
+    EXPECT_EQ(XGCommandQueueGetCommandCount(queue.get()), 0);
 }
 
 TEST(CommandQueue, ForgetsWhatAFullFillHides) {

@@ -55,6 +55,10 @@ public:
         ++batch_;
     }
 
+    // What was handed over so far is not all.
+    void fail() { hasFailed_ = true; }
+    bool hasFailed() const { return hasFailed_; }
+
     CGRect bounds() const {
         if (left_ > right_)
             return CGRectNull;
@@ -81,6 +85,7 @@ private:
     std::vector<CGPoint> vertices_;
     std::vector<std::uint32_t> indices_;
     std::uint32_t batch_ = 1;
+    bool hasFailed_ = false;
     CGFloat left_ = FLT_MAX, bottom_ = FLT_MAX, right_ = -FLT_MAX, top_ = -FLT_MAX;
 };
 
@@ -110,6 +115,11 @@ void GLAPIENTRY takeCrossing(GLdouble place[3], void* corners[4], GLfloat weight
         {static_cast<CGFloat>(place[0]), static_cast<CGFloat>(place[1])}));
 }
 
+// Memory ran out: nothing else can go wrong with points that are finite.
+void GLAPIENTRY takeError(GLenum, void* batches) {
+    toBatches(batches).fail();
+}
+
 // To be told of edges makes GLU deliver triangles alone, no fans and strips.
 void GLAPIENTRY ignoreEdge(GLboolean) {}
 
@@ -132,6 +142,7 @@ Tessellator makeTessellator(bool evenOdd) {
                     evenOdd ? GLU_TESS_WINDING_ODD : GLU_TESS_WINDING_NONZERO);
     setCallback(tessellator.get(), GLU_TESS_VERTEX_DATA, takeVertex);
     setCallback(tessellator.get(), GLU_TESS_COMBINE_DATA, takeCrossing);
+    setCallback(tessellator.get(), GLU_TESS_ERROR_DATA, takeError);
     setCallback(tessellator.get(), GLU_TESS_EDGE_FLAG, ignoreEdge);
     return tessellator;
 }
@@ -156,7 +167,8 @@ public:
     void end() {
         endContour();
         gluTessEndPolygon(tessellator_);
-        batches_.flush();
+        if (!batches_.hasFailed())
+            batches_.flush();
     }
 
 private:
@@ -171,6 +183,11 @@ private:
     bool isOpen_ = false;
 };
 
+bool failForMemory(CGPathRef path) {
+    CG_LOG_ERROR("no memory to tessellate [%p]", static_cast<const void*>(path));
+    return false;
+}
+
 } // namespace
 
 bool _CGPathTessellate(CGPathRef path, uint32_t fillRule, double tolerance,
@@ -184,10 +201,8 @@ bool _CGPathTessellate(CGPathRef path, uint32_t fillRule, double tolerance,
         return false;
     const SkPath filled = path->path; // The caller's function may change the path.
     const Tessellator tessellator = makeTessellator(fillRule == kXGPathFillEvenOdd);
-    if (!tessellator) {
-        CG_LOG_ERROR("no memory to tessellate [%p]", static_cast<const void*>(path));
-        return false;
-    }
+    if (!tessellator)
+        return failForMemory(path);
     Batches batches(function, info);
     Polygons polygons(tessellator.get(), batches);
     double wanted = tolerance > 0 ? tolerance : _CGPathDefaultTessellateTolerance;
@@ -196,6 +211,8 @@ bool _CGPathTessellate(CGPathRef path, uint32_t fillRule, double tolerance,
     cg::PathFlattener flattener(wanted, polygons);
     flattener.flatten(filled);
     polygons.end();
+    if (batches.hasFailed())
+        return failForMemory(path);
     if (bounds)
         *bounds = batches.bounds();
     return true;

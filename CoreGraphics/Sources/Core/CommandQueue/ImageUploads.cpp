@@ -4,11 +4,13 @@
 
 #include "XGCommandQueue.h"
 #include <CoreFoundation/CFDictionary.h>
+#include <Host/Host.h>
 
 #include "Core/Image/CGImageRecord.h"
 #include "Core/Object/RuntimeObject.h"
 
 #include <atomic>
+#include <mutex>
 
 namespace {
 
@@ -16,8 +18,10 @@ const void* keyPointer(std::uint32_t key) {
     return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(key));
 }
 
-// An image that the compositor has a copy of has come to its end.
+// An image that the compositor has a copy of has come to its end, on whatever thread dropped it.
 void noteEnd(CGImageRef image) {
+    static host::Mutex mutex; // Two may end at once; no other lock is taken under it.
+    const std::lock_guard hold(mutex);
     CFArrayAppendValue(XGCommandQueueGetImagesToFinalize(), image);
 }
 

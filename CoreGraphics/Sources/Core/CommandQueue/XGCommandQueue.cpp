@@ -133,8 +133,10 @@ bool hasRoom(XGCommandQueueRef queue, XGCommandKind kind) {
     return false;
 }
 
-// What a colour is on the canvas. Empty for a colour that has no equal there.
+// What a colour is on the canvas. Empty for a colour that has no equal there, as a pattern.
 cf::Ref<CGColorRef> colorOnCanvas(const XGCommandQueue& queue, CGColorRef color) {
+    if (CGColorGetPattern(color))
+        return nullptr;
     if (!queue.space ||
         XGColorSpaceEqualToColorSpace(CGColorGetColorSpace(color), queue.space.get()))
         return cf::retain(color);
@@ -189,7 +191,7 @@ bool XGCommandQueueAddCommand(XGCommandQueueRef queue, XGCommand* command) {
         return true;
     taken->isPartial = !CGRectEqualToRect(taken->bounds, queue->canvas());
     if (const CGColorRef debugColor = cg::debugColorFor(taken->kind))
-        color = cf::retain(debugColor);
+        color = colorOnCanvas(*queue, debugColor);
     if (color)
         replaceColor(*taken, std::move(color));
     append(*queue, std::move(taken));
