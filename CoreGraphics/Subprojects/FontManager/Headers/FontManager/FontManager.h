@@ -1,0 +1,4 @@
+/* FontManager.h: all of the font manager's interface. */
+#pragma once
+
+#include <FontManager/FMBase.h>
