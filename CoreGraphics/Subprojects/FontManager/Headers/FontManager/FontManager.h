@@ -2,3 +2,4 @@
 #pragma once
 
 #include <FontManager/FMBase.h>
+#include <FontManager/FMFont.h>

@@ -1,0 +1,112 @@
+// FMFontRecord.h: what a font holds, and what kinds of fonts do in their own way.
+#pragma once
+
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
+#include <CoreFoundation/CFRef.h>
+#include <CoreFoundation/CFString.h>
+#include <CoreFoundation/CFURL.h>
+#include <CoreGraphics/CGDataProvider.h>
+#include <FontManager/FMFont.h>
+
+#include "Font/FaceOpener.h"
+#include "Font/Locks.h"
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace fm {
+
+// Bits of a font's status word.
+enum Status : std::uint16_t {
+    kStatusHasVariationData = 2,
+    kStatusMetricsValid = 8,
+    kStatusRestrictionsValid = 16,
+    kStatusFaceIndexValid = 32,
+    kStatusOpeningDisabled = 64, // The face is not to be opened, whatever asks for it.
+    kStatusStandalone = 0x8000,
+};
+
+// Something that another module keeps with a font and that goes when the font is purged.
+using OwnedSlot = std::unique_ptr<void, void (*)(void*)>;
+inline OwnedSlot emptySlot() {
+    return {nullptr, [](void*) {}};
+}
+
+// Numbers that nothing has been asked for yet.
+constexpr CFIndex kUnknownGlyphCount = -1;
+constexpr std::int32_t kUnknownEncoding = -1;
+
+} // namespace fm
+
+// Atomic members may be read without a lock; the rest belongs to whoever holds `mutex`. The metrics
+// may be read by anyone once the status word calls them valid.
+struct FMFont {
+    FMFont() = default;
+    virtual ~FMFont();
+    FMFont(const FMFont&) = delete;
+    FMFont& operator=(const FMFont&) = delete;
+
+    // A glyph for each UTF-16 unit, 0 where there is none; whether all have one.
+    virtual bool mapCharacters(const UniChar* characters, CGGlyph* glyphs, std::size_t count);
+    // Advances in font units; false when they cannot be told.
+    virtual bool advances(const CGGlyph* glyphs, CGSize* advances, std::size_t count);
+    virtual bool hasGlyph(UTF32Char codePoint);
+
+    bool has(fm::Status bit) const { return status.load(std::memory_order_acquire) & bit; }
+    void set(fm::Status bit) { status.fetch_or(bit, std::memory_order_acq_rel); }
+    void clear(fm::Status bit) {
+        status.fetch_and(static_cast<std::uint16_t>(~bit), std::memory_order_acq_rel);
+    }
+
+    std::atomic<std::uint32_t> references{1};
+    std::atomic<FMFontId> fontId{0};
+    std::atomic<std::uint16_t> status{0};
+    std::atomic<std::uint16_t> permFlags{0};
+    std::atomic<FMFontFormat> format{kFMFontFormatUnknown};
+    std::atomic<std::uint8_t> restrictions{0};
+    std::atomic<bool> isPermanent{false}; // The library's to set.
+    std::atomic<std::int32_t> stringEncoding{fm::kUnknownEncoding};
+    std::atomic<CFIndex> glyphCount{fm::kUnknownGlyphCount};
+    std::atomic<std::int64_t> lastModtime{0};
+    // The library that registered the font, not retained: it takes itself out of its fonts before
+    // it goes.
+    std::atomic<FMLibraryRef> library{nullptr};
+    std::atomic<FT_Face> face{nullptr};
+
+    fm::RecursiveMutex mutex;
+    FMFontMetrics metrics{};
+    std::int64_t faceIndex = 0;
+    std::int64_t glyphIdCache = 0; // How glyphs of this font are cached, as its database says.
+    cf::Ref<CFURLRef> location;
+    cf::Ref<CFStringRef> windowsIdentifier;
+    cf::Ref<CGDataProviderRef> provider;    // Of a font made from memory or a provider.
+    cf::Ref<CFDataRef> hostData;            // The bytes of a font that the host knows by name only.
+    std::unique_ptr<fm::FaceStream> stream; // What `face` reads from; outlives it.
+    cf::Ref<CFMutableDictionaryRef> names;  // By integer; made with the first name.
+    fm::OwnedSlot harfBuzzFont = fm::emptySlot();
+    fm::OwnedSlot variationData = fm::emptySlot();
+};
+
+namespace fm {
+
+// The font's face, opened when it is not; NULL, after a line in the log, when it cannot be.
+FT_Face openFace(FMFont& font);
+// With the font locked and its face closed: opens it, without a word when that fails.
+FT_Face activate(FMFont& font);
+// With the font locked: closes the face, if any.
+void closeFace(FMFont& font);
+
+// The library to ask about a font that its database knows, else NULL.
+inline FMLibraryRef libraryOf(const FMFont& font) {
+    return font.fontId.load(std::memory_order_relaxed) != 0
+               ? font.library.load(std::memory_order_acquire)
+               : nullptr;
+}
+
+// Takes what is kept of the face itself: character map, colour flag and metrics.
+void buildFromFace(FMFont& font, FT_Face face);
+
+} // namespace fm
