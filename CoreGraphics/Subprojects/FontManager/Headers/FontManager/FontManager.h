@@ -3,3 +3,4 @@
 
 #include <FontManager/FMBase.h>
 #include <FontManager/FMFont.h>
+#include <FontManager/FMLibrary.h>
