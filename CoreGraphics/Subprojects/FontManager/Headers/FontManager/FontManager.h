@@ -2,5 +2,6 @@
 #pragma once
 
 #include <FontManager/FMBase.h>
+#include <FontManager/FMDatabase.h>
 #include <FontManager/FMFont.h>
 #include <FontManager/FMLibrary.h>
