@@ -4,4 +4,6 @@
 #include <FontManager/FMBase.h>
 #include <FontManager/FMDatabase.h>
 #include <FontManager/FMFont.h>
+#include <FontManager/FMFontGlyphs.h>
+#include <FontManager/FMFontTables.h>
 #include <FontManager/FMLibrary.h>

@@ -95,6 +95,7 @@ FT_Face openFace(FMFont& font) {
 void closeFace(FMFont& font) {
     // What others made of the face goes first.
     font.harfBuzzFont.reset();
+    font.cache.faceWillClose();
     closeFace(font.face.exchange(nullptr, std::memory_order_acq_rel));
     font.stream.reset();
 }
@@ -128,6 +129,7 @@ void FMFontPurge(FMFontRef font) {
     font->names = nullptr;
     font->variationData.reset();
     font->clear(fm::kStatusHasVariationData);
+    font->cache.clear();
     fm::closeFace(*font);
 }
 

@@ -9,6 +9,7 @@
 #include <CoreGraphics/CGDataProvider.h>
 #include <FontManager/FMFont.h>
 
+#include "Face/FaceCache.h"
 #include "Font/FaceOpener.h"
 #include "Font/Locks.h"
 
@@ -51,6 +52,8 @@ struct FMFont {
 
     // A glyph for each UTF-16 unit, 0 where there is none; whether all have one.
     virtual bool mapCharacters(const UniChar* characters, CGGlyph* glyphs, std::size_t count);
+    // A glyph for each code point, as for characters.
+    virtual bool mapCodePoints(const UTF32Char* codePoints, CGGlyph* glyphs, std::size_t count);
     // Advances in font units; false when they cannot be told.
     virtual bool advances(const CGGlyph* glyphs, CGSize* advances, std::size_t count);
     virtual bool hasGlyph(UTF32Char codePoint);
@@ -86,6 +89,7 @@ struct FMFont {
     cf::Ref<CFDataRef> hostData;            // The bytes of a font that the host knows by name only.
     std::unique_ptr<fm::FaceStream> stream; // What `face` reads from; outlives it.
     cf::Ref<CFMutableDictionaryRef> names;  // By integer; made with the first name.
+    fm::FaceCache cache;
     fm::OwnedSlot harfBuzzFont = fm::emptySlot();
     fm::OwnedSlot variationData = fm::emptySlot();
 };

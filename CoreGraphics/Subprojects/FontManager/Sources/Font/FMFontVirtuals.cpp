@@ -3,35 +3,34 @@
 #include "Font/FMFontRecord.h"
 #include "Font/FaceUse.h"
 
-#include FT_ADVANCES_H
+#include <algorithm>
 
-#include <limits>
-
+// What the face itself maps: symbols do not count for the letters that they answer for, nor stand-
+// ins for what they stand in for, or every font of symbols would be a fallback for Latin.
 bool FMFont::hasGlyph(UTF32Char codePoint) {
     const fm::FaceUse use(this);
-    return use && FT_Get_Char_Index(use.face(), codePoint) != 0;
+    return use && fm::mappedGlyph(use.face(), codePoint) != 0;
 }
 
 bool FMFont::mapCharacters(const UniChar* characters, CGGlyph* glyphs, std::size_t count) {
     const fm::FaceUse use(this);
-    bool haveAll = use.face() != nullptr;
-    for (std::size_t i = 0; i < count; ++i) {
-        const FT_UInt glyph = use ? FT_Get_Char_Index(use.face(), characters[i]) : 0;
-        glyphs[i] = glyph <= kCGFontIndexMax ? static_cast<CGGlyph>(glyph) : CGGlyph{0};
-        haveAll = haveAll && glyphs[i] != 0;
-    }
-    return haveAll;
+    if (use)
+        return cache.glyphs().map(use.face(), characters, glyphs, count);
+    std::fill_n(glyphs, count, CGGlyph{0});
+    return false;
+}
+
+bool FMFont::mapCodePoints(const UTF32Char* codePoints, CGGlyph* glyphs, std::size_t count) {
+    const fm::FaceUse use(this);
+    if (use)
+        return cache.glyphs().map(use.face(), codePoints, glyphs, count);
+    std::fill_n(glyphs, count, CGGlyph{0});
+    return false;
 }
 
 bool FMFont::advances(const CGGlyph* glyphs, CGSize* advances, std::size_t count) {
     const fm::FaceUse use(this);
-    if (!use)
-        return false;
-    for (std::size_t i = 0; i < count; ++i) {
-        FT_Fixed advance = 0;
-        if (FT_Get_Advance(use.face(), glyphs[i], FT_LOAD_NO_SCALE, &advance) != 0)
-            return false;
-        advances[i] = {static_cast<CGFloat>(advance), 0};
-    }
-    return true;
+    if (use)
+        cache.advances().advances(use.face(), glyphs, advances, count);
+    return static_cast<bool>(use);
 }
