@@ -5,5 +5,6 @@
 #include <FontManager/FMDatabase.h>
 #include <FontManager/FMFont.h>
 #include <FontManager/FMFontGlyphs.h>
+#include <FontManager/FMFontIterator.h>
 #include <FontManager/FMFontTables.h>
 #include <FontManager/FMLibrary.h>

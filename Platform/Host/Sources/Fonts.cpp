@@ -1,0 +1,115 @@
+// Fonts.cpp: installed fonts, as fontconfig lists them.
+
+#include <Host/Fonts.h>
+
+#include <fontconfig/fontconfig.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+// The process's configuration, which lists the fonts of all folders when it is first asked for.
+class Configuration {
+public:
+    Configuration() : config_(FcConfigReference(nullptr)) {}
+    ~Configuration() {
+        if (config_)
+            FcConfigDestroy(config_);
+    }
+    Configuration(const Configuration&) = delete;
+    Configuration& operator=(const Configuration&) = delete;
+
+    // A pattern for each face, as long as the configuration is held; NULL for none.
+    const FcFontSet* fonts() const {
+        return config_ ? FcConfigGetFonts(config_, FcSetSystem) : nullptr;
+    }
+
+private:
+    FcConfig* config_;
+};
+
+const char* textIn(const FcPattern* pattern, const char* object, int index) {
+    FcChar8* text = nullptr;
+    return FcPatternGetString(pattern, object, index, &text) == FcResultMatch
+               ? reinterpret_cast<const char*>(text)
+               : nullptr;
+}
+
+bool isNamed(const FcPattern* pattern, const char* object, const char* name) {
+    const auto* const wanted = reinterpret_cast<const FcChar8*>(name);
+    for (int index = 0; const char* const text = textIn(pattern, object, index); ++index)
+        if (FcStrCmpIgnoreCase(reinterpret_cast<const FcChar8*>(text), wanted) == 0)
+            return true;
+    return false;
+}
+
+const FcPattern* find(const FcFontSet& fonts, const char* name) {
+    for (const char* const object : {FC_POSTSCRIPT_NAME, FC_FULLNAME})
+        for (int i = 0; i < fonts.nfont; ++i)
+            if (isNamed(fonts.fonts[i], object, name))
+                return fonts.fonts[i];
+    return nullptr;
+}
+
+// The lower half names the face; the upper one an instance of a variable font.
+int64_t faceIndexOf(const FcPattern* pattern) {
+    int index = 0;
+    FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
+    return index & 0xffff;
+}
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+
+} // namespace
+
+bool HostFontEnumerate(HostFontFunction function, void* context) {
+    const Configuration configuration;
+    const FcFontSet* const fonts = configuration.fonts();
+    if (!function || !fonts)
+        return false;
+    const auto most = static_cast<size_t>(fonts->nfont);
+    const std::unique_ptr<const char*[], Free> paths(
+        static_cast<const char**>(std::calloc(most + 1, sizeof(const char*))));
+    if (!paths)
+        return false;
+
+    // Faces of one file, in whatever order they came, become one.
+    const char** end = paths.get();
+    for (size_t i = 0; i < most; ++i)
+        if (const char* const path = textIn(fonts->fonts[i], FC_FILE, 0))
+            *end++ = path;
+    std::sort(paths.get(), end, [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
+    end = std::unique(paths.get(), end,
+                      [](const char* a, const char* b) { return std::strcmp(a, b) == 0; });
+
+    for (const char** path = paths.get(); path != end; ++path) {
+        double seconds = 0;
+        if (!HostFileGetModificationTime(*path, &seconds))
+            continue;
+        const HostFont font = {*path, nullptr, static_cast<int64_t>(std::floor(seconds))};
+        function(&font, context);
+    }
+    return true;
+}
+
+bool HostFontMapByName(const char* name, HostMapping* mapping, int64_t* faceIndex) {
+    if (!mapping)
+        return false;
+    *mapping = {nullptr, 0};
+    const Configuration configuration;
+    const FcFontSet* const fonts = configuration.fonts();
+    const FcPattern* const pattern = name && fonts ? find(*fonts, name) : nullptr;
+    const char* const path = pattern ? textIn(pattern, FC_FILE, 0) : nullptr;
+    const host::Descriptor file(HostFileOpenForReading(path));
+    if (!file || !HostFileMap(file.get(), mapping))
+        return false;
+    if (faceIndex)
+        *faceIndex = faceIndexOf(pattern);
+    return true;
+}
