@@ -4,7 +4,6 @@
 #include <FontManager/FMBase.h>
 
 #include <cstdint>
-
 #include <string>
 
 namespace fm {
