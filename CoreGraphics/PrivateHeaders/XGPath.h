@@ -2,6 +2,7 @@
 #pragma once
 
 #include "XGLineDash.h"
+#include <CoreGraphics/CGImage.h>
 #include <CoreGraphics/CGPath.h>
 
 CG_BEGIN_DECLS
@@ -104,5 +105,19 @@ CG_EXPORT size_t _CGPathWriteToBuffer(CGPathRef path, void* buffer);
 CG_EXPORT CGMutablePathRef _CGPathCreateFromBuffer(const void* buffer, size_t length);
 /** Prints the path's elements for debugging. */
 CG_EXPORT void _CGPathDump(CGPathRef path);
+
+/** `path` with marks of `markSize` units on its points and a line from each control point to the
+ *  ends next to it, to be looked at when stroked: a diamond where a contour starts, a square where
+ * a segment ends, a circle around each control point. 0 or less leaves the marks out. An immutable
+ *  path, filled by the winding rule. NULL without a path and for points or a size that are not
+ *  finite. */
+CG_EXPORT CGPathRef _CGPathCreateVisualizationPath(CGPathRef path, CGFloat markSize);
+/** A picture of the same at `scale` pixels a unit, y up: the inside gray, the outline black,
+ * handles and control points blue, points red; marks are 7 pixels wide whatever the scale. It
+ * covers the bounds of all points and 5 pixels around them, in premultiplied device RGB, clear
+ * where nothing is. NULL for a path without elements and a scale that is not positive; also, after
+ * a log line, for points that are not finite, without memory, and where a side would take 16384
+ * pixels or more. */
+CG_EXPORT CGImageRef _CGPathCreateVisualizationImage(CGPathRef path, CGFloat scale);
 
 CG_END_DECLS
