@@ -22,8 +22,14 @@ const FT_Outline* loadOutline(FT_Face face, CGGlyph glyph) {
     return face->glyph->format == FT_GLYPH_FORMAT_OUTLINE ? &face->glyph->outline : nullptr;
 }
 
+// Between two control points of a quadratic curve lies a point that the font leaves out: FreeType
+// rounds it, and the extremes of curves, to whole numbers. In 64ths of a unit they are exact.
+constexpr int kFractionBits = 6;
+constexpr CGFloat kUnitsPerStep = 1.0f / (1 << kFractionBits);
+
 CGPoint point(const FT_Vector& vector) {
-    return {static_cast<CGFloat>(vector.x), static_cast<CGFloat>(vector.y)};
+    return {static_cast<CGFloat>(vector.x) * kUnitsPerStep,
+            static_cast<CGFloat>(vector.y) * kUnitsPerStep};
 }
 
 // FreeType ends each contour with a line back to its start. Closing draws that line, so that it is
@@ -99,7 +105,7 @@ constexpr FT_Outline_Funcs kPathFunctions = {
             static_cast<PathBuilder*>(builder)->cubicTo(*control1, *control2, *to);
             return 0;
         },
-    .shift = 0,
+    .shift = kFractionBits,
     .delta = 0,
 };
 
@@ -114,21 +120,19 @@ std::span<FT_Vector> points(const FT_Outline& outline) {
     return {outline.points, static_cast<size_t>(std::max<short>(outline.n_points, 0))};
 }
 
-// FreeType rounds a curve's extremes to whole units: taken in 64ths they are exact enough for any
-// size. Coordinates too large to be a real glyph's stay within their control box.
+// Coordinates too large to be a real glyph's stay within their control box.
 CGRect outlineBounds(const FT_Outline& outline) {
     constexpr FT_Pos kLargest = FT_Pos{1} << 20;
-    constexpr FT_Pos kFraction = 64;
     FT_BBox box;
     FT_Outline_Get_CBox(&outline, &box);
     if (box.xMin < -kLargest || box.yMin < -kLargest || box.xMax > kLargest || box.yMax > kLargest)
         return rect(box, 1);
     for (FT_Vector& point : points(outline)) {
-        point.x *= kFraction;
-        point.y *= kFraction;
+        point.x *= 1 << kFractionBits;
+        point.y *= 1 << kFractionBits;
     }
     FT_Outline copy = outline;
-    return FT_Outline_Get_BBox(&copy, &box) ? CGRectZero : rect(box, 1.0f / kFraction);
+    return FT_Outline_Get_BBox(&copy, &box) ? CGRectZero : rect(box, kUnitsPerStep);
 }
 
 CGRect bitmapBounds(FT_Face face, const StrikeSize& strike, CGGlyph glyph) {
