@@ -31,6 +31,13 @@ CG_EXPORT FMFontRef FMFontCreateFromMemory(const void* bytes, size_t length, int
 CG_EXPORT FMFontRef FMFontCreateWithDataProvider(CGDataProviderRef provider, int64_t faceIndex,
                                                  bool standalone);
 
+/** Of a font that the library's database knows; no face is opened. The process ends, with a line in
+ *  the log, when the database has no measures of it. NULL without a library and for 0. */
+CG_EXPORT FMFontRef FMFontCreateWithFontId(FMLibraryRef library, FMFontId fontId);
+/** The font that is there when no other is: without a face, of fixed measures, its names
+ *  "LastResort". It draws with the glyphs of a font that its library gives it. */
+CG_EXPORT FMFontRef FMFontCreateLastResortFont(void);
+
 CG_EXPORT FMFontRef FMFontRetain(FMFontRef font);
 CG_EXPORT void FMFontRelease(FMFontRef font);
 /** Whether both are the same object; a font equals no other. */
@@ -81,5 +88,81 @@ CG_EXPORT void FMFontSetPermFlags(FMFontRef font, uint16_t flags);
 CG_EXPORT bool FMFontHasColorBitmap(FMFontRef font);
 /** Whether the font is the one that draws emoji here. */
 CG_EXPORT bool FMFontIsPlatformEmoji(FMFontRef font);
+/** How the font is stored: read off the face once, or off the database. */
+CG_EXPORT FMFontFormat FMFontGetFormat(FMFontRef font);
+/** What the font's licence keeps from being done with it, as the embedding bits of its OS/2 table
+ *  (or its PostScript header) say: bit 0 is their bit 0, bit 1 no subsetting, bit 2 a restricted
+ *  licence or bitmaps only. */
+CG_EXPORT uint8_t FMFontGetRestrictions(FMFontRef font);
+/** The CFStringEncoding of the characters that the face's current map takes; plain Unicode for
+ *  every form of it and for maps of unknown platforms, -1 without a map. */
+CG_EXPORT int32_t FMFontGetStringEncoding(FMFontRef font);
+
+/* ---- Measures ------------------------------------------------------------------------------ */
+
+/** The font's measures, lent; they stay where they are while the font lives. A font that its
+ *  database knows but has no measures of is a broken database: the process ends, with a line in the
+ *  log. */
+CG_EXPORT const FMFontMetrics* FMFontGetMetrics(FMFontRef font);
+/** What lines of text set in this font are to be stretched by; 1 unless a database or a
+ *  configuration says otherwise. */
+CG_EXPORT CGFloat FMFontGetHeightMultiple(FMFontRef font);
+CG_EXPORT CGFloat FMFontGetHeightMultipleForUIKit(FMFontRef font);
+/** Whether the family class is one of those with serifs (1 to 5 and 7). */
+CG_EXPORT bool FMFontIsSerif(FMFontRef font);
+/** A word for a weight on the scale of FMFontMetrics: "regular" for 0; lent. The last word, beyond
+ *  620, is "unknown". */
+CG_EXPORT CFStringRef FMFontGetWeightString(int32_t weight);
+
+/* ---- Names --------------------------------------------------------------------------------- */
+
+/* A name is read once and kept, and so is that the font has none (NULL); `afresh` reads it again
+ * and keeps nothing. Of several languages a name comes in the first of the user's that is there,
+ * else in English, else in any. */
+
+/* Entries of the font's name table. Fonts without one give family and style, and where they are
+ * PostScript fonts also the full name, notice and version, as their headers have them. */
+CG_EXPORT CFStringRef FMFontCopyCopyright(FMFontRef font, bool afresh);              /**< 0 */
+CG_EXPORT CFStringRef FMFontCopyFamilyName(FMFontRef font, bool afresh);             /**< 1 */
+CG_EXPORT CFStringRef FMFontCopySubFamilyName(FMFontRef font, bool afresh);          /**< 2 */
+CG_EXPORT CFStringRef FMFontCopyVersion(FMFontRef font, bool afresh);                /**< 5 */
+CG_EXPORT CFStringRef FMFontCopyTrademark(FMFontRef font, bool afresh);              /**< 7 */
+CG_EXPORT CFStringRef FMFontCopyManufacturer(FMFontRef font, bool afresh);           /**< 8 */
+CG_EXPORT CFStringRef FMFontCopyDesigner(FMFontRef font, bool afresh);               /**< 9 */
+CG_EXPORT CFStringRef FMFontCopyDescription(FMFontRef font, bool afresh);            /**< 10 */
+CG_EXPORT CFStringRef FMFontCopyVendorURL(FMFontRef font, bool afresh);              /**< 11 */
+CG_EXPORT CFStringRef FMFontCopyDesignerURL(FMFontRef font, bool afresh);            /**< 12 */
+CG_EXPORT CFStringRef FMFontCopyLicense(FMFontRef font, bool afresh);                /**< 13 */
+CG_EXPORT CFStringRef FMFontCopyLicenseURL(FMFontRef font, bool afresh);             /**< 14 */
+CG_EXPORT CFStringRef FMFontCopyPreferredFamilyName(FMFontRef font, bool afresh);    /**< 16 */
+CG_EXPORT CFStringRef FMFontCopyPreferredSubFamilyName(FMFontRef font, bool afresh); /**< 17 */
+CG_EXPORT CFStringRef FMFontCopySampleText(FMFontRef font, bool afresh);             /**< 19 */
+CG_EXPORT CFStringRef FMFontCopyPostScriptCIDName(FMFontRef font, bool afresh);      /**< 20 */
+CG_EXPORT CFStringRef FMFontCopyWWSFamilyName(FMFontRef font, bool afresh);          /**< 21 */
+CG_EXPORT CFStringRef FMFontCopyWWSSubFamilyName(FMFontRef font, bool afresh);       /**< 22 */
+
+/* Names of a font that its library's database knows come from there, without a face. */
+
+/** Entry 4, else the family name. */
+CG_EXPORT CFStringRef FMFontCopyFullName(FMFontRef font, bool afresh);
+/** Entry 6. A bitmap font without an SFNT wrapper has one made of family and style
+ *  ("MyFont-BoldItalic"), any other without the entry has none. */
+CG_EXPORT CFStringRef FMFontCopyPostScriptName(FMFontRef font, bool afresh);
+/** Entry 3. */
+CG_EXPORT CFStringRef FMFontCopyUniqueId(FMFontRef font, bool afresh);
+/** The style as FreeType tells it, else entry 17, else entry 2. */
+CG_EXPORT CFStringRef FMFontCopyStyleName(FMFontRef font, bool afresh);
+/** The key under which a library keeps the font's family: "dejavusans"; "Unnamed Font Family" for
+ *  want of a family name. */
+CG_EXPORT CFStringRef FMFontCopyNimbraFamilyName(FMFontRef font, bool afresh);
+/** What tells the face from any other: family key, unique name, style, format, face index and
+ *  number of glyphs, with ":" between them. */
+CG_EXPORT CFStringRef FMFontCopyNimbraId(FMFontRef font, bool afresh);
+/** A name to show: entry 4 where it begins with the family's name, else family and style. */
+CG_EXPORT CFStringRef FMFontCopyDisplayName(FMFontRef font, bool afresh);
+
+/** `utf8Name` in lower case, without `suffix` (may be NULL) where it ends so in any case, and
+ *  without spaces and hyphens. NULL for NULL and malformed text. */
+CG_EXPORT CFStringRef FMFontCopySanitizedFamilyName(const char* utf8Name, const char* suffix);
 
 CG_END_DECLS

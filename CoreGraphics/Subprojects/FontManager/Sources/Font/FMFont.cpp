@@ -4,7 +4,8 @@
 
 #include "Core/Object/Diagnostics.h"
 #include "Font/FMFontRecord.h"
-#include "Font/FaceUse.h"
+#include "Font/FontIterator.h"
+#include "Font/LibraryQueries.h"
 
 #include <array>
 #include <mutex>
@@ -45,10 +46,21 @@ FT_Face openURL(FMFont& font) {
     return openFaceOfFile(reinterpret_cast<const char*>(path.data()), font.faceIndex);
 }
 
+// The host's own fonts may have a name and no file.
+FT_Face openHostFont(FMFont& font) {
+    if (!font.hostData)
+        font.hostData = hostFontData(font.windowsIdentifier.get(), nullptr);
+    const cf::Ref provider = cf::adopt(CGDataProviderCreateWithCFData(font.hostData.get()));
+    return provider ? openStream(font, provider.get()) : nullptr;
+}
+
 FT_Face openSource(FMFont& font) {
+    learnOrigin(font);
     if (font.provider)
         return openStream(font, font.provider.get());
-    return font.location ? openURL(font) : nullptr;
+    if (font.location)
+        return openURL(font);
+    return font.windowsIdentifier ? openHostFont(font) : nullptr;
 }
 
 // A font may be the Unicode map of none of its characters: symbols, old bitmap fonts.
@@ -64,6 +76,22 @@ void selectCharmap(FT_Face face) {
 }
 
 } // namespace
+
+void learnOrigin(FMFont& font) {
+    if (!font.has(kStatusFaceIndexValid)) {
+        if (const auto index = askLibrary(font, FMLibraryGetFontFaceIndex)) {
+            font.faceIndex = *index;
+            font.set(kStatusFaceIndexValid);
+        }
+    }
+    // Where a font made from bytes was once found is of no use to it.
+    if (font.provider)
+        return;
+    if (!font.location)
+        font.location = copyFromLibrary(font, FMLibraryCopyFontLocationURL);
+    if (!font.location && !font.windowsIdentifier)
+        font.windowsIdentifier = copyFromLibrary(font, FMLibraryCopyFontWindowsIdentifier);
+}
 
 FT_Face activate(FMFont& font) {
     const FT_Face face = openSource(font);
@@ -168,6 +196,7 @@ int64_t FMFontGetFaceIndex(FMFontRef font) {
     if (!font)
         return 0;
     const Hold hold(font->mutex);
+    fm::learnOrigin(*font);
     return font->faceIndex;
 }
 
@@ -175,6 +204,7 @@ CFURLRef FMFontCopyLocationURL(FMFontRef font) {
     if (!font)
         return nullptr;
     const Hold hold(font->mutex);
+    fm::learnOrigin(*font);
     return cf::Ref(font->location).release();
 }
 
@@ -190,6 +220,7 @@ CFStringRef FMFontCopyWindowsIdentifier(FMFontRef font) {
     if (!font)
         return nullptr;
     const Hold hold(font->mutex);
+    fm::learnOrigin(*font);
     return cf::Ref(font->windowsIdentifier).release();
 }
 
@@ -212,20 +243,6 @@ void FMFontSetFontId(FMFontRef font, FMFontId fontId) {
 }
 
 // ---- Flags
-
-CFIndex FMFontGetNumberOfGlyphs(FMFontRef font) {
-    if (!font)
-        return 0;
-    const CFIndex known = font->glyphCount.load(std::memory_order_relaxed);
-    if (known != fm::kUnknownGlyphCount)
-        return known;
-    const fm::FaceUse use(font);
-    if (!use)
-        return 0;
-    const CFIndex count = use.face()->num_glyphs;
-    font->glyphCount.store(count, std::memory_order_relaxed);
-    return count;
-}
 
 bool FMFontIsStandalone(FMFontRef font) {
     return font && font->has(fm::kStatusStandalone);

@@ -1,7 +1,9 @@
 // FMFontCreate.cpp: fonts from files, memory and providers.
 
 #include <FontManager/FMFont.h>
+#include <FontManager/FMLibrary.h>
 
+#include "Core/Object/Diagnostics.h"
 #include "Font/FMFontRecord.h"
 #include "Font/FontRef.h"
 
@@ -9,6 +11,9 @@
 #include <new>
 
 namespace {
+
+// What a broken database is reported under.
+constexpr const char* kSourcePath = "CoreGraphics/Subprojects/FontManager/Sources/FMFont";
 
 fm::FontRef makeFont(std::int64_t faceIndex, bool standalone) {
     auto* const font = new (std::nothrow) FMFont;
@@ -61,4 +66,23 @@ FMFontRef FMFontCreateWithDataProvider(CGDataProviderRef provider, int64_t faceI
         return nullptr;
     font.get()->provider = cf::retain(provider);
     return build(std::move(font));
+}
+
+FMFontRef FMFontCreateWithFontId(FMLibraryRef library, FMFontId fontId) {
+    if (!library || fontId == 0)
+        return nullptr;
+    fm::FontRef font = fm::FontRef::adopt(new (std::nothrow) FMFont);
+    if (!font)
+        return nullptr;
+    FMFont& record = *font.get();
+    record.library.store(library, std::memory_order_release);
+    record.fontId.store(fontId, std::memory_order_relaxed);
+    record.glyphIdCache = FMLibraryGetGlyphIdCache(library, fontId);
+    if (!FMLibraryGetFontMetrics(library, fontId, &record.metrics)) {
+        CG_LOG(kHostLogFault, "Assertion failed %s", kSourcePath);
+        HostAbortWithBacktrace();
+    }
+    record.set(fm::kStatusMetricsValid);
+    record.permFlags.store(FMLibraryGetFontPermFlags(library, fontId), std::memory_order_relaxed);
+    return font.release();
 }

@@ -17,8 +17,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 namespace fm {
+
+enum NameKey : std::uint16_t; // Of FMFontNames.h.
 
 // Bits of a font's status word.
 enum Status : std::uint16_t {
@@ -35,6 +38,12 @@ using OwnedSlot = std::unique_ptr<void, void (*)(void*)>;
 inline OwnedSlot emptySlot() {
     return {nullptr, [](void*) {}};
 }
+
+// What a face calls itself, in UTF-8, lent by the face; either may be NULL.
+struct FaceNames {
+    const char* family = nullptr;
+    const char* style = nullptr;
+};
 
 // Numbers that nothing has been asked for yet.
 constexpr CFIndex kUnknownGlyphCount = -1;
@@ -57,6 +66,13 @@ struct FMFont {
     // Advances in font units; false when they cannot be told.
     virtual bool advances(const CGGlyph* glyphs, CGSize* advances, std::size_t count);
     virtual bool hasGlyph(UTF32Char codePoint);
+
+    // With the font locked. The name with a number of the name table, in the user's language: an
+    // absent string when there is none, nothing when the face cannot be opened.
+    virtual std::optional<cf::Ref<CFStringRef>> readName(fm::NameKey key);
+    // What the makers call this very version, in English.
+    virtual cf::Ref<CFStringRef> readEnglishUniqueName();
+    virtual fm::FaceNames faceNames();
 
     bool has(fm::Status bit) const { return status.load(std::memory_order_acquire) & bit; }
     void set(fm::Status bit) { status.fetch_or(bit, std::memory_order_acq_rel); }
@@ -100,15 +116,10 @@ namespace fm {
 FT_Face openFace(FMFont& font);
 // With the font locked and its face closed: opens it, without a word when that fails.
 FT_Face activate(FMFont& font);
+// With the font locked: finds out what its library knows of where its face is.
+void learnOrigin(FMFont& font);
 // With the font locked: closes the face, if any.
 void closeFace(FMFont& font);
-
-// The library to ask about a font that its database knows, else NULL.
-inline FMLibraryRef libraryOf(const FMFont& font) {
-    return font.fontId.load(std::memory_order_relaxed) != 0
-               ? font.library.load(std::memory_order_acquire)
-               : nullptr;
-}
 
 // Takes what is kept of the face itself: character map, colour flag and metrics.
 void buildFromFace(FMFont& font, FT_Face face);
