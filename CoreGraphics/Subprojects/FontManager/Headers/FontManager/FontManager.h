@@ -8,3 +8,4 @@
 #include <FontManager/FMFontIterator.h>
 #include <FontManager/FMFontTables.h>
 #include <FontManager/FMLibrary.h>
+#include <FontManager/FMGlyph.h>

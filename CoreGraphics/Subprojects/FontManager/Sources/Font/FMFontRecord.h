@@ -90,6 +90,7 @@ struct FMFont {
     std::atomic<std::int32_t> stringEncoding{fm::kUnknownEncoding};
     std::atomic<CFIndex> glyphCount{fm::kUnknownGlyphCount};
     std::atomic<std::int64_t> lastModtime{0};
+    std::atomic<std::uint64_t> glyphSerial{0}; // Stands for the font in the cache of glyphs.
     // The library that registered the font, not retained: it takes itself out of its fonts before
     // it goes.
     std::atomic<FMLibraryRef> library{nullptr};
@@ -108,6 +109,7 @@ struct FMFont {
     fm::FaceCache cache;
     fm::OwnedSlot harfBuzzFont = fm::emptySlot();
     fm::OwnedSlot variationData = fm::emptySlot();
+    fm::OwnedSlot lentGlyph = fm::emptySlot(); // What FMFontGetGlyphUnsafe answered last.
 };
 
 namespace fm {
