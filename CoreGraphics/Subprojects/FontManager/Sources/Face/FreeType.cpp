@@ -8,13 +8,11 @@ namespace fm {
 
 namespace {
 
-uint32_t strikePixelsPerEm(FT_Face face) {
-    const FT_Int strike = largestStrike(face);
-    if (strike < 0)
-        return 1;
-    const FT_Bitmap_Size& size = face->available_sizes[strike];
-    const FT_Pos pixels = size.y_ppem / 64 > 0 ? size.y_ppem / 64 : size.height;
-    return pixels > 0 ? static_cast<uint32_t>(pixels) : 1;
+// Rounded as FreeType rounds the sizes that it selects.
+uint32_t firstStrikePixelsPerEm(FT_Face face) {
+    const FT_Pos pixels =
+        face->num_fixed_sizes > 0 ? (face->available_sizes[0].y_ppem + 32) / 64 : 0;
+    return pixels > 0 && pixels <= 0xFFFF ? static_cast<uint32_t>(pixels) : 1;
 }
 
 } // namespace
@@ -25,7 +23,7 @@ uint32_t unitsPerEm(FT_Face face) {
     const auto* const head = static_cast<const TT_Header*>(FT_Get_Sfnt_Table(face, FT_SFNT_HEAD));
     if (head && head->Units_Per_EM > 0)
         return head->Units_Per_EM;
-    return strikePixelsPerEm(face);
+    return firstStrikePixelsPerEm(face);
 }
 
 FT_Int largestStrike(FT_Face face) {

@@ -20,8 +20,7 @@ inline bool hasGlyph(FT_Face face, uint32_t glyph) {
 }
 
 // The units that a face's measures are in, to the em: those of the face, for bitmaps in an SFNT
-// wrapper those of the `head` table, for other bitmaps the pixels of the strike that is measured.
-// Never 0.
+// wrapper those of the `head` table, for other bitmaps the pixels of the first strike. Never 0.
 uint32_t unitsPerEm(FT_Face face);
 
 // The face's largest strike, which loses least when scaled to font units; -1 where there is none.
