@@ -62,6 +62,22 @@ int64_t faceIndexOf(const FcPattern* pattern) {
     return index & 0xffff;
 }
 
+using Pattern = std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)>;
+
+// The face that fontconfig's rules prefer for a family.
+Pattern match(const char* family, const char* language) {
+    const auto text = [](const char* string) { return reinterpret_cast<const FcChar8*>(string); };
+    const Pattern wanted(FcPatternCreate(), FcPatternDestroy);
+    if (!wanted || !FcPatternAddString(wanted.get(), FC_FAMILY, text(family)))
+        return {nullptr, FcPatternDestroy};
+    if (language && *language)
+        FcPatternAddString(wanted.get(), FC_LANG, text(language));
+    FcConfigSubstitute(nullptr, wanted.get(), FcMatchPattern);
+    FcDefaultSubstitute(wanted.get());
+    FcResult result = FcResultNoMatch;
+    return {FcFontMatch(nullptr, wanted.get(), &result), FcPatternDestroy};
+}
+
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
@@ -111,5 +127,30 @@ bool HostFontMapByName(const char* name, HostMapping* mapping, int64_t* faceInde
         return false;
     if (faceIndex)
         *faceIndex = faceIndexOf(pattern);
+    return true;
+}
+
+bool HostFontHasFamily(const char* family) {
+    const Configuration configuration;
+    const FcFontSet* const fonts = configuration.fonts();
+    for (int i = 0; family && fonts && i < fonts->nfont; ++i)
+        if (isNamed(fonts->fonts[i], FC_FAMILY, family))
+            return true;
+    return false;
+}
+
+bool HostFontGetDefaultFamily(const char* generic, const char* language, char* buffer,
+                              size_t capacity) {
+    if (!buffer || capacity == 0)
+        return false;
+    buffer[0] = '\0';
+    const Configuration configuration;
+    if (!generic || !configuration.fonts())
+        return false;
+    const Pattern found = match(generic, language);
+    const char* const family = found ? textIn(found.get(), FC_FAMILY, 0) : nullptr;
+    if (!family || std::strlen(family) >= capacity)
+        return false;
+    std::strcpy(buffer, family);
     return true;
 }

@@ -24,4 +24,12 @@ HOST_EXPORT bool HostFontEnumerate(HostFontFunction function, void* context);
  * there is none. HostFileUnmap gives the mapping back. */
 HOST_EXPORT bool HostFontMapByName(const char* name, HostMapping* mapping, int64_t* faceIndex);
 
+/** Whether a font of that family is installed; case makes no difference. */
+HOST_EXPORT bool HostFontHasFamily(const char* family);
+/** The family that the host shows text in when a generic family, such as "sans-serif", is asked
+ * for; of a language (may be NULL or empty) where the host chooses by language. False, with an
+ * empty `buffer`, when no font is installed or the name does not fit. */
+HOST_EXPORT bool HostFontGetDefaultFamily(const char* generic, const char* language, char* buffer,
+                                          size_t capacity);
+
 HOST_END_DECLS

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <FontManager/FMBase.h>
+#include <FontManager/FMConfig.h>
 #include <FontManager/FMDatabase.h>
 #include <FontManager/FMFont.h>
 #include <FontManager/FMFontGlyphs.h>
