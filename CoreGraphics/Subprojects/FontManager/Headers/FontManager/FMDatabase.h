@@ -36,6 +36,9 @@ CG_EXPORT CFIndex FMDatabaseGetFontsCount(FMDatabaseRef database);
 /* ---- Storing: each answers whether the record is in the database, which may lack memory. A
  * database that could not take a record is never written to disk. */
 
+/** Stores all that is known of `font`, opening its face where needed, and gives it an id if it has
+ *  none. */
+CG_EXPORT bool FMDatabaseStoreFont(FMDatabaseRef database, FMFontRef font);
 CG_EXPORT bool FMDatabaseStoreFontMetrics(FMDatabaseRef database, FMFontId fontId,
                                           const FMFontMetrics* metrics);
 /** When the font file at a path, or the host's font of a name, was changed, in seconds since 1970.
@@ -63,6 +66,8 @@ CG_EXPORT bool FMDatabaseStoreUInt64(FMDatabaseRef database, const char* kind, F
 
 /* ---- Fonts by name. */
 
+/** Whether there is a font of the same nimbra id. */
+CG_EXPORT bool FMDatabaseHasFont(FMDatabaseRef database, FMFontRef font);
 /** In nimbra ids, case makes no difference. */
 CG_EXPORT bool FMDatabaseHasFontNimbraId(FMDatabaseRef database, CFStringRef nimbraId);
 /** The font of that nimbra id; false, and `fontId` (may be NULL) unchanged, when there is none. */
