@@ -1,4 +1,4 @@
-// CGPathQueryTest.cpp: bounds, containment and recognition.
+// CGPathQueryTest.cpp: bounds and containment.
 
 #include "Paths.h"
 
@@ -78,55 +78,6 @@ TEST(CGPathQuery, ContainsByTheRuleAskedFor) {
     const MutablePath open = makeLines({{0, 0}, {4, 0}, {0, 4}});
     EXPECT_TRUE(CGPathContainsPoint(open.get(), nullptr, {1, 1}, false));
     EXPECT_FALSE(CGPathContainsPoint(open.get(), nullptr, {3, 3}, false));
-}
-
-TEST(CGPathQuery, RecognisesARect) {
-    MutablePath twoRects = makeRect({{0, 0}, {1, 1}});
-    CGPathAddRect(twoRects.get(), nullptr, {{2, 2}, {1, 1}});
-    const struct {
-        const char* what;
-        MutablePath path;
-        bool isRect;
-    } cases[] = {
-        {"a rect", makeRect({{1, 2}, {3, 4}}), true},
-        {"lines around one", makeLines({{1, 2}, {1, 6}, {4, 6}, {4, 2}, {1, 2}}), true},
-        {"a slanted figure", makeLines({{1, 2}, {2, 6}, {4, 6}, {4, 2}, {1, 2}}), false},
-        {"two rects", twoRects, false},
-    };
-    for (const auto& [what, path, isRect] : cases) {
-        CGRect rect = CGRectZero;
-        EXPECT_EQ(CGPathIsRect(path.get(), &rect), isRect) << what;
-        expectRect(rect, isRect ? CGRect{{1, 2}, {3, 4}} : CGRectZero, 0, what);
-        EXPECT_EQ(CGPathIsRect(path.get(), nullptr), isRect) << what;
-    }
-}
-
-TEST(CGPathQuery, ClosedMeansThatTheEndsMeet) {
-    const MutablePath back = makeLines({{0, 0}, {4, 0}, {0, 4}, {0, 0}});
-    EXPECT_TRUE(_CGPathIsClosed(back.get()));
-    const MutablePath closed = makeLines({{0, 0}, {4, 0}, {0, 4}});
-    CGPathCloseSubpath(closed.get());
-    EXPECT_FALSE(_CGPathIsClosed(closed.get()));
-    EXPECT_FALSE(_CGPathIsClosed(makeLines({{0, 0}}).get()));
-}
-
-TEST(CGPathQuery, RectilinearMeansLinesAlongTheAxes) {
-    MutablePath quad = makeLines({{0, 0}});
-    CGPathAddQuadCurveToPoint(quad.get(), nullptr, 1, 0, 2, 0);
-    const struct {
-        const char* what;
-        MutablePath path;
-        bool rectilinear;
-    } cases[] = {
-        {"a rect", makeRect({{0, 0}, {1, 1}}), true},
-        {"stairs", makeLines({{0, 0}, {1, 0}, {1, 1}, {2, 1}}), true},
-        {"a line without length", makeLines({{1, 1}, {1, 1}}), true},
-        {"a slanted line", makeLines({{0, 0}, {1, 0}, {2, 1}}), false},
-        {"NaN", makeLines({{0, 0}, {kNaN, kNaN}}), false},
-        {"a straight quadratic", quad, false},
-    };
-    for (const auto& [what, path, rectilinear] : cases)
-        EXPECT_EQ(_CGPathIsRectilinear(path.get()), rectilinear) << what;
 }
 
 TEST(CGPathQueryDeathTest, RectilinearAbortsOnAConic) {

@@ -49,7 +49,8 @@ TEST(CGPathRects, CanStandForAFill) {
     add("a contour without area", makeLines({{0, 0}, {4, 0}}), 0);
     add("a flat rectangle", makeRect({{0, 0}, {4, 0}}), 0);
     add("a triangle", makeLines({{0, 0}, {4, 0}, {4, 2}}), -1);
-    add("five corners", makeLines({{0, 0}, {4, 0}, {4, 2}, {2, 2}, {0, 2}}), -1);
+    add("a corner on a side", makeLines({{0, 0}, {4, 0}, {4, 2}, {2, 2}, {0, 2}}), 1);
+    add("a notch", makeLines({{0, 0}, {4, 0}, {4, 2}, {2, 2}, {2, 1}, {0, 1}}), -1);
     add("a quarter turn", rotated(0), 1);
     add("turned a little", rotated(0.01f), -1);
     add("a curve", tangentArc(), -1);

@@ -16,43 +16,70 @@
 
 namespace {
 
-// The corners of one contour, without those that repeat the one before.
+// The corners of one contour: without those that repeat the one before, or that lie on the way from
+// there to the next one.
 class Contour {
 public:
     void add(SkPoint point) {
-        if (count_ > 0 && count_ <= corners_.size() && corners_[count_ - 1] == point)
+        runsAlongX_ &= count_ == 0 || point.fY == corners_[0].fY;
+        runsAlongY_ &= count_ == 0 || point.fX == corners_[0].fX;
+        if (count_ > corners_.size() || (count_ > 0 && corners_[count_ - 1] == point))
             return;
+        if (count_ > 1 && liesBetween(corners_[count_ - 2], corners_[count_ - 1], point))
+            --count_;
         if (count_ < corners_.size())
             corners_[count_] = point;
         ++count_;
-        runsAlongX_ &= point.fY == corners_[0].fY;
-        runsAlongY_ &= point.fX == corners_[0].fX;
     }
 
     // The rectangle that the contour fills, empty where it encloses nothing; none for any other
     // shape.
     std::optional<SkRect> rect() const {
-        if (runsAlongX_ || runsAlongY_)
+        if (runsAlongX_ || runsAlongY_ || count_ < 3)
             return SkRect::MakeEmpty();
-        const bool returns = count_ == 5 && corners_[4] == corners_[0];
-        const std::size_t corners = returns ? 4 : count_;
-        if (corners != 4 || !(turnsFrom(0) || turnsFrom(1)))
+        if (count_ > corners_.size())
             return std::nullopt;
-        SkRect rect = {corners_[0].fX, corners_[0].fY, corners_[2].fX, corners_[2].fY};
+        const auto corners = closed();
+        if (corners.size() != 4 || !(turnsFrom(corners, 0) || turnsFrom(corners, 1)))
+            return std::nullopt;
+        SkRect rect = {corners[0].fX, corners[0].fY, corners[2].fX, corners[2].fY};
         rect.sort();
         return rect;
     }
 
 private:
+    static bool liesBetween(SkPoint from, SkPoint middle, SkPoint to) {
+        const auto isOrdered = [](float a, float b, float c) {
+            return (a <= b && b <= c) || (a >= b && b >= c);
+        };
+        return (from.fX == middle.fX && middle.fX == to.fX &&
+                isOrdered(from.fY, middle.fY, to.fY)) ||
+               (from.fY == middle.fY && middle.fY == to.fY && isOrdered(from.fX, middle.fX, to.fX));
+    }
+
+    // Without the corners at which a contour around a rectangle begins and ends half-way along a
+    // side, or twice in one place.
+    std::span<const SkPoint> closed() const {
+        std::span<const SkPoint> corners(corners_.data(), count_);
+        if (corners.back() == corners.front())
+            corners = corners.first(corners.size() - 1);
+        if (corners.size() > 4 &&
+            liesBetween(corners[corners.size() - 2], corners.back(), corners.front()))
+            corners = corners.first(corners.size() - 1);
+        if (corners.size() > 4 && liesBetween(corners.back(), corners[0], corners[1]))
+            corners = corners.subspan(1);
+        return corners;
+    }
+
     // Whether sides run along x and y in turn, the first one or the second one along x.
-    bool turnsFrom(std::size_t first) const {
-        const auto corner = [&](std::size_t i) { return corners_[(first + i) % 4]; };
+    static bool turnsFrom(std::span<const SkPoint> corners, std::size_t first) {
+        const auto corner = [&](std::size_t i) { return corners[(first + i) % 4]; };
         return corner(0).fY == corner(1).fY && corner(1).fX == corner(2).fX &&
                corner(2).fY == corner(3).fY && corner(3).fX == corner(0).fX;
     }
 
-    std::array<SkPoint, 5> corners_;
-    std::size_t count_ = 0;
+    std::array<SkPoint, 6> corners_; // A rectangle's, begun half-way along a side and closed.
+    std::size_t count_ = 0;          // One more than fits where there are more.
     bool runsAlongX_ = true, runsAlongY_ = true;
 };
 
