@@ -8,5 +8,6 @@
 #include <FontManager/FMFontGlyphs.h>
 #include <FontManager/FMFontIterator.h>
 #include <FontManager/FMFontTables.h>
-#include <FontManager/FMLibrary.h>
 #include <FontManager/FMGlyph.h>
+#include <FontManager/FMLibrary.h>
+#include <FontManager/FMPostScript.h>

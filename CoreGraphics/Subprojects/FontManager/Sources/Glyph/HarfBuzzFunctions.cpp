@@ -112,13 +112,12 @@ hb_bool_t glyphExtents(hb_font_t*, void* font, hb_codepoint_t glyph, hb_glyph_ex
 }
 
 hb_bool_t lineExtents(hb_font_t*, void* font, hb_font_extents_t* extents, void*) {
-    const fm::FaceUse use(fontOf(font));
-    if (!use)
+    const FMFontMetrics* const metrics = FMFontGetMetrics(fontOf(font));
+    if (!metrics)
         return false;
-    const FT_Face face = use.face();
-    extents->ascender = face->ascender;
-    extents->descender = face->descender;
-    extents->line_gap = face->height - (face->ascender - face->descender);
+    extents->ascender = metrics->ascent;
+    extents->descender = metrics->descent;
+    extents->line_gap = metrics->leading;
     return true;
 }
 
