@@ -12,7 +12,8 @@ typedef void (*CGBitmapContextReleaseDataCallback)(void* releaseInfo, void* data
 /** A context that draws into `width` × `height` pixels of `bitsPerComponent` bits each component.
  *
  *  `data` holds the pixels, the picture's top row first, and must outlive the context; what it
- * holds stays until it is drawn over. With NULL the context allocates pixels of its own, all zero.
+ * holds stays until it is drawn over. With NULL the context has pixels of its own, at first all
+ * zero; while it can it records what is drawn instead, and allocates them when they are needed.
  *  `bytesPerRow` is the distance between rows; 0 means packed rows. `space` gives the number and
  *  meaning of the components and may be NULL for alpha-only pixels; the context keeps it.
  *  `bitmapInfo` says where the alpha is and in which order bytes lie. User space has its origin at
@@ -41,7 +42,8 @@ CG_EXPORT CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, s
 
 /* Of contexts that are not bitmap contexts the following answer 0 or NULL. */
 
-/** The pixels, as drawn so far; they live as long as the context. */
+/** The pixels, as drawn so far; they live as long as the context. What was recorded is drawn into
+ *  them first. NULL, with an error in the log, when there is no memory for that. */
 CG_EXPORT void* CGBitmapContextGetData(CGContextRef context);
 /** The width in pixels. */
 CG_EXPORT size_t CGBitmapContextGetWidth(CGContextRef context);
@@ -54,7 +56,8 @@ CG_EXPORT size_t CGBitmapContextGetBytesPerRow(CGContextRef context);
 CG_EXPORT CGColorSpaceRef CGBitmapContextGetColorSpace(CGContextRef context);
 CG_EXPORT CGBitmapInfo CGBitmapContextGetBitmapInfo(CGContextRef context);
 CG_EXPORT CGImageAlphaInfo CGBitmapContextGetAlphaInfo(CGContextRef context);
-/** Whether the context records commands for a compositor and has no pixels yet. */
+/** Whether the context records commands for a compositor and has no pixels yet. Bit 30 of the
+ *  bitmap info, and of the infos of images made meanwhile, says the same. */
 CG_EXPORT bool CGBitmapContextHasCommandQueue(CGContextRef context);
 
 /** An image of the pixels as drawn so far, in the context's own layout and colour space; what is
@@ -62,7 +65,8 @@ CG_EXPORT bool CGBitmapContextHasCommandQueue(CGContextRef context);
  *  runs out.
  *
  *  The pixels are copied no sooner than the context is drawn to again, unless the caller can reach
- *  them: because it gave the memory or asked for it with CGBitmapContextGetData. */
+ *  them: because it gave the memory or asked for it with CGBitmapContextGetData. Of a context that
+ *  records nothing is copied: the image draws the commands when its bytes are first wanted. */
 CG_EXPORT CGImageRef CGBitmapContextCreateImage(CGContextRef context);
 
 CG_END_DECLS

@@ -96,6 +96,7 @@ TEST(LayerDrawing, ReachesBitmapsOfOtherLayouts) {
         CGBitmapContextCreate(nullptr, 8, 4, 8, 0, gray.get(), CGBitmapInfo{kCGImageAlphaNone}));
     const auto coverage = cf::adopt(
         CGBitmapContextCreate(nullptr, 8, 4, 8, 0, nullptr, CGBitmapInfo{kCGImageAlphaOnly}));
+    CGContextSetAllowsAcceleration(grays.get(), false);
     const Picture boot = {"........", ".##.....", ".##.....", ".####..."};
     const struct {
         const char* what;

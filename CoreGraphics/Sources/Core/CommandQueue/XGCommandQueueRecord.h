@@ -4,6 +4,7 @@
 #include "XGCommandQueue.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
+#include <Host/Host.h>
 
 #include "Core/CommandQueue/Command.h"
 
@@ -47,6 +48,11 @@ struct XGCommandQueue {
     uint32_t bitsPerPixel = 0;
     cf::Ref<CGColorSpaceRef> space;
     CGBitmapInfo bitmapInfo = 0;
+    std::size_t bytesPerRow = 0; // Of the bitmap that records; 0 where none does.
+    // What images of the queue show, once one of them was looked at. The mutex guards that alone;
+    // it is held while the queue is drawn, which takes the locks of what it draws.
+    host::Mutex drawingMutex;
+    cf::Ref<CGContextRef> drawing;
 
     CGRect canvas() const {
         return {{0, 0}, {static_cast<CGFloat>(width), static_cast<CGFloat>(height)}};

@@ -58,7 +58,7 @@ void XGBitmapContextDispose(CGContextRef context) {
 
 void* CGBitmapContextGetData(CGContextRef context) {
     BitmapFields* const bitmap = fieldsOf(context);
-    if (!bitmap || !cg::takeBackPixels(context))
+    if (!bitmap || !cg::bringIntoPixels(context) || !cg::takeBackPixels(context))
         return nullptr;
     bitmap->isReachable = true;
     return bitmap->buffer ? bitmap->buffer->data : bitmap->pixels;
@@ -115,7 +115,8 @@ void XGBitmapContextAddFlags(CGContextRef context, CGBitmapInfo flags) {
 
 bool XGBitmapContextConvertFromAlphaToGrayscale(CGContextRef context) {
     BitmapFields* const fields = fieldsOf(context);
-    if (!fields || CGBitmapContextGetAlphaInfo(context) != kCGImageAlphaOnly)
+    if (!fields || CGBitmapContextGetAlphaInfo(context) != kCGImageAlphaOnly ||
+        !cg::bringIntoPixels(context))
         return false;
     cg::Bitmap gray = cg::describe(*fields);
     gray.space = XGColorSpaceGetDeviceGray();

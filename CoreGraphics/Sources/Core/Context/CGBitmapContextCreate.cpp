@@ -1,4 +1,4 @@
-// CGBitmapContextCreate.cpp: new contexts over pixels in memory.
+// CGBitmapContextCreate.cpp: new contexts of bitmaps.
 
 #include "XGBitmapContext.h"
 #include "XGGState.h"
@@ -14,6 +14,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 using cg::BitmapContext;
 using cg::BitmapFields;
@@ -30,6 +31,8 @@ struct PixelSource {
     void* info = nullptr;
     // What fresh pixels are a copy of.
     const std::byte* original = nullptr;
+    // Whether drawing may be recorded as long as nobody needs pixels.
+    bool mayRecord = false;
 };
 
 std::size_t componentsPerPixel(CGColorSpaceRef space, CGImageAlphaInfo alpha) {
@@ -55,18 +58,14 @@ std::optional<std::size_t> packedBytesPerRow(std::size_t bitsPerPixel, std::size
 }
 
 // The pixels' owner: memory of our own is zeroed, the caller's is wrapped.
-cf::Ref<CFDataRef> obtainPixels(const PixelSource& source, void* given, std::size_t size) {
+cf::Ref<CFDataRef> obtainPixels(const cg::Bitmap& bitmap, const PixelSource& source, void* given) {
     if (given)
-        return cf::adopt(CFDataCreateWithBytesNoCopy(nullptr, static_cast<const UInt8*>(given),
-                                                     static_cast<CFIndex>(size), kCFAllocatorNull));
+        return cf::adopt(CFDataCreateWithBytesNoCopy(
+            nullptr, static_cast<const UInt8*>(given),
+            static_cast<CFIndex>(bitmap.bytesPerRow * bitmap.height), kCFAllocatorNull));
     if (source.data || source.allocate)
         return nullptr;
-    const auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
-    if (!data)
-        return nullptr;
-    CFDataSetLength(data.get(), static_cast<CFIndex>(size));
-    const bool isWhole = CFDataGetLength(data.get()) == static_cast<CFIndex>(size);
-    return isWhole ? cf::retain(static_cast<CFDataRef>(data.get())) : nullptr;
+    return cg::allocatePixels(bitmap);
 }
 
 // A context with the bitmap's backend, which the context frees from then on.
@@ -75,18 +74,37 @@ CGContextRef makeContext(const cg::Bitmap& bitmap) {
     if (!backend)
         return nullptr;
     const XGContextCallbacks& callbacks = cg::rasterBackendCallbacks();
+    const CGContextRef context = cg::makeBitmapContext(callbacks, backend);
+    if (!context)
+        callbacks.releaseInfo(backend);
+    return context;
+}
+
+} // namespace
+
+// ---- For the files of bitmap contexts
+
+cf::Ref<CFDataRef> cg::allocatePixels(const Bitmap& bitmap) {
+    const auto size = static_cast<CFIndex>(bitmap.bytesPerRow * bitmap.height);
+    const auto data = cf::adopt(CFDataCreateMutable(nullptr, 0));
+    if (!data)
+        return nullptr;
+    CFDataSetLength(data.get(), size);
+    const bool isWhole = CFDataGetLength(data.get()) == size;
+    return isWhole ? cf::retain(static_cast<CFDataRef>(data.get())) : nullptr;
+}
+
+CGContextRef cg::makeBitmapContext(const XGContextCallbacks& callbacks, void* backend) {
     const CGContextRef context =
         XGContextCreate(kXGContextKindBitmap, &callbacks, backend, sizeof(BitmapContext));
-    if (!context) {
-        callbacks.releaseInfo(backend);
+    if (!context)
         return nullptr;
-    }
     new (&reinterpret_cast<BitmapContext*>(context)->bitmap) BitmapFields{};
     context->holdsBitmap = true;
     return context;
 }
 
-void setUp(CGContextRef context, const cg::Bitmap& bitmap, const cf::Ref<CFDataRef>& data) {
+void cg::setUpBitmapContext(CGContextRef context, const Bitmap& bitmap, cf::Ref<CFDataRef> data) {
     *fieldsOf(context) = {.width = bitmap.width,
                           .height = bitmap.height,
                           .bitsPerComponent = bitmap.bitsPerComponent,
@@ -94,7 +112,7 @@ void setUp(CGContextRef context, const cg::Bitmap& bitmap, const cf::Ref<CFDataR
                           .bitsPerPixel = bitmap.bitsPerPixel,
                           .pixels = bitmap.pixels,
                           .space = cf::retain(bitmap.space),
-                          .data = data,
+                          .data = std::move(data),
                           .info = bitmap.info,
                           .buffer = bitmap.buffer};
     CGContextSetFillColorSpace(context, bitmap.space);
@@ -103,24 +121,30 @@ void setUp(CGContextRef context, const cg::Bitmap& bitmap, const cf::Ref<CFDataR
                                             static_cast<CGFloat>(bitmap.height)));
 }
 
+namespace {
+
 CGContextRef createOver(cg::Bitmap bitmap, const PixelSource& source) {
     const auto size = (cg::CheckedSize(bitmap.bytesPerRow) * bitmap.height).value();
     if (!size || *size > static_cast<std::size_t>(LONG_MAX)) {
         cg::logFailedAllocation(nullptr, bitmap);
         return nullptr;
     }
+    if (source.mayRecord && !source.data && !source.allocate) {
+        if (const CGContextRef recording = cg::createRecording(bitmap))
+            return recording;
+    }
     void* const allocated =
         !source.data && source.allocate ? source.allocate(source.info, *size) : nullptr;
     void* const given = source.data ? source.data : allocated;
 
-    const auto data = obtainPixels(source, given, *size);
+    const auto data = obtainPixels(bitmap, source, given);
     bitmap.pixels =
         given || !data ? given : CFDataGetMutableBytePtr(const_cast<CFMutableDataRef>(data.get()));
     if (bitmap.pixels && source.original)
         std::memcpy(bitmap.pixels, source.original, *size);
     auto made = cf::adopt(data ? makeContext(bitmap) : nullptr);
     if (made)
-        setUp(made.get(), bitmap, data);
+        cg::setUpBitmapContext(made.get(), bitmap, data);
     // The clip is the whole bitmap's: a context without one had no memory for it.
     if (!made || !XGGStateGetClipping(made.get()->state.get())) {
         made = nullptr;
@@ -183,13 +207,18 @@ CGContextRef _CGBitmapContextCreateWithDataAllocator(void* data, size_t width, s
                                                      XGBitmapContextAllocateCallback allocate,
                                                      CGBitmapContextReleaseDataCallback release,
                                                      void* info) {
-    return _CGBitmapContextCreateInternal({.width = width,
-                                           .height = height,
-                                           .bitsPerComponent = bitsPerComponent,
-                                           .bytesPerRow = bytesPerRow,
-                                           .space = space,
-                                           .info = bitmapInfo},
-                                          {data, allocate, release, info});
+    return _CGBitmapContextCreateInternal(
+        {.width = width,
+         .height = height,
+         .bitsPerComponent = bitsPerComponent,
+         .bytesPerRow = bytesPerRow,
+         .space = space,
+         .info = bitmapInfo},
+        {.data = data, .allocate = allocate, .release = release, .info = info, .mayRecord = true});
+}
+
+CGContextRef cg::createWithPixels(Bitmap bitmap) {
+    return _CGBitmapContextCreateInternal(bitmap, {});
 }
 
 CGContextRef CGBitmapContextCreateWithData(void* data, size_t width, size_t height,
@@ -233,7 +262,9 @@ CGContextRef XGBitmapContextCreateClone(CGContextRef context) {
     const BitmapFields* const fields = fieldsOf(context);
     if (!fields)
         return nullptr;
-    cg::prepare(*context); // What is only recorded is drawn first.
+    // What is only recorded is drawn first.
+    if (!cg::bringIntoPixels(context))
+        return nullptr;
     const cg::LockedPixels pixels(*fields);
     if (!pixels.get())
         return nullptr;

@@ -69,6 +69,11 @@ CGImageRef XGBitmapContextCreateImageWithSize(CGContextRef context, size_t width
                      bitmap->height, width, height);
         return nullptr;
     }
+    const bool isWhole = width == bitmap->width && height == bitmap->height;
+    if (context->queue && isWhole)
+        return cg::createQueueImage(context);
+    if (!cg::bringIntoPixels(context))
+        return nullptr;
     const auto data = snapshot(context, *bitmap);
     const auto provider = cf::adopt(data ? CGDataProviderCreateWithCFData(data.get()) : nullptr);
     if (!provider) {

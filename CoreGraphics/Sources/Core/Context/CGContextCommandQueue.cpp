@@ -8,6 +8,7 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/CommandQueue/XGCommandQueueRecord.h"
+#include "Core/Context/CGBitmapContextRecord.h"
 #include "Core/Object/Diagnostics.h"
 
 namespace {
@@ -92,9 +93,11 @@ void XGContextDrawCommandQueue(CGContextRef context, XGCommandQueueRef queue) {
 CGDataProviderRef XGCommandQueueCreateDataProvider(XGCommandQueueRef queue) {
     if (!queue)
         return nullptr;
-    auto context = cf::adopt(CGBitmapContextCreate(nullptr, queue->width, queue->height,
-                                                   queue->bitsPerComponent, 0, queue->space.get(),
-                                                   queue->bitmapInfo));
+    auto context = cf::adopt(cg::createWithPixels({.width = queue->width,
+                                                   .height = queue->height,
+                                                   .bitsPerComponent = queue->bitsPerComponent,
+                                                   .space = queue->space.get(),
+                                                   .info = queue->bitmapInfo}));
     if (!context) {
         logFailure(queue);
         return nullptr;

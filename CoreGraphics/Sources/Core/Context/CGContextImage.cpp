@@ -5,6 +5,7 @@
 #include <CoreGraphics/CGContext.h>
 
 #include "Core/Context/CGContextRecord.h"
+#include "Core/Context/Recording.h"
 
 namespace {
 
@@ -12,9 +13,12 @@ void drawImage(CGContextRef context, CGRect rect, CGImageRef image, cg::Passes p
                uint32_t passFlags) {
     if (!context || !image)
         return;
+    const CGImageRef masked = _CGImageGetMaskedImage(image);
+    const bool isOnce = passes == cg::Passes::ShadowAndMark && passFlags == 0;
+    if (context->queue && masked && isOnce && cg::recordImage(*context, rect, masked))
+        return;
     cg::prepare(*context);
     const auto draw = context->callbacks.drawImage;
-    const CGImageRef masked = _CGImageGetMaskedImage(image);
     if (!draw || !masked || CGRectIsEmpty(rect))
         return;
     const XGGStateRef state = context->state.get();

@@ -5,6 +5,7 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Context/DeviceStroke.h"
+#include "Core/Context/Recording.h"
 #include "Core/State/XGGStateRecord.h"
 
 #include <cmath>
@@ -73,6 +74,8 @@ void drawPass(CGContext& context, const PathMarks& marks, uint32_t passFlags) {
 
 void drawMarks(CGContext& context, const PathMarks& marks, cg::Passes passes) {
     cg::prepare(context);
+    if (!context.callbacks.drawPath)
+        return;
     const bool hasPen = marks.stroke.path && marks.stroke.form == cg::StrokeForm::Line;
     const XGGStateRef state = context.state.get();
     const LineWidthScope scope(state, hasPen ? marks.stroke.width : XGGStateGetLineWidth(state));
@@ -82,8 +85,21 @@ void drawMarks(CGContext& context, const PathMarks& marks, cg::Passes passes) {
         drawPass(context, marks, 0);
 }
 
-void drawPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode, cg::Passes passes) {
-    if (CGPathIsEmpty(path) || !context.callbacks.drawPath ||
+// Records the marks in turn, and leaves those to be drawn that are refused and what comes after
+// them: commands are drawn before anything else.
+bool recordMarks(CGContext& context, PathMarks& marks, CGMutablePathRef path) {
+    if (marks.fill) {
+        const CGColorRef color = XGGStateGetFillColor(context.state.get());
+        if (!cg::recordFill(context, path, marks.evenOdd, color))
+            return false;
+        marks.fill = nullptr;
+    }
+    return cg::recordStroke(context, marks.stroke);
+}
+
+void drawPath(CGContext& context, CGMutablePathRef path, CGPathDrawingMode mode,
+              cg::Passes passes) {
+    if (CGPathIsEmpty(path) || !(context.callbacks.drawPath || context.queue) ||
         !(cg::fills(mode) || cg::strokes(mode)))
         return;
     PathMarks marks;
@@ -91,6 +107,8 @@ void drawPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode, cg::Pa
         marks = {.fill = path, .evenOdd = cg::isEvenOdd(mode)};
     if (cg::strokes(mode))
         marks.stroke = cg::deviceStroke(context.state.get(), path);
+    if (context.queue && passes == cg::Passes::ShadowAndMark && recordMarks(context, marks, path))
+        return;
     drawMarks(context, marks, passes);
 }
 
@@ -138,6 +156,11 @@ void CGContextStrokePath(CGContextRef context) {
 namespace {
 
 void fillRects(CGContext& context, const CGRect* rects, size_t count) {
+    if (context.queue) {
+        if (cg::recordRects(context, rects, count))
+            return;
+        cg::prepare(context);
+    }
     if (context.callbacks.fillRects)
         context.callbacks.fillRects(context.state.get(), context.allowsFlags, rects, count,
                                     context.info);

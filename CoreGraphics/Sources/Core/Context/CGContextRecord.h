@@ -2,6 +2,7 @@
 // them.
 #pragma once
 
+#include "XGCommandQueue.h"
 #include "XGContext.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFRuntime.h>
@@ -28,6 +29,8 @@ struct CGContext {
     void* info = nullptr;
     CGFloat sizeInPoints[3] = {};
     XGContextCallbacks callbacks = {};
+    // Takes drawing as commands while there is one; then the destination has no pixels yet.
+    cf::Ref<XGCommandQueueRef> queue;
     // A consumed path that nobody else holds, emptied: the next one starts in its storage.
     cf::Ref<CGMutablePathRef> sparePath;
     cg::SpareStates spareStates;

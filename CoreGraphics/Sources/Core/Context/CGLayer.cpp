@@ -63,8 +63,12 @@ cf::Ref<CGContextRef> makeContext(const BitmapFields& like, CGSize size) {
     const auto bytesPerRow = (cg::CheckedSize(like.bitsPerPixel / 8) * width).value();
     if (!bytesPerRow)
         return nullptr;
-    auto context = cf::adopt(CGBitmapContextCreate(nullptr, width, height, like.bitsPerComponent,
-                                                   *bytesPerRow, like.space.get(), like.info));
+    auto context = cf::adopt(cg::createWithPixels({.width = width,
+                                                   .height = height,
+                                                   .bitsPerComponent = like.bitsPerComponent,
+                                                   .bytesPerRow = *bytesPerRow,
+                                                   .space = like.space.get(),
+                                                   .info = like.info}));
     XGBitmapContextAddFlags(context.get(), like.info & kRigid);
     return context;
 }

@@ -35,7 +35,10 @@ Context makeContext(void* pixels, CGRect box, CGImageAlphaInfo alpha) {
         return nullptr;
     const auto width = static_cast<std::size_t>(box.size.width);
     const auto height = static_cast<std::size_t>(box.size.height);
-    return cf::adopt(CGBitmapContextCreate(pixels, width, height, 8, width, gray.get(), alpha));
+    Context context =
+        cf::adopt(CGBitmapContextCreate(pixels, width, height, 8, width, gray.get(), alpha));
+    CGContextSetAllowsAcceleration(context.get(), false); // Its pixels are what is wanted.
+    return context;
 }
 
 // Draws a mask with the bitmap's lower left corner at the box's.

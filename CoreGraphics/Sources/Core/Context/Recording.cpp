@@ -1,0 +1,332 @@
+// Recording.cpp: what commands can say of drawing operations.
+
+#include "Core/Context/Recording.h"
+
+#include "XGColorSpace.h"
+#include "XGPath.h"
+
+#include "Core/Color/DisplayedColor.h"
+#include "Core/CommandQueue/XGCommandQueueRecord.h"
+#include "Core/Context/RecordedShapes.h"
+#include "Core/Image/CGImageRecord.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace cg {
+
+namespace {
+
+// ---- The state
+
+bool isSmooth(const CGContext& context) {
+    return (context.allowsFlags & kXGContextAllowsAntialiasing) &&
+           XGGStateShouldAntialias(context.state.get());
+}
+
+Edges canvasOf(const CGContext& context) {
+    return Edges::of(context.queue.get()->canvas());
+}
+
+// What the clip leaves of the canvas; none for a clip that is more than a rectangle of pixels.
+// There is none, too, where the state asks for what no command has.
+std::optional<Edges> recordableArea(const CGContext& context) {
+    const XGGStateRef state = context.state.get();
+    if (XGGStateHasShadow(state) || !XGGStateBlendModeIsPorterDuff(state))
+        return std::nullopt;
+    const CGRect clip = XGClippingGetSimpleRect(XGGStateGetClipping(state));
+    if (CGRectIsNull(clip))
+        return std::nullopt;
+    const Edges area = Edges::of(clip).within(canvasOf(context));
+    return area.isEmpty() || area.isWhole() ? std::optional(area) : std::nullopt;
+}
+
+// A component in 0 … 1 in steps of bitmaps; NaN is 0.
+CGFloat toSteps(CGFloat component) {
+    return component > 0 ? std::round(std::min(component, CGFloat{1}) * 255) : 0;
+}
+
+// The colour on the canvas, with the state's alpha in it, as precisely as bitmaps have that. Empty
+// for one that the canvas's space cannot express, and for patterns.
+cf::Ref<CGColorRef> recordedColor(CGContext& context, CGColorRef color) {
+    if (!color || CGColorGetPattern(color))
+        return nullptr;
+    const CGColorSpaceRef canvas = context.queue.get()->space.get();
+    const CGColorSpaceRef space = CGColorGetColorSpace(color);
+    const CGFloat alpha = XGGStateGetAlpha(context.state.get());
+    if (alpha == 1 && (space == canvas || XGColorSpaceEqualToColorSpace(space, canvas)))
+        return cf::retain(color);
+    // Gray bitmaps are painted in colours, which only then become gray.
+    const bool isGray = CGColorSpaceGetModel(canvas) == kCGColorSpaceModelMonochrome;
+    if (isGray && CGColorSpaceGetModel(space) != kCGColorSpaceModelMonochrome)
+        return nullptr;
+    const auto [red, green, blue, opacity] = displayedColor(
+        color, {.space = canvas, .intent = XGGStateGetRenderingIntent(context.state.get())});
+    const CGFloat total = std::round(alpha * toSteps(opacity)) / 255;
+    const std::array components = isGray ? std::array{red, total, CGFloat{0}, CGFloat{0}}
+                                         : std::array{red, green, blue, total};
+    return cf::retain(context.recentColors.get(canvas, components.data()));
+}
+
+// ---- Commands
+
+bool add(CGContext& context, CommandPointer command) {
+    if (!XGCommandQueueAddCommand(context.queue.get(), command.get()))
+        return false;
+    static_cast<void>(command.release());
+    return true;
+}
+
+// Nothing in it yet but what comes from the state; empty when memory runs out, or without colour.
+CommandPointer startCommand(CGContext& context, XGCommandKind kind, cf::Ref<CGColorRef> color,
+                            std::size_t itemCount = 0) {
+    CommandPointer command = color ? makeCommand(kind, itemCount) : nullptr;
+    if (!command)
+        return nullptr;
+    command->color = color.release();
+    command->blendMode = XGGStateGetBlendMode(context.state.get());
+    return command;
+}
+
+// A copy onto an empty canvas becomes a normal fill, which is as much only where pixels are covered
+// as a whole.
+bool isTranslucentCopy(const XGCommand& command) {
+    constexpr CGFloat kOpaque = 0.999f;
+    return command.blendMode == kCGBlendModeCopy && CGColorGetAlpha(command.color) <= kOpaque;
+}
+
+// Collects what is to be seen of rectangles in device space.
+class RectCollector {
+public:
+    RectCollector(CGContext& context, const Edges& area, cf::Ref<CGColorRef> color,
+                  std::size_t count)
+        : command_(startCommand(context, kXGCommandFillRects, std::move(color), count)),
+          area_(area), isCanvas_(area == canvasOf(context)) {
+        if (command_)
+            needsWholePixels_ = !isSmooth(context) || isTranslucentCopy(*command_);
+    }
+
+    bool add(const Edges& edges) {
+        if (!command_ || !edges.isFinite())
+            return false;
+        const Edges seen = edges.within(area_);
+        if (seen.isEmpty())
+            return true;
+        // What a clip cuts off with smooth edges is blended by other steps than a smaller mark.
+        const bool isCut = !isCanvas_ && !area_.contains(edges.outset(1));
+        if ((needsWholePixels_ || isCut) && !edges.isWhole())
+            return false;
+        const auto rect = (isCut ? seen : edges).rect();
+        if (!rect)
+            return false;
+        XGCommandGetRects(command_.get())[count_++] = *rect;
+        bounds_ = count_ == 1 ? seen : bounds_.including(seen);
+        return true;
+    }
+
+    // Nothing to be seen is recorded without a trace.
+    bool finish(CGContext& context) {
+        if (!command_)
+            return false;
+        if (count_ == 0)
+            return true;
+        command_->itemCount = count_;
+        command_->bounds = bounds_.enclosingRect();
+        return cg::add(context, std::move(command_));
+    }
+
+private:
+    CommandPointer command_;
+    Edges area_;
+    Edges bounds_;
+    std::uint32_t count_ = 0;
+    bool isCanvas_;
+    bool needsWholePixels_ = false;
+};
+
+template <typename Rects>
+bool recordDeviceRects(CGContext& context, const Edges& area, cf::Ref<CGColorRef> color,
+                       const Rects& rects) {
+    RectCollector collector(context, area, std::move(color), rects.size());
+    return std::ranges::all_of(rects, [&](const Edges& each) { return collector.add(each); }) &&
+           collector.finish(context);
+}
+
+// Whether a clip to `area` changes nothing of a mark within `bounds`: neither what is seen of it
+// nor, as a clip through its middle might, how its edges are computed.
+bool isUntouchedBy(const Edges& area, const Edges& bounds, const CGContext& context) {
+    return area == canvasOf(context) || area.contains(bounds.outset(1));
+}
+
+enum class Seen { Nothing, AsItIs, Clipped };
+
+Seen seenOf(const CGContext& context, const Edges& area, const Edges& bounds) {
+    if (area.isEmpty() || bounds.outset(1).within(area).isEmpty())
+        return Seen::Nothing;
+    return isUntouchedBy(area, bounds, context) ? Seen::AsItIs : Seen::Clipped;
+}
+
+bool recordPath(CGContext& context, CommandPointer command, CGPathRef path, const Edges& bounds,
+                const Edges& area) {
+    if (!command || !isSmooth(context) || isTranslucentCopy(*command))
+        return false;
+    command->path = cf::retain(path).release();
+    command->bounds = bounds.outset(1).within(area).enclosingRect();
+    return add(context, std::move(command));
+}
+
+// Whether rectangles put down what paths of whole pixels do. So they do in the layout that most
+// bitmaps have; in others the rasteriser rounds the blends of a path's sides by themselves, and
+// sets bits that no component has.
+bool drawsRectsAsPaths(const CGContext& context) {
+    const XGCommandQueue& queue = *context.queue.get();
+    const CGImageAlphaInfo alpha = alphaInfo(queue.bitmapInfo);
+    return queue.bitsPerPixel == 32 &&
+           (queue.bitmapInfo & kCGBitmapByteOrderMask) == kCGBitmapByteOrder32Little &&
+           (alpha == kCGImageAlphaPremultipliedFirst || alpha == kCGImageAlphaNoneSkipFirst);
+}
+
+// ---- Fills
+
+bool recordAsRects(CGContext& context, const Edges& area, CGPathRef path,
+                   const cf::Ref<CGColorRef>& color) {
+    if (!drawsRectsAsPaths(context))
+        return false;
+    std::array<CGRect, 8> rects;
+    std::size_t count = 0;
+    if (!_CGPathCanBeFilledByRects(path, rects.data(), rects.size(), &count) || count == 0 ||
+        count > rects.size())
+        return false;
+    std::array<Edges, 8> edges;
+    std::transform(rects.begin(), rects.begin() + count, edges.begin(), Edges::of);
+    const std::span found(edges.data(), count);
+    // A path's coverage of parts of pixels is computed otherwise than a rectangle's.
+    if (!std::ranges::all_of(found, &Edges::isWhole))
+        return false;
+    return recordDeviceRects(context, area, color, found);
+}
+
+bool recordAsCircle(CGContext& context, const Edges& area, CGPathRef path,
+                    const cf::Ref<CGColorRef>& color) {
+    const auto circle = circleOf(path);
+    if (!circle || !isSmooth(context) || seenOf(context, area, Edges::of(*circle)) != Seen::AsItIs)
+        return false;
+    CommandPointer command = startCommand(context, kXGCommandFillCircle, color);
+    if (!command || isTranslucentCopy(*command))
+        return false;
+    command->bounds = *circle;
+    return add(context, std::move(command));
+}
+
+bool hasUprightCTM(const CGContext& context) {
+    const CGAffineTransform& ctm = *XGGStateGetCombinedCTM(context.state.get());
+    return (ctm.b == 0 && ctm.c == 0) || (ctm.a == 0 && ctm.d == 0);
+}
+
+} // namespace
+
+bool recordRects(CGContext& context, const CGRect* rects, std::size_t count) {
+    const auto area = recordableArea(context);
+    if (!area || !hasUprightCTM(context))
+        return false;
+    const CGAffineTransform& ctm = *XGGStateGetCombinedCTM(context.state.get());
+    RectCollector collector(
+        context, *area, recordedColor(context, XGGStateGetFillColor(context.state.get())), count);
+    for (std::size_t index = 0; index < count; ++index)
+        if (!collector.add(Edges::of(rects[index]).mapped(ctm)))
+            return false;
+    return collector.finish(context);
+}
+
+bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColorRef color) {
+    const auto area = recordableArea(context);
+    const auto onCanvas = area ? recordedColor(context, color) : nullptr;
+    const Edges bounds = Edges::of(CGPathGetBoundingBox(path));
+    if (!onCanvas || !bounds.isFinite())
+        return false;
+    if (seenOf(context, *area, bounds) == Seen::Nothing)
+        return true;
+    if (hasUprightCTM(context) && (recordAsRects(context, *area, path, onCanvas) ||
+                                   recordAsCircle(context, *area, path, onCanvas)))
+        return true;
+    if (seenOf(context, *area, bounds) != Seen::AsItIs)
+        return false;
+    _CGPathSetEvenOddFill(path, evenOdd ? kXGPathFillEvenOdd : kXGPathFillWinding);
+    return recordPath(context, startCommand(context, kXGCommandFillPath, onCanvas), path, bounds,
+                      *area);
+}
+
+// ---- Strokes
+
+namespace {
+
+// How far from its path a stroke may reach.
+CGFloat reachOf(XGGStateRef state, CGFloat width) {
+    constexpr CGFloat kDiagonal = 1.5f; // Of a square cap, and more.
+    const bool hasMiters = XGGStateGetLineJoin(state) == kCGLineJoinMiter;
+    const CGFloat miters =
+        hasMiters ? std::max(XGGStateGetMiterLimit(state), kDiagonal) : kDiagonal;
+    return std::max(width, CGFloat{1}) / 2 * miters;
+}
+
+bool recordLine(CGContext& context, const DeviceStroke& stroke, const cf::Ref<CGColorRef>& color,
+                const Edges& area) {
+    const XGGStateRef state = context.state.get();
+    const CGPathRef path = stroke.path.get();
+    const Edges bounds = Edges::of(CGPathGetBoundingBox(path)).outset(reachOf(state, stroke.width));
+    if (!bounds.isFinite())
+        return false;
+    const Seen seen = seenOf(context, area, bounds);
+    if (seen == Seen::Nothing)
+        return true;
+    const LineStyle style = {.width = stroke.width,
+                             .cap = XGGStateGetLineCap(state),
+                             .join = XGGStateGetLineJoin(state),
+                             .miterLimit = XGGStateGetMiterLimit(state)};
+    StrokeRects rects;
+    if (hasUprightCTM(context) && drawsRectsAsPaths(context) && rects.collect(path, style) &&
+        recordDeviceRects(context, area, color, rects.all()))
+        return true;
+    CommandPointer command =
+        seen == Seen::AsItIs ? startCommand(context, kXGCommandStrokePath, color) : nullptr;
+    if (!command)
+        return false;
+    command->parameters.stroke = {.width = style.width,
+                                  .cap = static_cast<std::int32_t>(style.cap),
+                                  .join = static_cast<std::int32_t>(style.join),
+                                  .miterLimit = style.miterLimit};
+    return recordPath(context, std::move(command), path, bounds, area);
+}
+
+} // namespace
+
+bool recordStroke(CGContext& context, const DeviceStroke& stroke) {
+    const CGColorRef color = XGGStateGetStrokeColor(context.state.get());
+    if (!stroke.path)
+        return true; // It puts nothing down.
+    const auto area = recordableArea(context);
+    const auto onCanvas = area ? recordedColor(context, color) : nullptr;
+    if (!onCanvas)
+        return false;
+    if (stroke.form == StrokeForm::Line)
+        return recordLine(context, stroke, onCanvas, *area);
+    const Edges bounds = Edges::of(CGPathGetBoundingBox(stroke.path.get()));
+    if (!bounds.isFinite())
+        return false;
+    const Seen seen = seenOf(context, *area, bounds);
+    return seen == Seen::Nothing ||
+           (seen == Seen::AsItIs &&
+            recordPath(context, startCommand(context, kXGCommandFillPath, onCanvas),
+                       stroke.path.get(), bounds, *area));
+}
+
+// ---- Images
+
+bool recordImage(CGContext&, CGRect, CGImageRef) {
+    return false;
+}
+
+} // namespace cg
