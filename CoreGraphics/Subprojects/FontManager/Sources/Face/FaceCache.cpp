@@ -19,6 +19,7 @@ cf::Ref<CFCharacterSetRef> FaceCache::copyCharacterSet(FT_Face face) {
 void FaceCache::clear() {
     glyphs_.clear();
     advances_.clear();
+    bounds_.clear();
     harfBuzzFace_.reset();
     characterSet_ = nullptr;
 }

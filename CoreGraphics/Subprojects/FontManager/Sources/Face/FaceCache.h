@@ -3,6 +3,7 @@
 
 #include "Face/Coverage.h"
 #include "Face/GlyphAdvances.h"
+#include "Face/GlyphBounds.h"
 #include "Face/GlyphMap.h"
 #include "Face/HarfBuzzFace.h"
 
@@ -14,6 +15,7 @@ class FaceCache {
 public:
     GlyphMap& glyphs() { return glyphs_; }
     GlyphAdvances& advances() { return advances_; }
+    GlyphBounds& bounds() { return bounds_; }
 
     // For HarfBuzz's functions, none of which accept changes: they answer for an empty face when
     // memory runs out.
@@ -28,6 +30,7 @@ public:
 private:
     GlyphMap glyphs_;
     GlyphAdvances advances_;
+    GlyphBounds bounds_;
     HarfBuzzFace harfBuzzFace_;
     cf::Ref<CFCharacterSetRef> characterSet_;
 };

@@ -2,30 +2,11 @@
 
 #include "Face/GlyphOutline.h"
 
-#include "Face/StrikeSize.h"
-
-#include FT_BBOX_H
 #include FT_OUTLINE_H
-
-#include <algorithm>
-#include <span>
 
 namespace fm {
 
 namespace {
-
-// Loads a glyph into the face's slot in font units, as the designer drew it.
-const FT_Outline* loadOutline(FT_Face face, CGGlyph glyph) {
-    constexpr FT_Int32 kFlags = FT_LOAD_NO_SCALE | FT_LOAD_IGNORE_TRANSFORM;
-    if (!FT_IS_SCALABLE(face) || !hasGlyph(face, glyph) || FT_Load_Glyph(face, glyph, kFlags))
-        return nullptr;
-    return face->glyph->format == FT_GLYPH_FORMAT_OUTLINE ? &face->glyph->outline : nullptr;
-}
-
-// Between two control points of a quadratic curve lies a point that the font leaves out: FreeType
-// rounds it, and the extremes of curves, to whole numbers. In 64ths of a unit they are exact.
-constexpr int kFractionBits = 6;
-constexpr CGFloat kUnitsPerStep = 1.0f / (1 << kFractionBits);
 
 CGPoint point(const FT_Vector& vector) {
     return {static_cast<CGFloat>(vector.x) * kUnitsPerStep,
@@ -109,46 +90,14 @@ constexpr FT_Outline_Funcs kPathFunctions = {
     .delta = 0,
 };
 
-CGRect rect(const FT_BBox& box, float scale) {
-    const auto x = static_cast<float>(box.xMin), y = static_cast<float>(box.yMin);
-    const auto width = static_cast<float>(box.xMax - box.xMin);
-    const auto height = static_cast<float>(box.yMax - box.yMin);
-    return {{x * scale, y * scale}, {width * scale, height * scale}};
-}
-
-std::span<FT_Vector> points(const FT_Outline& outline) {
-    return {outline.points, static_cast<size_t>(std::max<short>(outline.n_points, 0))};
-}
-
-// Coordinates too large to be a real glyph's stay within their control box.
-CGRect outlineBounds(const FT_Outline& outline) {
-    constexpr FT_Pos kLargest = FT_Pos{1} << 20;
-    FT_BBox box;
-    FT_Outline_Get_CBox(&outline, &box);
-    if (box.xMin < -kLargest || box.yMin < -kLargest || box.xMax > kLargest || box.yMax > kLargest)
-        return rect(box, 1);
-    for (FT_Vector& point : points(outline)) {
-        point.x *= 1 << kFractionBits;
-        point.y *= 1 << kFractionBits;
-    }
-    FT_Outline copy = outline;
-    return FT_Outline_Get_BBox(&copy, &box) ? CGRectZero : rect(box, kUnitsPerStep);
-}
-
-CGRect bitmapBounds(FT_Face face, const StrikeSize& strike, CGGlyph glyph) {
-    if (!strike || !hasGlyph(face, glyph) || FT_Load_Glyph(face, glyph, FT_LOAD_DEFAULT) ||
-        face->glyph->format != FT_GLYPH_FORMAT_BITMAP)
-        return CGRectZero;
-    const FT_GlyphSlot slot = face->glyph;
-    const auto width = static_cast<float>(slot->bitmap.width);
-    const auto height = static_cast<float>(slot->bitmap.rows);
-    const auto left = static_cast<float>(slot->bitmap_left);
-    const float bottom = static_cast<float>(slot->bitmap_top) - height;
-    const float x = strike.horizontalScale(), y = strike.verticalScale();
-    return {{left * x, bottom * y}, {width * x, height * y}};
-}
-
 } // namespace
+
+const FT_Outline* loadOutline(FT_Face face, CGGlyph glyph) {
+    constexpr FT_Int32 kFlags = FT_LOAD_NO_SCALE | FT_LOAD_IGNORE_TRANSFORM;
+    if (!FT_IS_SCALABLE(face) || !hasGlyph(face, glyph) || FT_Load_Glyph(face, glyph, kFlags))
+        return nullptr;
+    return face->glyph->format == FT_GLYPH_FORMAT_OUTLINE ? &face->glyph->outline : nullptr;
+}
 
 cf::Ref<CGPathRef> copyOutline(FT_Face face, CGGlyph glyph) {
     const FT_Outline* const outline = loadOutline(face, glyph);
@@ -162,19 +111,6 @@ cf::Ref<CGPathRef> copyOutline(FT_Face face, CGGlyph glyph) {
         return nullptr;
     builder.close();
     return owned;
-}
-
-void glyphBounds(FT_Face face, const CGGlyph* glyphs, CGRect* bounds, size_t count) {
-    if (FT_IS_SCALABLE(face)) {
-        for (size_t i = 0; i < count; ++i) {
-            const FT_Outline* const outline = loadOutline(face, glyphs[i]);
-            bounds[i] = outline && outline->n_points > 0 ? outlineBounds(*outline) : CGRectZero;
-        }
-        return;
-    }
-    const StrikeSize strike(face);
-    for (size_t i = 0; i < count; ++i)
-        bounds[i] = bitmapBounds(face, strike, glyphs[i]);
 }
 
 } // namespace fm

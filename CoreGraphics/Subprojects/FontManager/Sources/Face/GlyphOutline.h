@@ -1,4 +1,4 @@
-// GlyphOutline.h: outlines of a face's glyphs in font units: as paths, and their bounds.
+// GlyphOutline.h: outlines of a face's glyphs in font units.
 #pragma once
 
 #include <CoreFoundation/CFRef.h>
@@ -7,16 +7,18 @@
 
 #include "Face/FreeType.h"
 
-#include <cstddef>
-
 namespace fm {
 
-// Empty for a glyph without contours; none for a glyph that is not made of an outline, or that the
-// face lacks.
-cf::Ref<CGPathRef> copyOutline(FT_Face face, CGGlyph glyph);
+// Between two control points of a quadratic curve lies a point that the font leaves out: FreeType
+// rounds it, and the extremes of curves, to whole numbers. In 64ths of a unit they are exact.
+constexpr int kFractionBits = 6;
+constexpr CGFloat kUnitsPerStep = 1.0f / (1 << kFractionBits);
 
-// The smallest rectangle around each glyph: of the curves themselves, not of their control points.
-// Glyphs that are bitmaps are measured in the largest strike. CGRectZero for what has no extent.
-void glyphBounds(FT_Face face, const CGGlyph* glyphs, CGRect* bounds, size_t count);
+// Loads a glyph into the face's slot in whole font units, as the designer drew it. Nothing for a
+// glyph that is not made of an outline, or that the face lacks.
+const FT_Outline* loadOutline(FT_Face face, CGGlyph glyph);
+
+// Empty for a glyph without contours; none for a glyph without an outline.
+cf::Ref<CGPathRef> copyOutline(FT_Face face, CGGlyph glyph);
 
 } // namespace fm

@@ -57,7 +57,7 @@ bool FMFontGetBoundingRectsForGlyphs(FMFontRef font, const CGGlyph* glyphs, CGRe
         return false;
     const fm::FaceUse use(font);
     if (use)
-        fm::glyphBounds(use.face(), glyphs, rects, count);
+        font->cache.bounds().bounds(use.face(), glyphs, rects, count);
     return static_cast<bool>(use);
 }
 
