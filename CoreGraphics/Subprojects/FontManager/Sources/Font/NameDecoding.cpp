@@ -102,6 +102,22 @@ std::span<const FT_Byte> withoutEndMarks(std::span<const FT_Byte> bytes, std::si
     return bytes;
 }
 
+// Whether every surrogate has its partner: strings would keep others, and could not be stored.
+bool isWellFormed(std::span<const FT_Byte> utf16) {
+    constexpr FT_Byte kHigh = 0xD8, kLow = 0xDC, kMask = 0xFC;
+    for (std::size_t i = 0; i + 1 < utf16.size(); i += 2) {
+        const int kind = utf16[i] & kMask;
+        if (kind == kLow)
+            return false;
+        if (kind != kHigh)
+            continue;
+        i += 2;
+        if (i >= utf16.size() || (utf16[i] & kMask) != kLow)
+            return false;
+    }
+    return true;
+}
+
 // Code page texts are stored in 16-bit units: their single bytes come with a zero in front.
 cf::Ref<CFStringRef> makeCodePageText(std::span<const FT_Byte> bytes, CFStringEncoding encoding) {
     const std::unique_ptr<FT_Byte[]> packed(new (std::nothrow) FT_Byte[bytes.size()]);
@@ -125,7 +141,9 @@ cf::Ref<CFStringRef> decodeName(const FT_SfntName& record) {
     if (encoding != kUnicode && record.platform_id == TT_PLATFORM_MICROSOFT)
         return makeCodePageText(all, encoding);
     const auto bytes = withoutEndMarks(all, encoding == kUnicode ? 2 : 1);
-    return bytes.empty() ? nullptr : makeText(bytes, encoding);
+    if (bytes.empty() || (encoding == kUnicode && !isWellFormed(bytes)))
+        return nullptr;
+    return makeText(bytes, encoding);
 }
 
 } // namespace fm
