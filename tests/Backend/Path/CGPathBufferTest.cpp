@@ -1,4 +1,4 @@
-// CGPathBufferTest.cpp: paths through flat memory and back, also through damaged memory.
+// CGPathBufferTest.cpp: paths through flat memory and back. Damaged memory is for the fuzz entry.
 
 #include "Paths.h"
 #include "Support/CollectedLog.h"
@@ -73,38 +73,6 @@ TEST(CGPathBuffer, ThatIsUnreadableIsAnEmptyPath) {
     EXPECT_EQ(log.lines().size(), 3u);
     EXPECT_EQ(_CGPathWriteToBuffer(nullptr, nullptr), 0u);
     _CGPathDump(nullptr);
-}
-
-// Whatever is read must stand up to being used.
-void useEverything(CGPathRef path) {
-    pathText(path);
-    CGPathGetBoundingBox(path);
-    CGPathGetPathBoundingBox(path);
-    CGPathContainsPoint(path, nullptr, {3, 3}, true);
-    CGPathIsRect(path, nullptr);
-    _CGPathICantBelieveItsNotACircle(path, nullptr);
-    EXPECT_TRUE(cf::adopt(_CGPathCreateReversedPath(path)));
-    const MutablePath longer = cf::adopt(CGPathCreateMutableCopy(path));
-    CGPathAddLineToPoint(longer.get(), nullptr, 1, 2);
-    CGPathAddArc(longer.get(), nullptr, 0, 0, 1, 0, 1, false);
-    EXPECT_EQ(native(path).getFillType() == SkPathFillType::kEvenOdd, _CGPathIsEvenOddFill(path));
-    EXPECT_FALSE(native(path).isInverseFillType());
-}
-
-TEST(CGPathBuffer, SurvivesDamage) {
-    const std::vector<char> whole = bufferOf(everyKind().get());
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        // A copy of just that length, so that a read beyond it is noticed.
-        if (const Path path = fromBuffer({whole.begin(), whole.begin() + std::ptrdiff_t(length)}))
-            useEverything(path.get());
-    }
-    for (std::size_t at = 0; at < whole.size(); ++at)
-        for (const int damage : {1, 2, 4, 8, 16, 32, 64, 128, 255}) {
-            std::vector<char> damaged = whole;
-            damaged[at] = static_cast<char>(damaged[at] ^ damage);
-            if (const Path path = fromBuffer(damaged))
-                useEverything(path.get());
-        }
 }
 
 } // namespace

@@ -29,16 +29,13 @@ MutablePath mutableCopy(const Path& path) {
 MutablePath box() {
     return makeRect(kBox);
 }
-MutablePath disc() {
-    return built([](auto p) { CGPathAddEllipseInRect(p, nullptr, kBox); });
-}
-// A circle by eight quadratics that touch it at their ends.
-MutablePath eightQuads() {
+// A circle by quadratics that touch it at their ends.
+MutablePath quads(int count) {
     MutablePath path = makeLines({{15, 7}});
-    const float reach = 10 / std::cos(kTurn / 16);
-    for (int i = 0; i < 8; ++i) {
-        const float middle = (static_cast<float>(i) + 0.5f) * kTurn / 8;
-        const float end = static_cast<float>(i + 1) * kTurn / 8;
+    const float step = kTurn / static_cast<float>(count), reach = 10 / std::cos(step / 2);
+    for (int i = 0; i < count; ++i) {
+        const float middle = (static_cast<float>(i) + 0.5f) * step;
+        const float end = static_cast<float>(i + 1) * step;
         CGPathAddQuadCurveToPoint(path.get(), nullptr, 5 + reach * std::cos(middle),
                                   7 + reach * std::sin(middle), 5 + 10 * std::cos(end),
                                   7 + 10 * std::sin(end));
@@ -70,23 +67,63 @@ MutablePath strokedLine(CGLineCap cap) {
         CGPathCreateCopyByStrokingPath(line.get(), nullptr, 2, cap, kCGLineJoinMiter, 10)));
 }
 
+// A rectangle next to or over another.
+MutablePath rects(CGRect a, CGRect b) {
+    MutablePath path = makeRect(a);
+    CGPathAddRect(path.get(), nullptr, b);
+    return path;
+}
+// An arc, then what else belongs to the path.
+MutablePath arc(float start, float end, bool clockwise = false, const Build& rest = {}) {
+    MutablePath path = makePath();
+    CGPathAddArc(path.get(), nullptr, 5, 7, 10, start, end, clockwise);
+    if (rest)
+        rest(path.get());
+    return path;
+}
+MutablePath ellipse(CGRect rect) {
+    return built([rect](auto p) { CGPathAddEllipseInRect(p, nullptr, rect); });
+}
+MutablePath skiasOval() {
+    MutablePath path = makePath();
+    static_cast<SkPath*>(_CGPathGetNativeObject(path.get()))
+        ->addOval(SkRect::MakeLTRB(-5, -3, 15, 17));
+    return path;
+}
+MutablePath rotated(float angle) {
+    const CGAffineTransform turn = CGAffineTransformMakeRotation(angle);
+    return built([turn](auto p) { CGPathAddRect(p, &turn, {{0, 0}, {4, 2}}); });
+}
+MutablePath endless() {
+    MutablePath path = box();
+    _CGPathConcatCTM(path.get(), kInfinity, 0, 0, 1, 0, 0);
+    return path;
+}
+
 // What the recognisers answer, a letter each: a circle, a rectangle, lines along the axes, so many
 // rectangles to fill (- when there are none that do), ends that meet, rectangles that stroke.
 std::string answers(const MutablePath& path) {
     const CGPathRef p = path.get();
+    const CGRect bounds = CGPathGetBoundingBox(p);
     const bool hasArcs = native(p).getSegmentMasks() & SkPath::kConic_SegmentMask;
-    size_t rects = 0;
-    const bool filled = _CGPathCanBeFilledByRects(p, nullptr, 0, &rects);
-    const bool stroked = _CGPathCanBeStrokedByRects(p, kCGLineCapButt, kCGLineJoinMiter, 10);
+    CGRect circle = CGRectNull, rect = CGRectNull;
+    size_t rects = 99;
     std::string letters;
-    letters += _CGPathICantBelieveItsNotACircle(p, nullptr) ? 'O' : '.';
-    CGRect rect = CGRectNull;
+    letters += _CGPathICantBelieveItsNotACircle(p, &circle) ? 'O' : '.';
     letters += CGPathIsRect(p, &rect) ? 'R' : '.';
-    EXPECT_TRUE(CGRectIsNull(rect) || CGRectEqualToRect(rect, CGPathGetBoundingBox(p)));
     letters += hasArcs ? '!' : _CGPathIsRectilinear(p) ? 'L' : '.';
-    letters += filled ? static_cast<char>('0' + rects) : '-';
+    letters +=
+        _CGPathCanBeFilledByRects(p, nullptr, 0, &rects) ? static_cast<char>('0' + rects) : '-';
     letters += _CGPathIsClosed(p) ? 'C' : '.';
-    letters += stroked ? 'S' : '.';
+    letters += _CGPathCanBeStrokedByRects(p, kCGLineCapButt, kCGLineJoinMiter, 10) ? 'S' : '.';
+    if (letters[0] == 'O')
+        expectRect(circle, CGPathGetPathBoundingBox(p), 0.01f * bounds.size.width, "the circle");
+    else
+        EXPECT_TRUE(CGRectIsNull(circle));
+    EXPECT_TRUE(CGRectEqualToRect(rect, letters[1] == 'R' ? bounds : CGRectNull));
+    EXPECT_TRUE(letters[3] != '-' || rects == 99);
+    EXPECT_EQ(_CGPathICantBelieveItsNotACircle(p, nullptr), letters[0] == 'O');
+    EXPECT_EQ(CGPathIsRect(p, nullptr), letters[1] == 'R');
     return letters;
 }
 
@@ -114,29 +151,24 @@ TEST(CGPathRecogniser, KnowsTheShapesOfEveryBuilder) {
         {"stroke of a line", strokedLine(kCGLineCapButt), ".RL1CS"},
         {"stroke with round caps", strokedLine(kCGLineCapRound), "..!-C."},
         {"dashes", dashed(), "..L0.S"},
-        {"ellipse", disc(), "O..-C."},
+        {"ellipse", ellipse(kBox), "O..-C."},
         {"created ellipse", mutableCopy(cf::adopt(CGPathCreateWithEllipseInRect(kBox, nullptr))),
          "O..-C."},
         {"rounded to the full",
          built([](auto p) { CGPathAddRoundedRect(p, nullptr, kBox, 10, 10); }), "...-C."},
-        {"arc", built([](auto p) { CGPathAddArc(p, nullptr, 5, 7, 10, 0, kTurn, false); }),
-         "O..-.."},
-        {"arc from an eighth",
-         built([](auto p) { CGPathAddArc(p, nullptr, 5, 7, 10, kTurn / 8, kTurn * 9 / 8, false); }),
-         "O..-C."},
+        {"arc", arc(0, kTurn), "O..-.."},
+        {"arc from an eighth", arc(kTurn / 8, kTurn * 9 / 8), "O..-C."},
         {"relative arc",
          built([](auto p) { CGPathAddRelativeArc(p, nullptr, 5, 7, 10, 0, kTurn); }), "O..-.."},
-        {"eight quadratics", eightQuads(), "O..-.."},
-        {"circle turned", turned(disc()), "O..-C."},
-        {"circle reversed", cf::adopt(_CGPathCreateReversedPath(disc().get())), "O..-C."},
-        {"circle through a buffer", throughBuffer(disc()), "O..-C."},
+        {"eight quadratics", quads(8), "O..-.."},
+        {"circle turned", turned(ellipse(kBox)), "O..-C."},
+        {"circle reversed", cf::adopt(_CGPathCreateReversedPath(ellipse(kBox).get())), "O..-C."},
+        {"circle through a buffer", throughBuffer(ellipse(kBox)), "O..-C."},
         {"circle blended with itself",
-         mutableCopy(cf::adopt(_CGPathCreateBlendedPath(disc().get(), disc().get(), 0.5f))),
+         mutableCopy(
+             cf::adopt(_CGPathCreateBlendedPath(ellipse(kBox).get(), ellipse(kBox).get(), 0.5f))),
          "O..-C."},
-        {"flat ellipse", built([](auto p) {
-             CGPathAddEllipseInRect(p, nullptr, {{0, 0}, {4, 2}});
-         }),
-         "...-C."},
+        {"flat ellipse", ellipse({{0, 0}, {4, 2}}), "...-C."},
         {"tangent arc", built([](auto p) {
              CGPathMoveToPoint(p, nullptr, 0, 0);
              CGPathAddArcToPoint(p, nullptr, 8, 0, 8, 8, 2);
@@ -147,6 +179,39 @@ TEST(CGPathRecogniser, KnowsTheShapesOfEveryBuilder) {
         {"the same, closed twice",
          makeLines({{2, 0}, {4, 0}, {4, 2}, {4, 2}, {0, 2}, {0, 0}, {1, 0}, {2, 0}}), "..L1CS"},
         {"rect with an ear", makeLines({{0, 0}, {6, 0}, {4, 0}, {4, 2}, {0, 2}, {0, 0}}), "..L-CS"},
+        {"drawn from right to left", makeRect({{4, 2}, {-4, -2}}), ".RL1.S"},
+        {"open", makeLines({{0, 0}, {4, 0}, {4, 2}, {0, 2}}), ".RL1.S"},
+        {"side by side", rects({{0, 0}, {4, 2}}, {{4, 0}, {4, 2}}), "..L2.S"},
+        {"overlapping", rects({{0, 0}, {4, 2}}, {{3, 1}, {4, 2}}), "..L-.S"},
+        {"one in another", rects({{0, 0}, {9, 9}}, {{3, 3}, {2, 2}}), "..L-.S"},
+        {"flat", makeRect({{0, 0}, {4, 0}}), "..L0CS"},
+        {"line", makeLines({{0, 0}, {4, 0}}), "..L0.S"},
+        {"two sides of a triangle", makeLines({{0, 0}, {4, 0}, {4, 2}}), "..L-.S"},
+        {"notch", makeLines({{0, 0}, {4, 0}, {4, 2}, {2, 2}, {2, 1}, {0, 1}}), "..L-.S"},
+        {"turned a little", rotated(0.01f), "...-.."},
+        {"not finite", endless(), "..L-.."},
+        {"circle, closed", arc(0, kTurn, false, CGPathCloseSubpath), "O..-.."},
+        {"circle, clockwise", arc(0, -kTurn, true), "O..-.."},
+        {"circle and a contour",
+         arc(0, kTurn, false,
+             [](auto p) {
+                 CGPathAddRect(p, nullptr, {{1, 1}, {1, 1}});
+             }),
+         "...-.."},
+        {"circle and a line",
+         arc(0, kTurn, false, [](auto p) { CGPathAddLineToPoint(p, nullptr, 15, 7); }), "...-C."},
+        {"cubics and a quadratic",
+         arc(0, kTurn * 3 / 4, false,
+             [](auto p) { CGPathAddQuadCurveToPoint(p, nullptr, 15, -3, 15, 7); }),
+         "...-C."},
+        {"three quarters", arc(0, kTurn * 3 / 4), "...-.."},
+        {"five quarters", arc(0, kTurn * 5 / 4), "...-.."},
+        {"five unequal pieces", arc(0, kTurn + 0.1f), "...-.."},
+        {"seven quadratics", quads(7), "...-.."},
+        {"nine quadratics", quads(9), "...-.."},
+        {"an oval of Skia's", skiasOval(), "O.!-C."},
+        {"an ellipse without size", ellipse({{3, 3}, {0, 0}}), "...-C."},
+        {"an ellipse of NaN", ellipse({{kNaN, 3}, {4, 4}}), "...-.."},
         {"slope", makeLines({{0, 0}, {4, 1}}), "...0.."},
         {"straight quadratic", built([](auto p) {
              CGPathMoveToPoint(p, nullptr, 0, 0);
@@ -159,6 +224,7 @@ TEST(CGPathRecogniser, KnowsTheShapesOfEveryBuilder) {
     };
     for (const auto& [what, path, expected] : cases)
         EXPECT_EQ(answers(path), expected) << what << ": " << text(path);
+    EXPECT_FALSE(_CGPathIsRectilinear(nullptr));
 }
 
 // The path with one of its points moved. Points are numbered as they are stored.
@@ -200,9 +266,9 @@ TEST(CGPathRecogniser, ToleratesCirclesWithAPointALittleOff) {
         const char* what;
         MutablePath path;
     } cases[] = {
-        {"arc", built([](auto p) { CGPathAddArc(p, nullptr, 5, 7, 10, 0, kTurn, false); })},
-        {"ellipse", disc()},
-        {"eight quadratics", eightQuads()},
+        {"arc", arc(0, kTurn)},
+        {"ellipse", ellipse(kBox)},
+        {"eight quadratics", quads(8)},
     };
     for (const auto& [what, path] : cases)
         for (int point = 0; point < native(path.get()).countPoints(); ++point)
@@ -215,9 +281,7 @@ TEST(CGPathRecogniser, ToleratesCirclesWithAPointALittleOff) {
                 EXPECT_FALSE(isCircle(0.2f)) << what << " point " << point;
             }
     for (const float stretch : {1.009f, 1.011f}) {
-        const MutablePath oval = built([=](auto p) {
-            CGPathAddEllipseInRect(p, nullptr, {{0, 0}, {10, 10 * stretch}});
-        });
+        const MutablePath oval = ellipse({{0, 0}, {10, 10 * stretch}});
         EXPECT_EQ(_CGPathICantBelieveItsNotACircle(oval.get(), nullptr), stretch < 1.01f);
     }
 }
