@@ -20,8 +20,8 @@ public:
         return member;
     }
     void join(std::size_t a, std::size_t b) {
-        const auto [first, second] = std::minmax(find(a), find(b));
-        parents_[second] = first;
+        const std::size_t first = find(a), second = find(b);
+        parents_[std::max(first, second)] = std::min(first, second);
     }
 
 private:
