@@ -15,6 +15,10 @@ namespace fm {
 
 namespace {
 
+// FreeType rounds the extremes of curves to whole numbers: in 64ths of a unit, next to nothing.
+constexpr int kFractionBits = 6;
+constexpr CGFloat kUnitsPerStep = 1.0f / (1 << kFractionBits);
+
 CGRect rect(const FT_BBox& box, float scale) {
     const auto x = static_cast<float>(box.xMin), y = static_cast<float>(box.yMin);
     const float width = static_cast<float>(box.xMax) - x;

@@ -2,92 +2,99 @@
 
 #include "Face/GlyphOutline.h"
 
-#include FT_OUTLINE_H
+#include <algorithm>
 
 namespace fm {
 
 namespace {
 
-CGPoint point(const FT_Vector& vector) {
-    return {static_cast<CGFloat>(vector.x) * kUnitsPerStep,
-            static_cast<CGFloat>(vector.y) * kUnitsPerStep};
+CGPoint midpoint(CGPoint a, CGPoint b) {
+    return {(a.x + b.x) * 0.5f, (a.y + b.y) * 0.5f};
 }
 
-// FreeType ends each contour with a line back to its start. Closing draws that line, so that it is
-// held back until something else follows it.
-class PathBuilder {
-public:
-    explicit PathBuilder(CGMutablePathRef path) : path_(path) {}
+bool isSame(CGPoint a, CGPoint b) {
+    return a.x == b.x && a.y == b.y;
+}
 
-    void moveTo(const FT_Vector& to) {
-        close();
-        start_ = point(to);
-        isOpen_ = true;
-        CGPathMoveToPoint(path_, nullptr, start_.x, start_.y);
-    }
-    void lineTo(const FT_Vector& to) {
-        addPendingLine();
-        pendingLine_ = point(to);
-        hasPendingLine_ = true;
-    }
-    void quadTo(const FT_Vector& control, const FT_Vector& to) {
-        addPendingLine();
-        const CGPoint c = point(control), end = point(to);
-        CGPathAddQuadCurveToPoint(path_, nullptr, c.x, c.y, end.x, end.y);
-    }
-    void cubicTo(const FT_Vector& control1, const FT_Vector& control2, const FT_Vector& to) {
-        addPendingLine();
-        const CGPoint c1 = point(control1), c2 = point(control2), end = point(to);
-        CGPathAddCurveToPoint(path_, nullptr, c1.x, c1.y, c2.x, c2.y, end.x, end.y);
-    }
-    void close() {
-        if (!isOpen_)
-            return;
-        if (hasPendingLine_ && (pendingLine_.x != start_.x || pendingLine_.y != start_.y))
-            addPendingLine();
-        hasPendingLine_ = false;
-        CGPathCloseSubpath(path_);
-        isOpen_ = false;
+// One closed contour, walked point by point. FreeType can do that, too, but rounds the points that
+// quadratic curves leave out between two of their control points, and calls back for each element.
+class Contour {
+public:
+    Contour(const FT_Outline& outline, int first, int last)
+        : points_(outline.points), tags_(outline.tags), next_(first), last_(last) {}
+
+    // False where curves are not put together as they must be.
+    bool addTo(CGMutablePathRef path) {
+        if (!findStart())
+            return false;
+        CGPathMoveToPoint(path, nullptr, start_.x, start_.y);
+        bool isSound = true;
+        while (isSound && next_ <= last_)
+            isSound = addElement(path);
+        CGPathCloseSubpath(path);
+        return isSound;
     }
 
 private:
-    void addPendingLine() {
-        if (hasPendingLine_)
-            CGPathAddLineToPoint(path_, nullptr, pendingLine_.x, pendingLine_.y);
-        hasPendingLine_ = false;
+    int kind(int index) const { return FT_CURVE_TAG(tags_[index]); }
+    CGPoint point(int index) const {
+        return {static_cast<CGFloat>(points_[index].x), static_cast<CGFloat>(points_[index].y)};
     }
 
-    CGMutablePathRef path_;
-    CGPoint start_ = {};
-    CGPoint pendingLine_ = {};
-    bool hasPendingLine_ = false;
-    bool isOpen_ = false;
-};
+    // Contours may begin with a control point: then they start where they end.
+    bool findStart() {
+        if (kind(next_) == FT_CURVE_TAG_ON)
+            start_ = point(next_++);
+        else if (kind(next_) == FT_CURVE_TAG_CONIC && kind(last_) == FT_CURVE_TAG_ON)
+            start_ = point(last_--);
+        else if (kind(next_) == FT_CURVE_TAG_CONIC)
+            start_ = midpoint(point(next_), point(last_));
+        else
+            return false;
+        return true;
+    }
 
-constexpr FT_Outline_Funcs kPathFunctions = {
-    .move_to =
-        [](const FT_Vector* to, void* builder) {
-            static_cast<PathBuilder*>(builder)->moveTo(*to);
-            return 0;
-        },
-    .line_to =
-        [](const FT_Vector* to, void* builder) {
-            static_cast<PathBuilder*>(builder)->lineTo(*to);
-            return 0;
-        },
-    .conic_to =
-        [](const FT_Vector* control, const FT_Vector* to, void* builder) {
-            static_cast<PathBuilder*>(builder)->quadTo(*control, *to);
-            return 0;
-        },
-    .cubic_to =
-        [](const FT_Vector* control1, const FT_Vector* control2, const FT_Vector* to,
-           void* builder) {
-            static_cast<PathBuilder*>(builder)->cubicTo(*control1, *control2, *to);
-            return 0;
-        },
-    .shift = kFractionBits,
-    .delta = 0,
+    bool addElement(CGMutablePathRef path) {
+        const int element = kind(next_);
+        if (element == FT_CURVE_TAG_CONIC)
+            return addQuad(path);
+        if (element == FT_CURVE_TAG_CUBIC)
+            return addCubic(path);
+        // Closing draws the last line.
+        const CGPoint end = point(next_++);
+        if (next_ <= last_ || !isSame(end, start_))
+            CGPathAddLineToPoint(path, nullptr, end.x, end.y);
+        return true;
+    }
+
+    bool addQuad(CGMutablePathRef path) {
+        const CGPoint control = point(next_++);
+        CGPoint end = start_;
+        if (next_ <= last_) {
+            const int following = kind(next_);
+            if (following == FT_CURVE_TAG_CUBIC)
+                return false;
+            end = following == FT_CURVE_TAG_ON ? point(next_++) : midpoint(control, point(next_));
+        }
+        CGPathAddQuadCurveToPoint(path, nullptr, control.x, control.y, end.x, end.y);
+        return true;
+    }
+
+    bool addCubic(CGMutablePathRef path) {
+        if (next_ + 1 > last_ || kind(next_ + 1) != FT_CURVE_TAG_CUBIC)
+            return false;
+        const CGPoint first = point(next_), second = point(next_ + 1);
+        const CGPoint end = next_ + 2 <= last_ ? point(next_ + 2) : start_;
+        next_ += 3;
+        CGPathAddCurveToPoint(path, nullptr, first.x, first.y, second.x, second.y, end.x, end.y);
+        return true;
+    }
+
+    const FT_Vector* points_;
+    const char* tags_;
+    CGPoint start_ = {};
+    int next_;
+    int last_;
 };
 
 } // namespace
@@ -105,11 +112,14 @@ cf::Ref<CGPathRef> copyOutline(FT_Face face, CGGlyph glyph) {
     if (!path)
         return nullptr;
     auto owned = cf::adopt<CGPathRef>(path);
-    PathBuilder builder(path);
-    FT_Outline copy = *outline;
-    if (FT_Outline_Decompose(&copy, &kPathFunctions, &builder))
-        return nullptr;
-    builder.close();
+    int first = 0;
+    for (int i = 0; i < outline->n_contours; ++i) {
+        const int last = outline->contours[i];
+        if (last >= outline->n_points ||
+            (last >= first && !Contour(*outline, first, last).addTo(path)))
+            return nullptr;
+        first = std::max(first, last + 1);
+    }
     return owned;
 }
 

@@ -9,11 +9,6 @@
 
 namespace fm {
 
-// Between two control points of a quadratic curve lies a point that the font leaves out: FreeType
-// rounds it, and the extremes of curves, to whole numbers. In 64ths of a unit they are exact.
-constexpr int kFractionBits = 6;
-constexpr CGFloat kUnitsPerStep = 1.0f / (1 << kFractionBits);
-
 // Loads a glyph into the face's slot in whole font units, as the designer drew it. Nothing for a
 // glyph that is not made of an outline, or that the face lacks.
 const FT_Outline* loadOutline(FT_Face face, CGGlyph glyph);
