@@ -185,13 +185,14 @@ bool GlyphCache::takeOutUnused(Place& place, Removed& removed) {
 
 // A free place, or one that is made free. NULL when the key's record is there already.
 GlyphCache::Place* GlyphCache::placeFor(const GlyphRecord& record, Removed& removed) {
-    Bucket& bucket = bucketOf(record.key.hash());
+    const std::uint64_t hash = record.key.hash();
+    Bucket& bucket = bucketOf(hash);
     Place* free = nullptr;
     for (Place& place : bucket.places) {
-        const GlyphRecord* const other = recordIn(place.load(std::memory_order_relaxed));
-        if (!other)
+        const std::uint64_t word = place.load(std::memory_order_relaxed);
+        if (!recordIn(word))
             free = &place;
-        else if (other->key == record.key)
+        else if (tagIn(word) == tagOf(hash) && recordIn(word)->key == record.key)
             return nullptr;
     }
     if (free)

@@ -34,9 +34,11 @@ std::uint8_t placeInPixel(CGFloat position, FMGlyphOptions options) {
 // What of a transform belongs to the size, so that outlines are rounded to fractions of the pixels
 // that they are drawn in. Turns and slants have none; where one axis is drawn out it is that one's.
 double scaleOf(const CGAffineTransform& m) {
-    const double longest =
-        std::max(std::hypot(double{m.a}, double{m.b}), std::hypot(double{m.c}, double{m.d}));
-    const double mean = std::sqrt(std::abs(double{m.a} * m.d - double{m.b} * m.c));
+    const double a = m.a, b = m.b, c = m.c, d = m.d;
+    if (b == 0 && c == 0 && a == d)
+        return std::abs(a);
+    const double longest = std::sqrt(std::max(a * a + b * b, c * c + d * d));
+    const double mean = std::sqrt(std::abs(a * d - b * c));
     return longest <= 2 * mean ? mean : longest;
 }
 

@@ -98,11 +98,19 @@ hb_position_t horizontalAdvance(hb_font_t*, void* font, hb_codepoint_t glyph, vo
     return position(found.width);
 }
 
+// A glyph that is missing from a font of bitmaps has no box, which is not an empty one: marks are
+// then not placed by it.
+bool isMissing(FMFontRef font, CGRect box) {
+    const fm::FaceUse use(font);
+    return CGRectIsEmpty(box) && (!use || !FT_IS_SCALABLE(use.face()));
+}
+
 hb_bool_t glyphExtents(hb_font_t*, void* font, hb_codepoint_t glyph, hb_glyph_extents_t* extents,
                        void*) {
     const CGGlyph asked = glyphOf(glyph);
     CGRect box = CGRectZero;
-    if (!FMFontGetBoundingRectsForGlyphs(fontOf(font), &asked, &box, 1))
+    if (!FMFontGetBoundingRectsForGlyphs(fontOf(font), &asked, &box, 1) ||
+        isMissing(fontOf(font), box))
         return false;
     extents->x_bearing = position(CGRectGetMinX(box));
     extents->y_bearing = position(CGRectGetMaxY(box));
