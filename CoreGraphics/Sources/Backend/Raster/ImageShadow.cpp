@@ -122,6 +122,19 @@ void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& imag
     });
 }
 
+namespace {
+
+// A mark's own paint, as if it were opaque, on a surface that is moved by `shift`.
+SkPaint coverageOf(const SkPaint& mark, SkVector shift) {
+    SkPaint opaque = mark;
+    opaque.setAlpha(0xFF);
+    opaque.setBlendMode(SkBlendMode::kSrcOver);
+    opaque.setShader(shifted(mark.refShader(), shift));
+    return opaque;
+}
+
+} // namespace
+
 void drawPathShadow(Surface& surface, int deviceHeight, const SkPath& devicePath,
                     const SkPaint& mark, const ShadowCast& shadow) {
     SkRect storage;
@@ -133,11 +146,20 @@ void drawPathShadow(Surface& surface, int deviceHeight, const SkPath& devicePath
     if (area.isEmpty())
         return;
     filterMask(surface, deviceHeight, area, shadow.paint, [&](Surface& shape, SkVector shift) {
-        SkPaint opaque = mark;
-        opaque.setAlpha(0xFF);
-        opaque.setBlendMode(SkBlendMode::kSrcOver);
-        opaque.setShader(shifted(mark.refShader(), shift + offset));
-        shape.drawPath(devicePath, opaque, offset);
+        shape.drawPath(devicePath, coverageOf(mark, shift + offset), offset);
+    });
+}
+
+void drawGlyphsShadow(Surface& surface, int deviceHeight, const PlacedGlyphs& glyphs,
+                      const SkPaint& mark, const ShadowCast& shadow) {
+    const SkVector offset = inPixels(shadow.offset);
+    SkRect bounds = surface.boundsOf(glyphs, mark);
+    bounds.offset(offset);
+    const SkIRect area = coveredArea(surface, &bounds, shadow.sigma);
+    if (area.isEmpty())
+        return;
+    filterMask(surface, deviceHeight, area, shadow.paint, [&](Surface& shape, SkVector shift) {
+        shape.drawGlyphs(glyphs, coverageOf(mark, shift + offset), offset);
     });
 }
 

@@ -26,4 +26,8 @@ void drawImageShadow(Surface& surface, int deviceHeight, const PlacedImage& imag
 void drawPathShadow(Surface& surface, int deviceHeight, const SkPath& devicePath,
                     const SkPaint& mark, const ShadowCast& shadow);
 
+// The blurred shape of glyphs under a paint, one shadow for all of them.
+void drawGlyphsShadow(Surface& surface, int deviceHeight, const PlacedGlyphs& glyphs,
+                      const SkPaint& mark, const ShadowCast& shadow);
+
 } // namespace cg

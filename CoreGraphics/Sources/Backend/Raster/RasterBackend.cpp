@@ -147,6 +147,12 @@ constexpr XGContextCallbacks kCallbacks = {
                     void* info) { backend(info).drawImage(state, flags, rect, image); },
     .drawLayer = [](XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer,
                     void* info) { backend(info).drawLayer(state, flags, rect, layer); },
+    .drawSprites =
+        [](XGGStateRef state, uint32_t flags, CGFontRef font, const void* glyphs,
+           const CGPoint* positions, size_t count, void* info) {
+            backend(info).drawSprites(state, flags, font, static_cast<const CGGlyph*>(glyphs),
+                                      positions, count);
+        },
     .beginTransparencyLayer =
         [](XGGStateRef state, uint32_t flags, void* info) {
             backend(info).beginTransparencyLayer(state, flags);

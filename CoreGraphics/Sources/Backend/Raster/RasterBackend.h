@@ -29,6 +29,8 @@ public:
     void drawShading(XGGStateRef state, uint32_t flags, CGShadingRef shading);
     void drawImage(XGGStateRef state, uint32_t flags, CGRect rect, CGImageRef image);
     void drawLayer(XGGStateRef state, uint32_t flags, CGRect rect, CGLayerRef layer);
+    void drawSprites(XGGStateRef state, uint32_t flags, CGFontRef font, const CGGlyph* glyphs,
+                     const CGPoint* positions, size_t count);
     // Patterns lie in the space that this maps to device space, if it is ever called: that of the
     // pattern whose cell the bitmap is.
     void setPatternBase(const CGAffineTransform& toDevice) { patternBase_ = toDevice; }

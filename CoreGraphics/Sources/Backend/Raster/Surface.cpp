@@ -312,6 +312,56 @@ void Surface::drawMask(const SkMask& mask, const SkPaint& paint) {
     });
 }
 
+// ---- Glyphs
+
+// Stripes of colour can be told apart where nothing will show through the pixels, and by Skia in
+// its own format.
+GlyphStyle Surface::styleOf(const PlacedGlyphs& glyphs, const SkPaint& paint,
+                            SkVector offset) const {
+    const bool hasStripes = pixels_.colorType() == kN32_SkColorType &&
+                            pixels_.info().isOpaque() && paint.isSrcOver();
+    GlyphStyle style = {
+        .font = glyphs.font,
+        .glyphsToPixels = SkMatrix::Concat(deviceToPixels_, glyphs.glyphsToDevice),
+        .positionsToPixels = SkMatrix::Concat(deviceToPixels_, glyphs.positionsToDevice),
+        .props = SkSurfaceProps(0, hasStripes ? kRGB_H_SkPixelGeometry : kUnknown_SkPixelGeometry)};
+    style.glyphsToPixels.setTranslateX(0).setTranslateY(0);
+    style.positionsToPixels.postTranslate(offset.x(), offset.y());
+    return style;
+}
+
+void Surface::drawGlyphs(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVector offset) {
+    const GlyphStyle style = styleOf(glyphs, paint, offset);
+    if (clip_.isEmpty() || paint.nothingToDraw() || !style.glyphsToPixels.isFinite() ||
+        !style.positionsToPixels.isFinite())
+        return;
+    const bool isInParts = lender_ || !isWithinReach(clip_.getBounds());
+    GlyphRun run(style, paint);
+    for (std::size_t first = 0; first < glyphs.glyphs.size(); first += GlyphRun::kMostGlyphs) {
+        const std::size_t count = std::min(GlyphRun::kMostGlyphs, glyphs.glyphs.size() - first);
+        run.place(glyphs.glyphs.subspan(first, count), glyphs.positions.subspan(first, count));
+        if (run.isEmpty())
+            continue;
+        const SkRect bounds = isInParts ? run.bounds() : SkRect::MakeEmpty();
+        draw({SkMatrix::I(), paint, isInParts ? &bounds : nullptr},
+             [&](const SkDraw& target) { run.draw(target, paint); });
+    }
+}
+
+SkRect Surface::boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint) const {
+    const GlyphStyle style = styleOf(glyphs, paint, {0, 0});
+    SkRect bounds = SkRect::MakeEmpty();
+    if (!style.glyphsToPixels.isFinite() || !style.positionsToPixels.isFinite())
+        return bounds;
+    GlyphRun run(style, paint);
+    for (std::size_t first = 0; first < glyphs.glyphs.size(); first += GlyphRun::kMostGlyphs) {
+        const std::size_t count = std::min(GlyphRun::kMostGlyphs, glyphs.glyphs.size() - first);
+        run.place(glyphs.glyphs.subspan(first, count), glyphs.positions.subspan(first, count));
+        bounds.join(run.bounds());
+    }
+    return bounds;
+}
+
 void Surface::drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint) {
     SkBitmap bitmap;
     if (clip_.isEmpty() || !bitmap.installPixels(source))

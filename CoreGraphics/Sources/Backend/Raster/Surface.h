@@ -1,6 +1,7 @@
 // Surface.h: pixels, and the clip and transform through which marks reach them.
 #pragma once
 
+#include "Backend/Raster/GlyphRun.h"
 #include "Backend/Raster/PixelLender.h"
 #include "include/core/SkBitmap.h"
 #include "include/core/SkMatrix.h"
@@ -33,6 +34,16 @@ struct PlacedImage {
     SkMatrix pixelsToRect() const {
         return SkMatrix::RectToRect(SkRect::Make(pixels.dimensions()), rect);
     }
+};
+
+// Glyphs and where they go, in spaces whose way to device space is given: the font's own at its
+// size, y downwards, and that of the positions.
+struct PlacedGlyphs {
+    SkFont font;
+    SkMatrix glyphsToDevice; // Linear.
+    SkMatrix positionsToDevice;
+    std::span<const CGGlyph> glyphs;
+    std::span<const CGPoint> positions; // As many.
 };
 
 // Draws with Skia's rasteriser directly. A canvas in front of it would cost more than the pixels of
@@ -88,6 +99,10 @@ public:
     // The paint's colour through a mask over rows and columns of these pixels, which the paint's
     // mask filter may change before.
     void drawMask(const SkMask& mask, const SkPaint& paint);
+    // The paint's colour through glyphs, moved by `offset` pixels; pictures keep their own colours.
+    void drawGlyphs(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVector offset = {0, 0});
+    // The columns and rows that those cover.
+    SkRect boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint) const;
     // Puts other pixels' upper left corner at a column and row of these.
     void drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint);
 
@@ -109,6 +124,7 @@ private:
     SkIRect touched(const Mark& mark) const;
     bool lenderFills(const SkRect& pixelRect, const SkPaint& paint);
     bool clipsSmoothly(Antialias wanted) const;
+    GlyphStyle styleOf(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVector offset) const;
 
     SkPixmap pixels_;
     std::unique_ptr<PixelLender> lender_; // NULL where the pixels are at hand.

@@ -47,6 +47,9 @@ struct StateValues {
     CGFloat fontSize = 0;
     CGFloat characterSpacing = 0;
     CGTextDrawingMode textDrawingMode = kCGTextFill;
+    CGTextEncoding textEncoding = kCGEncodingFontSpecific; // Of bytes that are shown as text.
+    // While glyphs are drawn: how they lie in user space; linear. Belongs to the context otherwise.
+    CGAffineTransform textMatrix = kIdentity;
     CGFloat flatness = 0;
     // Deliberate: other systems start from a limit of 10, drawings made for this one from 4.
     CGFloat miterLimit = 4;
