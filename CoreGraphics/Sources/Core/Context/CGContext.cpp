@@ -15,8 +15,7 @@
 
 namespace {
 
-// Read where glyphs are rasterised.
-bool disablesFontAntialiasing = false;
+bool fontAntialiasingIsDisabled = false;
 
 constexpr cg::OptionTexts kFontAntialiasingOption = {
     .name = "NIMBRA_DISABLE_FONT_ANTIALIASING",
@@ -46,9 +45,13 @@ constexpr CFRuntimeClass kContextClass = {
 
 } // namespace
 
+bool cg::disablesFontAntialiasing() {
+    return fontAntialiasingIsDisabled;
+}
+
 CFTypeID CGContextGetTypeID(void) {
     static const CFTypeID id = [] {
-        cg::registerOption(kFontAntialiasingOption, disablesFontAntialiasing);
+        cg::registerOption(kFontAntialiasingOption, fontAntialiasingIsDisabled);
         return _CFRuntimeRegisterClass(&kContextClass);
     }();
     return id;

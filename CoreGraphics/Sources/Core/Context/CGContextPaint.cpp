@@ -134,6 +134,14 @@ void paintShape(CGContextRef context, CGPathDrawingMode mode, Build build) {
 
 } // namespace
 
+void cg::drawStroke(CGContext& context, const DeviceStroke& stroke, uint32_t passFlags) {
+    const XGGStateRef state = context.state.get();
+    const bool isLine = stroke.form == StrokeForm::Line;
+    const LineWidthScope scope(state, isLine ? stroke.width : XGGStateGetLineWidth(state));
+    if (context.callbacks.drawPath)
+        drawPass(context, {.stroke = stroke}, passFlags);
+}
+
 void CGContextDrawPath(CGContextRef context, CGPathDrawingMode mode) {
     paintCurrentPath(context, mode, cg::Passes::ShadowAndMark);
 }
@@ -156,6 +164,7 @@ void CGContextStrokePath(CGContextRef context) {
 namespace {
 
 void fillRects(CGContext& context, const CGRect* rects, size_t count) {
+    context.textClip.end();
     if (context.queue) {
         if (cg::recordRects(context, rects, count))
             return;

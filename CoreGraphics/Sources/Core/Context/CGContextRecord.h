@@ -10,6 +10,7 @@
 #include <CoreGraphics/CGPath.h>
 
 #include "Core/Context/RecentColors.h"
+#include "Core/Context/TextMarks.h"
 #include "Core/State/StateReuse.h"
 #include "Core/State/XGGStateRecord.h"
 
@@ -26,6 +27,7 @@ struct CGContext {
     // Saves for which there was no memory, and those inside them: as many restores do nothing.
     size_t failedSaves = 0;
     CGAffineTransform textMatrix = {1, 0, 0, 1, 0, 0};
+    cg::TextClip textClip; // Of the glyphs shown last, while nothing else was drawn.
     void* info = nullptr;
     CGFloat sizeInPoints[3] = {};
     XGContextCallbacks callbacks = {};
@@ -54,9 +56,13 @@ enum class Passes { ShadowAndMark, ShadowAlone };
 
 // Lets the destination get ready for marks.
 inline void prepare(CGContext& context) {
+    context.textClip.end();
     if (context.callbacks.prepare)
         context.callbacks.prepare(&context);
 }
+
+// Whether glyphs have hard edges, whatever contexts allow and ask for.
+bool disablesFontAntialiasing();
 
 // The current path, begun if there is none; NULL when memory runs out.
 CGMutablePathRef currentPath(CGContextRef context);

@@ -46,4 +46,7 @@ DeviceStroke deviceStroke(XGGStateRef state, CGPathRef path);
 // The same, always as an outline.
 cf::Ref<CGPathRef> strokedOutline(XGGStateRef state, CGPathRef path);
 
+// Draws a stroke with the state's stroke paint, as the pass that the flags name.
+void drawStroke(CGContext& context, const DeviceStroke& stroke, uint32_t passFlags);
+
 } // namespace cg

@@ -14,6 +14,7 @@ using Hold = std::lock_guard<fm::RecursiveMutex>;
 
 FMFont::~FMFont() {
     fm::closeFace(*this);
+    delete attachment.load(std::memory_order_relaxed);
 }
 
 // ---- Opening and closing

@@ -11,6 +11,7 @@
 
 #include "Face/FaceCache.h"
 #include "Font/FaceOpener.h"
+#include "Font/FontSource.h"
 #include "Font/Locks.h"
 
 #include <atomic>
@@ -95,6 +96,7 @@ struct FMFont {
     // it goes.
     std::atomic<FMLibraryRef> library{nullptr};
     std::atomic<FT_Face> face{nullptr};
+    std::atomic<fm::Attachment*> attachment{nullptr}; // Owned.
 
     fm::RecursiveMutex mutex;
     FMFontMetrics metrics{};

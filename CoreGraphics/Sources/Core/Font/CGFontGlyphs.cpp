@@ -1,0 +1,95 @@
+// CGFontGlyphs.cpp: glyphs of characters, their measures and their outlines.
+
+#include "XGFont.h"
+#include <CoreGraphics/CGFont.h>
+#include <FontManager/FMFontGlyphs.h>
+
+#include "Core/Font/CGFontRecord.h"
+#include "Core/Object/Saturate.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Advances are asked for in portions that need no memory.
+constexpr size_t kPortion = 128;
+
+// Calls `store(index, advance)` for each glyph; false when the font cannot tell.
+template <typename Store>
+bool forEachAdvance(CGFontRef font, const CGGlyph* glyphs, size_t count, Store store) {
+    std::array<CGSize, kPortion> portion;
+    for (size_t first = 0; first < count; first += kPortion) {
+        const size_t many = std::min(kPortion, count - first);
+        if (!FMFontGetAdvancesForGlyphs(font->font.get(), glyphs + first, portion.data(), many))
+            return false;
+        for (size_t index = 0; index < many; ++index)
+            store(first + index, portion[index]);
+    }
+    return true;
+}
+
+} // namespace
+
+bool CGFontGetGlyphsForUnichars(CGFontRef font, const UniChar* characters, CGGlyph* glyphs,
+                                size_t count) {
+    return FMFontGetGlyphsForCharactersBijectively(XGFontGetFMFont(font), characters, glyphs,
+                                                   count);
+}
+
+bool CGFontGetGlyphBBoxes(CGFontRef font, const CGGlyph* glyphs, size_t count, CGRect* boxes) {
+    return font && glyphs && boxes && count > 0 &&
+           FMFontGetBoundingRectsForGlyphs(font->font.get(), glyphs, boxes, count);
+}
+
+bool CGFontGetGlyphAdvances(CGFontRef font, const CGGlyph* glyphs, size_t count, int* advances) {
+    return font && glyphs && advances && count > 0 &&
+           forEachAdvance(font, glyphs, count, [&](size_t index, CGSize advance) {
+               advances[index] = cg::saturate<int>(advance.width);
+           });
+}
+
+bool CGFontGetGlyphAdvancesForStyle(CGFontRef font, const CGAffineTransform* transform, int,
+                                    const CGGlyph* glyphs, size_t count, CGSize* advances) {
+    if (!font || !glyphs || !advances || count == 0)
+        return false;
+    const CGAffineTransform matrix = transform ? *transform : CGAffineTransformIdentity;
+    const auto unitsPerEm = static_cast<CGFloat>(std::max(CGFontGetUnitsPerEm(font), 1));
+    return forEachAdvance(font, glyphs, count, [&](size_t index, CGSize advance) {
+        const CGSize mapped = CGSizeApplyAffineTransform(advance, matrix);
+        advances[index] = CGSizeMake(mapped.width / unitsPerEm, mapped.height / unitsPerEm);
+    });
+}
+
+// ---- Outlines
+
+CGPathRef XGFontCreateGlyphPath(CGFontRef font, const CGAffineTransform* transform, CGGlyph glyph) {
+    auto path =
+        cf::adopt(font && glyph != 0 ? FMFontCopyPathForGlyph(font->font.get(), glyph) : nullptr);
+    if (path && transform && !CGAffineTransformIsIdentity(*transform))
+        path = cf::adopt(CGPathCreateCopyByTransformingPath(path.get(), transform));
+    return path.release();
+}
+
+CGPathRef XGFontCreateGlyphPathAndInfo(CGFontRef font, const CGAffineTransform* transform,
+                                       CGGlyph glyph, int32_t* info, CGFloat* advance,
+                                       CGFloat fontSize) {
+    const int unitsPerEm = CGFontGetUnitsPerEm(font);
+    if (!(fontSize > 0) || unitsPerEm <= 0)
+        return nullptr;
+    const CGFloat scale = fontSize / static_cast<CGFloat>(unitsPerEm);
+    CGAffineTransform matrix = CGAffineTransformMakeScale(scale, scale);
+    if (transform)
+        matrix = CGAffineTransformConcat(matrix, *transform);
+    auto path = cf::adopt(XGFontCreateGlyphPath(font, &matrix, glyph));
+    CGRect box;
+    CGSize size;
+    if (!path || CGPathIsEmpty(path.get()) || !CGFontGetGlyphBBoxes(font, &glyph, 1, &box) ||
+        !FMFontGetAdvancesForGlyphs(font->font.get(), &glyph, &size, 1))
+        return nullptr;
+    if (info)
+        *info = cg::saturate<int32_t>(box.origin.x);
+    if (advance)
+        *advance = size.width * scale;
+    return path.release();
+}
