@@ -365,13 +365,21 @@ CG_EXPORT void CGContextBeginTransparencyLayerWithRect(CGContextRef context, CGR
                                                        CFDictionaryRef auxiliaryInfo);
 CG_EXPORT void CGContextEndTransparencyLayer(CGContextRef context);
 
-/* ---- Text state ---------------------------------------------------------------------------- */
+/* ---- Text ---------------------------------------------------------------------------------- */
 
 CG_EXPORT void CGContextSetFont(CGContextRef context, CGFontRef font);
 CG_EXPORT CGFontRef CGContextGetFont(CGContextRef context);
 /** Negative and non-finite sizes become 0. */
 CG_EXPORT void CGContextSetFontSize(CGContextRef context, CGFloat size);
+/** The size, and the font of a name in UTF-8 as CGFontCreateWithFontName finds it; where it finds
+ *  none the font stays. `encoding` is that of text shown by CGContextShowText. Nothing for a NULL or
+ *  empty name. */
+CG_EXPORT void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
+                                   CGTextEncoding encoding);
+/** What is added to each glyph's advance, in text space. */
 CG_EXPORT void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing);
+/** Modes that clip clip to the outlines of all glyphs that are shown until something else is drawn;
+ *  to nothing, where they have none. */
 CG_EXPORT void CGContextSetTextDrawingMode(CGContextRef context, CGTextDrawingMode mode);
 /** The transform from text space to user space. It is not part of the saved state. */
 CG_EXPORT void CGContextSetTextMatrix(CGContextRef context, CGAffineTransform transform);
@@ -380,6 +388,31 @@ CG_EXPORT CGAffineTransform CGContextGetTextMatrix(CGContextRef context);
 /** The translation of the text matrix: where the next glyph goes. */
 CG_EXPORT void CGContextSetTextPosition(CGContextRef context, CGFloat x, CGFloat y);
 CG_EXPORT CGPoint CGContextGetTextPosition(CGContextRef context);
+
+/* The functions below draw glyphs of the state's font at its size, under the text matrix, as the
+ * text drawing mode says: filled in the fill colour, stroked as paths are. They cast one shadow
+ * together. Pictures, such as emoji, keep their colours and have no outline to stroke or to clip to.
+ * The text position moves on by what was shown, but for CGContextShowGlyphsAtPositions. Nothing is
+ * drawn without a font or a size, nor at places that are not finite. */
+
+/** One glyph after the other from the text position, each by its advance and the character
+ *  spacing. Invisible glyphs move the position by their advances alone. */
+CG_EXPORT void CGContextShowGlyphs(CGContextRef context, const CGGlyph* glyphs, size_t count);
+/** The same from a point in user space. */
+CG_EXPORT void CGContextShowGlyphsAtPoint(CGContextRef context, CGFloat x, CGFloat y,
+                                          const CGGlyph* glyphs, size_t count);
+/** Each glyph at a position of its own, which the text matrix maps to user space. */
+CG_EXPORT void CGContextShowGlyphsAtPositions(CGContextRef context, const CGGlyph* glyphs,
+                                              const CGPoint* positions, size_t count);
+/** One glyph after the other from the text position, each by an advance in user space. */
+CG_EXPORT void CGContextShowGlyphsWithAdvances(CGContextRef context, const CGGlyph* glyphs,
+                                               const CGSize* advances, size_t count);
+/** `length` bytes in Mac Roman, or in the font's own encoding, as CGContextSelectFont was told: as
+ *  many glyphs as there are characters, shown as CGContextShowGlyphs does. */
+CG_EXPORT void CGContextShowText(CGContextRef context, const char* string, size_t length);
+/** The same from a point in user space. */
+CG_EXPORT void CGContextShowTextAtPoint(CGContextRef context, CGFloat x, CGFloat y,
+                                        const char* string, size_t length);
 
 /* ---- Destination --------------------------------------------------------------------------- */
 

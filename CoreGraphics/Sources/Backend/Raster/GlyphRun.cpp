@@ -189,7 +189,7 @@ void GlyphRun::drawMasks(const SkDraw& target, const SkPaint& paint) const {
 
 void GlyphRun::drawOutlines(const SkDraw& target, const SkPaint& paint) const {
     SkPaint fill = paint;
-    fill.setAntiAlias(style_.font.hasSomeAntiAliasing());
+    fill.setAntiAlias(style_.font.getEdging() != SkFont::Edging::kAlias);
     SkPath outline;
     outline.setIsVolatile(true);
     for (std::size_t index = 0; index < outlines_.count; ++index) {

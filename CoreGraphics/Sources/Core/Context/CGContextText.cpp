@@ -78,7 +78,7 @@ void skipGlyphs(CGContext& context, const CGGlyph* glyphs, size_t count) {
                  CGSizeApplyAffineTransform(TextSpace(state).sized(sum), context.textMatrix));
 }
 
-void showGlyphs(CGContext& context, const CGGlyph* glyphs, size_t count) {
+void advanceAndShow(CGContext& context, const CGGlyph* glyphs, size_t count) {
     const XGGStateRef state = context.state.get();
     if (XGGStateGetTextDrawingMode(state) == kCGTextInvisible) {
         skipGlyphs(context, glyphs, count);
@@ -95,7 +95,7 @@ void showGlyphs(CGContext& context, const CGGlyph* glyphs, size_t count) {
         });
     const CGSize moved =
         CGSizeApplyAffineTransform(space.spaced(sum, count), context.textMatrix);
-    cg::drawGlyphRun(context, {glyphs, positions.data(), count});
+    cg::showGlyphs(context, {glyphs, positions.data(), count});
     movePosition(context, moved);
 }
 
@@ -103,7 +103,7 @@ void showGlyphs(CGContext& context, const CGGlyph* glyphs, size_t count) {
 
 void CGContextShowGlyphs(CGContextRef context, const CGGlyph* glyphs, size_t count) {
     if (context && glyphs && count > 0)
-        showGlyphs(*context, glyphs, count);
+        advanceAndShow(*context, glyphs, count);
 }
 
 void CGContextShowGlyphsAtPoint(CGContextRef context, CGFloat x, CGFloat y, const CGGlyph* glyphs,
@@ -124,7 +124,7 @@ void CGContextShowGlyphsAtPositions(CGContextRef context, const CGGlyph* glyphs,
     std::transform(positions, positions + count, inUserSpace.data(), [&](CGPoint position) {
         return CGPointApplyAffineTransform(position, context->textMatrix);
     });
-    cg::drawGlyphRun(*context, {glyphs, inUserSpace.data(), count});
+    cg::showGlyphs(*context, {glyphs, inUserSpace.data(), count});
 }
 
 void CGContextShowGlyphsWithAdvances(CGContextRef context, const CGGlyph* glyphs,
@@ -141,7 +141,7 @@ void CGContextShowGlyphsWithAdvances(CGContextRef context, const CGGlyph* glyphs
         sum.width += advances[index].width;
         sum.height += advances[index].height;
     }
-    cg::drawGlyphRun(*context, {glyphs, positions.data(), count});
+    cg::showGlyphs(*context, {glyphs, positions.data(), count});
     movePosition(*context, sum);
 }
 
@@ -157,7 +157,7 @@ void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
     if (!font)
         return;
     CGContextSetFont(context, font.get());
-    context->state->values.textEncoding = encoding;
+    context->state.get()->values.textEncoding = encoding;
 }
 
 void CGContextShowText(CGContextRef context, const char* string, size_t length) {

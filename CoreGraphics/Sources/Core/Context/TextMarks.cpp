@@ -55,14 +55,14 @@ CGAffineTransform unitsToDevice(XGGStateRef state) {
     return toDevice;
 }
 
-cf::Ref<CGMutablePathRef> outlinesOf(XGGStateRef state, const GlyphRun& run) {
+cf::Ref<CGMutablePathRef> outlinesOf(XGGStateRef state, const ShownGlyphs& shown) {
     auto outlines = cf::adopt(CGPathCreateMutable());
     const FMFontRef font = XGFontGetFMFont(XGGStateGetFont(state));
     CGAffineTransform matrix = unitsToDevice(state);
-    for (size_t index = 0; outlines && index < run.count; ++index) {
+    for (size_t index = 0; outlines && index < shown.count; ++index) {
         const CGPoint at =
-            CGPointApplyAffineTransform(run.positions[index], *XGGStateGetTextCTM(state));
-        const auto outline = cf::adopt(FMFontCopyPathForGlyph(font, run.glyphs[index]));
+            CGPointApplyAffineTransform(shown.positions[index], *XGGStateGetTextCTM(state));
+        const auto outline = cf::adopt(FMFontCopyPathForGlyph(font, shown.glyphs[index]));
         if (!std::isfinite(at.x) || !std::isfinite(at.y) || !outline)
             continue;
         matrix.tx = at.x;
@@ -74,29 +74,29 @@ cf::Ref<CGMutablePathRef> outlinesOf(XGGStateRef state, const GlyphRun& run) {
 
 // ---- Marks
 
-void drawPass(CGContext& context, const GlyphRun& run, const DeviceStroke& stroke,
+void drawPass(CGContext& context, const ShownGlyphs& shown, const DeviceStroke& stroke,
               uint32_t passFlags) {
     const XGGStateRef state = context.state.get();
     const uint32_t ignored = disablesFontAntialiasing() ? kXGContextAllowsAntialiasing : 0u;
     if (fillsText(XGGStateGetTextDrawingMode(state)) && context.callbacks.drawSprites) {
         const auto font = cf::retain(XGGStateGetFont(state));
         context.callbacks.drawSprites(state, (context.allowsFlags & ~ignored) | passFlags,
-                                      font.get(), run.glyphs, run.positions, run.count,
+                                      font.get(), shown.glyphs, shown.positions, shown.count,
                                       context.info);
     }
     if (stroke.path)
         drawStroke(context, stroke, passFlags);
 }
 
-void drawMarks(CGContext& context, const GlyphRun& run, CGPathRef outlines) {
+void drawMarks(CGContext& context, const ShownGlyphs& shown, CGPathRef outlines) {
     prepare(context);
     const XGGStateRef state = context.state.get();
     DeviceStroke stroke;
     if (strokesText(XGGStateGetTextDrawingMode(state)) && outlines && !CGPathIsEmpty(outlines))
         stroke = deviceStroke(state, outlines);
     if (XGGStateHasShadow(state))
-        drawPass(context, run, stroke, kXGContextShadowPass);
-    drawPass(context, run, stroke, 0);
+        drawPass(context, shown, stroke, kXGContextShadowPass);
+    drawPass(context, shown, stroke, 0);
 }
 
 CGAffineTransform linearPart(CGAffineTransform matrix) {
@@ -111,18 +111,18 @@ bool hasSize(XGGStateRef state) {
 
 } // namespace
 
-void drawGlyphRun(CGContext& context, const GlyphRun& run) {
+void showGlyphs(CGContext& context, const ShownGlyphs& shown) {
     const XGGStateRef state = context.state.get();
     const CGTextDrawingMode mode = XGGStateGetTextDrawingMode(state);
     const bool marks = fillsText(mode) || strokesText(mode);
-    if (run.count == 0 || !XGGStateGetFont(state) || !hasSize(state) || !(marks || clipsText(mode)))
+    if (shown.count == 0 || !XGGStateGetFont(state) || !hasSize(state) || !(marks || clipsText(mode)))
         return;
     state->values.textMatrix = linearPart(context.textMatrix);
     cf::Ref<CGMutablePathRef> outlines;
     if (strokesText(mode) || clipsText(mode))
-        outlines = outlinesOf(state, run);
+        outlines = outlinesOf(state, shown);
     if (!clipsText(mode)) {
-        drawMarks(context, run, outlines.get());
+        drawMarks(context, shown, outlines.get());
         return;
     }
     // Taken out of the context: marks end the clip of its runs.
@@ -132,7 +132,7 @@ void drawGlyphRun(CGContext& context, const GlyphRun& run) {
     else
         clip.begin(state);
     if (marks)
-        drawMarks(context, run, outlines.get());
+        drawMarks(context, shown, outlines.get());
     clip.add(context.state.get(), outlines.get());
     context.textClip = std::move(clip);
 }

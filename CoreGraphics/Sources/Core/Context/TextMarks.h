@@ -2,6 +2,7 @@
 #pragma once
 
 #include "XGClipping.h"
+#include "XGGState.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGFont.h>
@@ -26,14 +27,14 @@ constexpr bool clipsText(CGTextDrawingMode mode) {
 }
 
 // Glyphs of a context's font at its size, under its text matrix.
-struct GlyphRun {
+struct ShownGlyphs {
     const CGGlyph* glyphs = nullptr;
     const CGPoint* positions = nullptr; // In user space.
     size_t count = 0;
 };
 
 // Draws a run as the state's text drawing mode says. The text position stays.
-void drawGlyphRun(CGContext& context, const GlyphRun& run);
+void showGlyphs(CGContext& context, const ShownGlyphs& shown);
 
 // Glyphs that clip, one run after the other, clip together: to all of them. A mark between them
 // ends that, and so does whatever else changes the clip.
@@ -43,7 +44,10 @@ public:
     bool continues(XGGStateRef state) const;
     // Starts from the state's clip as it is.
     void begin(XGGStateRef state);
-    void end() { *this = TextClip(); }
+    void end() {
+        if (outlines_)
+            *this = TextClip();
+    }
     // Gives the state the clip from before the runs, for one more to be drawn under.
     void lift(XGGStateRef state) const;
     // Adds outlines in device space and clips to all that were added.
