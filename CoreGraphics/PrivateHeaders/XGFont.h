@@ -24,8 +24,8 @@ CG_EXPORT CFURLRef XGFontCopyURL(CGFontRef font);
 CG_EXPORT CGFloat XGFontGetUnderlinePosition(CGFontRef font);
 CG_EXPORT CGFloat XGFontGetUnderlineThickness(CGFontRef font);
 
-/** A glyph's outline under `transform` (NULL: the identity), which starts from font units; empty for
- *  a glyph such as the space. NULL for glyph 0 and for glyphs that are bitmaps. */
+/** A glyph's outline under `transform` (NULL: the identity), which starts from font units; empty
+ * for a glyph such as the space. NULL for glyph 0 and for glyphs that are bitmaps. */
 CG_EXPORT CGPathRef XGFontCreateGlyphPath(CGFontRef font, const CGAffineTransform* transform,
                                           CGGlyph glyph);
 /** A glyph's outline at `fontSize`, then under `transform` (NULL: the identity). Stores the left

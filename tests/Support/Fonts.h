@@ -1,12 +1,11 @@
 // Fonts.h: fonts of the packages that tools/install-packages names, a kind each.
 #pragma once
 
+#include "XGFont.h"
 #include <CoreFoundation/CFRef.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreGraphics/CGDataProvider.h>
 #include <CoreGraphics/CGFont.h>
-
-#include "XGFont.h"
 #include <FontManager/FMFont.h>
 
 #include <string_view>

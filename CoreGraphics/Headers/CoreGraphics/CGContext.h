@@ -20,37 +20,25 @@ typedef struct CGContext* CGContextRef;
 typedef struct CGLayer* CGLayerRef;
 
 /** What is done with glyphs: filled, stroked, added to the clip. */
-CG_ENUM(int32_t, CGTextDrawingMode) {
-    kCGTextFill = 0,
-    kCGTextStroke = 1,
-    kCGTextFillStroke = 2,
+CG_ENUM(int32_t, CGTextDrawingMode){
+    kCGTextFill = 0,      kCGTextStroke = 1,     kCGTextFillStroke = 2,
     kCGTextInvisible = 3, /**< Nothing is drawn, but the text position moves on. */
-    kCGTextFillClip = 4,
-    kCGTextStrokeClip = 5,
-    kCGTextFillStrokeClip = 6,
-    kCGTextClip = 7
-};
+    kCGTextFillClip = 4,  kCGTextStrokeClip = 5, kCGTextFillStrokeClip = 6,
+    kCGTextClip = 7};
 
 /** What the bytes of a shown text mean. */
-CG_ENUM(int32_t, CGTextEncoding) {
-    kCGEncodingFontSpecific = 0,
-    kCGEncodingMacRoman = 1
-};
+CG_ENUM(int32_t, CGTextEncoding){kCGEncodingFontSpecific = 0, kCGEncodingMacRoman = 1};
 
 /** How carefully the pixels of a scaled image are computed. */
-CG_ENUM(int32_t, CGInterpolationQuality) {
-    kCGInterpolationDefault = 0,
-    kCGInterpolationNone = 1, /**< The nearest pixel. */
-    kCGInterpolationLow = 2,
-    kCGInterpolationHigh = 3,
-    kCGInterpolationMedium = 4
-};
+CG_ENUM(int32_t, CGInterpolationQuality){
+    kCGInterpolationDefault = 0, kCGInterpolationNone = 1, /**< The nearest pixel. */
+    kCGInterpolationLow = 2, kCGInterpolationHigh = 3, kCGInterpolationMedium = 4};
 
 /** How new marks mix with what is there. R, S and D are result, source and destination with
  *  premultiplied alpha, Ra, Sa and Da their alphas. The first sixteen are the blend modes of
  *  ISO 32000-1, 11.3.5; the others are Porter and Duff's operators ("Compositing digital images",
  *  1984) and two sums. */
-CG_ENUM(int32_t, CGBlendMode) {
+CG_ENUM(int32_t, CGBlendMode){
     kCGBlendModeNormal = 0,
     kCGBlendModeMultiply = 1,
     kCGBlendModeScreen = 2,
@@ -371,11 +359,6 @@ CG_EXPORT void CGContextSetFont(CGContextRef context, CGFontRef font);
 CG_EXPORT CGFontRef CGContextGetFont(CGContextRef context);
 /** Negative and non-finite sizes become 0. */
 CG_EXPORT void CGContextSetFontSize(CGContextRef context, CGFloat size);
-/** The size, and the font of a name in UTF-8 as CGFontCreateWithFontName finds it; where it finds
- *  none the font stays. `encoding` is that of text shown by CGContextShowText. Nothing for a NULL or
- *  empty name. */
-CG_EXPORT void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
-                                   CGTextEncoding encoding);
 /** What is added to each glyph's advance, in text space. */
 CG_EXPORT void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing);
 /** Modes that clip clip to the outlines of all glyphs that are shown until something else is drawn;
@@ -391,9 +374,9 @@ CG_EXPORT CGPoint CGContextGetTextPosition(CGContextRef context);
 
 /* The functions below draw glyphs of the state's font at its size, under the text matrix, as the
  * text drawing mode says: filled in the fill colour, stroked as paths are. They cast one shadow
- * together. Pictures, such as emoji, keep their colours and have no outline to stroke or to clip to.
- * The text position moves on by what was shown, but for CGContextShowGlyphsAtPositions. Nothing is
- * drawn without a font or a size, nor at places that are not finite. */
+ * together. Pictures, such as emoji, keep their colours and have no outline to stroke or to clip
+ * to. The text position moves on by what was shown, but for CGContextShowGlyphsAtPositions. Nothing
+ * is drawn without a font or a size, nor at places that are not finite. */
 
 /** One glyph after the other from the text position, each by its advance and the character
  *  spacing. Invisible glyphs move the position by their advances alone. */

@@ -30,22 +30,17 @@ enum {
 };
 
 /** The PostScript font types that a font can be written as. */
-CG_ENUM(int32_t, CGFontPostScriptFormat) {
-    kCGFontPostScriptFormatType1 = 1,
-    kCGFontPostScriptFormatType3 = 3,
-    kCGFontPostScriptFormatType42 = 42
-};
+CG_ENUM(int32_t, CGFontPostScriptFormat){kCGFontPostScriptFormatType1 = 1,
+                                         kCGFontPostScriptFormatType3 = 3,
+                                         kCGFontPostScriptFormatType42 = 42};
 
 /* ---- Making and keeping fonts -------------------------------------------------------------- */
 
 /** The first face of the font file that `provider` holds; the provider is retained. NULL where it
  *  holds none. */
 CG_EXPORT CGFontRef CGFontCreateWithDataProvider(CGDataProviderRef provider);
-/** An installed or registered font by its full, display or PostScript name, in any case. NULL where
- *  there is none. */
-CG_EXPORT CGFontRef CGFontCreateWithFontName(CFStringRef name);
-/** A font that says of itself that it has `variations`, a dictionary from axis names to values (NULL
- *  for none). They are recorded for those who ask; glyphs stay as they are. */
+/** A font that says of itself that it has `variations`, a dictionary from axis names to values
+ * (NULL for none). They are recorded for those who ask; glyphs stay as they are. */
 CG_EXPORT CGFontRef CGFontCreateCopyWithVariations(CGFontRef font, CFDictionaryRef variations);
 CG_EXPORT CGFontRef CGFontRetain(CGFontRef font);
 CG_EXPORT void CGFontRelease(CGFontRef font);

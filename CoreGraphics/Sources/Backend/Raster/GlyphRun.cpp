@@ -69,9 +69,9 @@ void GlyphRun::place(std::span<const CGGlyph> glyphs, std::span<const CGPoint> p
 void GlyphRun::findMasks(std::span<const CGGlyph> glyphs, std::span<const CGPoint> positions,
                          Left& left) {
     if (!maskStrike_)
-        maskStrike_ = SkStrikeSpec::MakeMask(style_.font, paint_, style_.props, kGamma,
-                                             style_.glyphsToPixels)
-                          .findOrCreateStrike();
+        maskStrike_ =
+            SkStrikeSpec::MakeMask(style_.font, paint_, style_.props, kGamma, style_.glyphsToPixels)
+                .findOrCreateStrike();
     // Positions are rounded down to a fraction of a pixel, so that half of one is added before.
     const SkGlyphPositionRoundingSpec& rounding = maskStrike_->roundingSpec();
     SkMatrix toPixels = style_.positionsToPixels;
@@ -79,8 +79,7 @@ void GlyphRun::findMasks(std::span<const CGGlyph> glyphs, std::span<const CGPoin
 
     const StrikeLock lock(*maskStrike_);
     for (std::size_t index = 0; index < glyphs.size(); ++index) {
-        const SkPoint at =
-            toPixels.mapPoint(SkPoint::Make(positions[index].x, positions[index].y));
+        const SkPoint at = toPixels.mapPoint(SkPoint::Make(positions[index].x, positions[index].y));
         if (!isFinite(at))
             continue;
         const SkPackedGlyphID id(glyphs[index], at, rounding.ignorePositionFieldMask);
@@ -215,8 +214,7 @@ void GlyphRun::drawPictures(const SkDraw& target, const SkPaint& paint) const {
                                   const_cast<std::uint8_t*>(mask.fImage), mask.fRowBytes))
             continue;
         bitmap.setImmutable();
-        target.drawBitmap(bitmap, matrix, nullptr, SkSamplingOptions(SkFilterMode::kLinear),
-                          paint);
+        target.drawBitmap(bitmap, matrix, nullptr, SkSamplingOptions(SkFilterMode::kLinear), paint);
     }
 }
 

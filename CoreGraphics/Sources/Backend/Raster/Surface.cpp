@@ -318,8 +318,8 @@ void Surface::drawMask(const SkMask& mask, const SkPaint& paint) {
 // its own format.
 GlyphStyle Surface::styleOf(const PlacedGlyphs& glyphs, const SkPaint& paint,
                             SkVector offset) const {
-    const bool hasStripes = pixels_.colorType() == kN32_SkColorType &&
-                            pixels_.info().isOpaque() && paint.isSrcOver();
+    const bool hasStripes =
+        pixels_.colorType() == kN32_SkColorType && pixels_.info().isOpaque() && paint.isSrcOver();
     GlyphStyle style = {
         .font = glyphs.font,
         .glyphsToPixels = SkMatrix::Concat(deviceToPixels_, glyphs.glyphsToDevice),

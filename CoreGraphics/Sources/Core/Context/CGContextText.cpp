@@ -88,13 +88,13 @@ void advanceAndShow(CGContext& context, const CGGlyph* glyphs, size_t count) {
     if (!positions)
         return;
     const TextSpace space(state);
-    const CGSize sum = sumAdvances(
-        XGGStateGetFont(state), glyphs, count, [&](size_t index, CGSize before) {
+    const CGSize sum =
+        sumAdvances(XGGStateGetFont(state), glyphs, count, [&](size_t index, CGSize before) {
             const CGSize at = space.spaced(before, index);
-            positions[index] = CGPointApplyAffineTransform({at.width, at.height}, context.textMatrix);
+            positions[index] =
+                CGPointApplyAffineTransform({at.width, at.height}, context.textMatrix);
         });
-    const CGSize moved =
-        CGSizeApplyAffineTransform(space.spaced(sum, count), context.textMatrix);
+    const CGSize moved = CGSizeApplyAffineTransform(space.spaced(sum, count), context.textMatrix);
     cg::showGlyphs(context, {glyphs, positions.data(), count});
     movePosition(context, moved);
 }
@@ -146,19 +146,6 @@ void CGContextShowGlyphsWithAdvances(CGContextRef context, const CGGlyph* glyphs
 }
 
 // ---- Text
-
-void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
-                         CGTextEncoding encoding) {
-    if (!context || !name || !*name)
-        return;
-    CGContextSetFontSize(context, size);
-    const auto text = cf::adopt(CFStringCreateWithCString(nullptr, name, kCFStringEncodingUTF8));
-    const auto font = cf::adopt(text ? CGFontCreateWithFontName(text.get()) : nullptr);
-    if (!font)
-        return;
-    CGContextSetFont(context, font.get());
-    context->state.get()->values.textEncoding = encoding;
-}
 
 void CGContextShowText(CGContextRef context, const char* string, size_t length) {
     const XGGStateRef state = stateOf(context);

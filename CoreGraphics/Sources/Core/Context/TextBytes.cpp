@@ -58,9 +58,9 @@ size_t glyphsOfText(CGFontRef font, CFStringRef text, size_t most, CGGlyph* glyp
     const size_t count = std::min(most, static_cast<size_t>(CFStringGetLength(text)));
     for (size_t first = 0; first < count; first += portion.size()) {
         const size_t many = std::min(portion.size(), count - first);
-        CFStringGetCharacters(
-            text, CFRangeMake(static_cast<CFIndex>(first), static_cast<CFIndex>(many)),
-            portion.data());
+        CFStringGetCharacters(text,
+                              CFRangeMake(static_cast<CFIndex>(first), static_cast<CFIndex>(many)),
+                              portion.data());
         std::fill_n(glyphs + first, many, CGGlyph{0});
         CGFontGetGlyphsForUnichars(font, portion.data(), glyphs + first, many);
     }
@@ -71,9 +71,7 @@ size_t glyphsOfText(CGFontRef font, CFStringRef text, size_t most, CGGlyph* glyp
 
 size_t glyphsOfBytes(CGFontRef font, CGTextEncoding encoding, std::string_view bytes,
                      CGGlyph* glyphs) {
-    const auto asMacRoman = [](char byte) {
-        return macRoman()[static_cast<unsigned char>(byte)];
-    };
+    const auto asMacRoman = [](char byte) { return macRoman()[static_cast<unsigned char>(byte)]; };
     if (encoding == kCGEncodingMacRoman)
         return glyphsOfSingleBytes(font, bytes, glyphs, asMacRoman);
     const int32_t own = FMFontGetStringEncoding(XGFontGetFMFont(font));

@@ -115,7 +115,8 @@ void showGlyphs(CGContext& context, const ShownGlyphs& shown) {
     const XGGStateRef state = context.state.get();
     const CGTextDrawingMode mode = XGGStateGetTextDrawingMode(state);
     const bool marks = fillsText(mode) || strokesText(mode);
-    if (shown.count == 0 || !XGGStateGetFont(state) || !hasSize(state) || !(marks || clipsText(mode)))
+    if (shown.count == 0 || !XGGStateGetFont(state) || !hasSize(state) ||
+        !(marks || clipsText(mode)))
         return;
     state->values.textMatrix = linearPart(context.textMatrix);
     cf::Ref<CGMutablePathRef> outlines;

@@ -3,12 +3,14 @@
 #include "XGFont.h"
 #include <CoreGraphics/CGFont.h>
 #include <FontManager/FMFontGlyphs.h>
+#include <FontManager/FMGlyph.h>
 
 #include "Core/Font/CGFontRecord.h"
 #include "Core/Object/Saturate.h"
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace {
 
@@ -28,6 +30,11 @@ bool forEachAdvance(CGFontRef font, const CGGlyph* glyphs, size_t count, Store s
     }
     return true;
 }
+
+struct ReleaseGlyph {
+    void operator()(FMGlyphRef glyph) const { FMGlyphRelease(glyph); }
+};
+using GlyphPtr = std::unique_ptr<FMGlyph, ReleaseGlyph>;
 
 } // namespace
 
@@ -75,21 +82,21 @@ CGPathRef XGFontCreateGlyphPathAndInfo(CGFontRef font, const CGAffineTransform* 
                                        CGGlyph glyph, int32_t* info, CGFloat* advance,
                                        CGFloat fontSize) {
     const int unitsPerEm = CGFontGetUnitsPerEm(font);
-    if (!(fontSize > 0) || unitsPerEm <= 0)
+    if (!(fontSize > 0) || unitsPerEm <= 0 || glyph == 0)
+        return nullptr;
+    const GlyphPtr record(FMFontCopyGlyph(font->font.get(), glyph, nullptr));
+    if (!record || record->format != kFMGlyphFormatOutline || CGPathIsEmpty(record->path))
         return nullptr;
     const CGFloat scale = fontSize / static_cast<CGFloat>(unitsPerEm);
     CGAffineTransform matrix = CGAffineTransformMakeScale(scale, scale);
     if (transform)
         matrix = CGAffineTransformConcat(matrix, *transform);
     auto path = cf::adopt(XGFontCreateGlyphPath(font, &matrix, glyph));
-    CGRect box;
-    CGSize size;
-    if (!path || CGPathIsEmpty(path.get()) || !CGFontGetGlyphBBoxes(font, &glyph, 1, &box) ||
-        !FMFontGetAdvancesForGlyphs(font->font.get(), &glyph, &size, 1))
+    if (!path)
         return nullptr;
     if (info)
-        *info = cg::saturate<int32_t>(box.origin.x);
+        *info = record->info;
     if (advance)
-        *advance = size.width * scale;
+        *advance = record->advance.width * scale;
     return path.release();
 }
