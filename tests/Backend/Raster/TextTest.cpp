@@ -71,19 +71,23 @@ const Setting kSettings[] = {
     {.what = "bitmap with hard edges", .path = test::kBitmapFont, .size = 16, .antialias = false},
     {.what = "pictures", .path = test::kColorFont, .size = 30, .advance = 40, .text = u"☺☀★"},
     {.what = "pictures turned", .path = test::kColorFont, .size = 30, .ctm = kTurned, .text = u"☺"},
-    {.what = "collection", .path = test::kCollection, .face = 2, .size = 24, .advance = 24, .text = u"漢字"},
+    {.what = "collection",
+     .path = test::kCollection,
+     .face = 2,
+     .size = 24,
+     .advance = 24,
+     .text = u"漢字"},
 };
 
 std::vector<CGPoint> positionsOf(const Setting& setting) {
     std::vector<CGPoint> positions;
     for (std::size_t index = 0; index < setting.text.size(); ++index)
-        positions.push_back({setting.origin.x + setting.advance * static_cast<CGFloat>(index),
-                             setting.origin.y});
+        positions.push_back(
+            {setting.origin.x + setting.advance * static_cast<CGFloat>(index), setting.origin.y});
     return positions;
 }
 
-test::Context drawOurs(const Setting& setting, const std::vector<CGGlyph>& glyphs,
-                       CGFontRef font) {
+test::Context drawOurs(const Setting& setting, const std::vector<CGGlyph>& glyphs, CGFontRef font) {
     auto context = test::makeContext(kWidth, kHeight, setting.info);
     CGContextSetRGBFillColor(context.get(), 0.2f, 0.4f, 0.8f, 0.5f);
     CGContextConcatCTM(context.get(), setting.ctm);
@@ -113,9 +117,8 @@ SkBitmap drawBare(const Setting& setting, const std::vector<CGGlyph>& glyphs) {
     bitmap.allocPixels(SkImageInfo::Make(kWidth, kHeight, kBGRA_8888_SkColorType,
                                          isOpaque ? kOpaque_SkAlphaType : kPremul_SkAlphaType));
     std::memset(bitmap.getPixels(), 0, bitmap.computeByteSize());
-    SkCanvas canvas(bitmap,
-                    SkSurfaceProps(0, isOpaque ? kRGB_H_SkPixelGeometry
-                                               : kUnknown_SkPixelGeometry));
+    SkCanvas canvas(
+        bitmap, SkSurfaceProps(0, isOpaque ? kRGB_H_SkPixelGeometry : kUnknown_SkPixelGeometry));
     const CGAffineTransform& m = setting.ctm;
     canvas.translate(0, kHeight);
     canvas.scale(1, -1);
@@ -132,8 +135,8 @@ SkBitmap drawBare(const Setting& setting, const std::vector<CGGlyph>& glyphs) {
                                       : SkFont::Edging::kAntiAlias);
     std::vector<SkPoint> positions;
     for (const CGPoint position : positionsOf(setting))
-        positions.push_back({position.x * setting.textMatrix.a,
-                             -position.y * setting.textMatrix.d});
+        positions.push_back(
+            {position.x * setting.textMatrix.a, -position.y * setting.textMatrix.d});
     SkPaint paint;
     paint.setColor(SkColorSetARGB(128, 51, 102, 204));
     canvas.drawGlyphs({glyphs.data(), glyphs.size()}, {positions.data(), positions.size()}, {0, 0},
@@ -161,9 +164,9 @@ TEST(Text, IsWhatBareSkiaDrawsOfTheSameFont) {
         const SkBitmap bare = drawBare(setting, glyphs);
         EXPECT_GT(inked(bare), 5);
         for (int y = 0; y < kHeight; ++y) {
-            const auto* const row = static_cast<const std::byte*>(CGBitmapContextGetData(ours.get())) +
-                                    static_cast<std::size_t>(y) *
-                                        CGBitmapContextGetBytesPerRow(ours.get());
+            const auto* const row =
+                static_cast<const std::byte*>(CGBitmapContextGetData(ours.get())) +
+                static_cast<std::size_t>(y) * CGBitmapContextGetBytesPerRow(ours.get());
             ASSERT_EQ(std::memcmp(row, bare.getAddr(0, y), kWidth * 4), 0) << "row " << y;
         }
     }
