@@ -120,4 +120,19 @@ CG_EXPORT const CFStringRef kCGFontVariationAxisMinValue;
 CG_EXPORT const CFStringRef kCGFontVariationAxisMaxValue;
 CG_EXPORT const CFStringRef kCGFontVariationAxisDefaultValue;
 
+/* ---- PostScript ---------------------------------------------------------------------------- */
+
+/** Whether the font may be written in a format: its maker does not restrict embedding, and the
+ *  format is type 1 or 42. */
+CG_EXPORT bool CGFontCanCreatePostScriptSubset(CGFontRef font, CGFontPostScriptFormat format);
+/** A PostScript font of some glyphs under the name `subsetName`. `encoding` holds a glyph for each
+ *  of the 256 codes, 0 where there is none. NULL when an argument is missing, and for fonts and
+ *  formats that cannot be written. */
+CG_EXPORT CFDataRef CGFontCreatePostScriptSubset(CGFontRef font, CFStringRef subsetName,
+                                                 CGFontPostScriptFormat format,
+                                                 const CGGlyph* glyphs, size_t count,
+                                                 const CGGlyph* encoding);
+/** The PostScript encoding vector of 256 glyphs. NULL when an argument is missing. */
+CG_EXPORT CFDataRef CGFontCreatePostScriptEncoding(CGFontRef font, const CGGlyph* encoding);
+
 CG_END_DECLS
