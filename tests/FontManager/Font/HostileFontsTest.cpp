@@ -91,7 +91,15 @@ TEST(HostileFonts, AreNoMatterWithoutMemory) {
     const std::string bytes = EditedFont().bytes();
     const CollectedLog quiet;
     HostLogSetThreshold(kHostLogFault);
-    const FailureSweep sweep = failEachAllocation([&] { survive(bytes); });
+    const FailureSweep sweep = failEachAllocation([&] {
+        const auto font =
+            fm::FontRef::adopt(FMFontCreateFromMemory(bytes.data(), bytes.size(), 0, true));
+        for (const CopyName copy : {FMFontCopyFullName, FMFontCopyPostScriptName,
+                                    FMFontCopyDesigner, FMFontCopyStyleName, FMFontCopyDisplayName})
+            const auto name = cf::adopt(copy(font.get(), false));
+        FMFontPurge(font.get());
+        FMFontGetFTFaceUnsafe(font.get(), true);
+    });
     EXPECT_GT(sweep.failures, 20u);
     EXPECT_EQ(sweep.leakedBytes, 0);
 }
