@@ -2,13 +2,19 @@
 
 #include "Library/DatabaseValidation.h"
 
+#include <Host/Host.h>
+
+#include "Database/RecordKind.h"
 #include "Font/FontIterator.h"
 #include "Library/PreferredLanguages.h"
+#include "Library/RecordText.h"
 #include "Library/SystemState.h"
 
+#include <climits>
 #include <optional>
 #include <string>
 #include <unordered_set>
+#include <utility>
 
 namespace fm {
 namespace {
@@ -32,27 +38,34 @@ bool isOfThisApplication(FMDatabaseRef database) {
     return storedTime(database, info.get()) == modificationTime(info.get());
 }
 
-bool hasInstalledFonts(FMDatabaseRef database) {
+using Paths = std::unordered_set<std::string>;
+
+// Notes the paths of installed files.
+bool hasInstalledFonts(FMDatabaseRef database, Paths& files) {
     const FMFontIteratorRef fonts = FMFontIteratorCreate();
     bool holdsAll = fonts != nullptr;
     while (holdsAll && FMFontIteratorNext(fonts)) {
-        const auto identifier = FMFontIteratorGetType(fonts) == kFMFontIteratorTypeFile
-                                    ? currentPath(fonts)
-                                    : currentWindowsIdentifier(fonts);
+        const auto path = currentPath(fonts);
+        const auto identifier = path ? path : currentWindowsIdentifier(fonts);
         holdsAll = storedTime(database, identifier.get()) == currentModificationTime(fonts);
+        char bytes[PATH_MAX];
+        if (path && CFStringGetFileSystemRepresentation(path.get(), bytes, sizeof bytes))
+            files.emplace(bytes);
     }
     FMFontIteratorRelease(fonts);
     return holdsAll;
 }
 
-// Fonts are made from these records without looking back: they must be there and agree. A font's
-// file may also be gone without any installed font telling of it.
+// Fonts are made from these records without looking back: all must be there, and no two fonts of
+// one nimbra id. A font's file may also be gone without any installed font telling of it.
 class FontRecords {
 public:
-    explicit FontRecords(FMDatabaseRef database) : database_(database) {}
+    FontRecords(FMDatabaseRef database, const Paths& installedFiles)
+        : database_(database), installedFiles_(installedFiles) {}
 
     bool areWhole() {
         const auto count = static_cast<FMFontId>(FMDatabaseGetFontsCount(database_));
+        nimbraIds_.reserve(static_cast<std::size_t>(count));
         for (FMFontId id = 1; id <= count; ++id)
             if (!isWhole(id))
                 return false;
@@ -62,38 +75,35 @@ public:
 private:
     bool isWhole(FMFontId id) {
         FMFontMetrics metrics;
-        FMFontId found = 0;
-        const auto nimbraId = cf::adopt(FMDatabaseCopyFontNimbraId(database_, id));
-        const auto name = cf::adopt(FMDatabaseCopyFontPostScriptName(database_, id));
-        return name && nimbraId && FMDatabaseGetFontMetrics(database_, id, &metrics) &&
-               FMDatabaseLookupFontNimbraId(database_, nimbraId.get(), &found) && found == id &&
-               hasSource(id);
+        auto nimbraId = lowerCasedRecord(database_, record::kNimbraId, id);
+        return nimbraId && nimbraIds_.insert(std::move(*nimbraId)).second &&
+               lowerCasedRecord(database_, record::kPostScriptName, id) &&
+               FMDatabaseGetFontMetrics(database_, id, &metrics) && hasSource(id);
     }
 
-    bool hasSource(FMFontId id) {
-        const auto location = cf::adopt(FMDatabaseCopyFontLocation(database_, id));
-        if (!location)
-            return cf::adopt(FMDatabaseCopyFontWindowsIdentifier(database_, id)) != nullptr;
-        if (cf::equalOrBothAbsent<CFTypeRef>(location.get(), lastLocation_.get()))
-            return true;
-        const auto url = cf::adopt(CFURLCreateWithString(nullptr, location.get(), nullptr));
-        lastLocation_ = location;
-        return modificationTime(pathOf(url.get()).get()).has_value();
+    bool hasSource(FMFontId id) const {
+        const std::string path = pathInRecord(database_, id);
+        if (path.empty())
+            return lowerCasedRecord(database_, record::kWindowsIdentifier, id).has_value();
+        return installedFiles_.contains(path) || HostFileExists(path.c_str());
     }
 
     const FMDatabaseRef database_;
-    cf::Ref<CFStringRef> lastLocation_; // The faces of a file follow each other.
+    const Paths& installedFiles_;
+    std::unordered_set<std::u16string> nimbraIds_;
 };
 
 } // namespace
 
 bool isValid(FMDatabaseRef database) {
+    Paths installedFiles;
     return FMDatabaseIsLatestVersion(database) &&
            holds(database, FMDatabaseCopySerializedPreferredLanguages,
                  serializedPreferredLanguages()) &&
            isOfThisApplication(database) &&
            holds(database, FMDatabaseCopySystemResourcesToken, systemResourcesToken()) &&
-           hasInstalledFonts(database) && FontRecords(database).areWhole();
+           hasInstalledFonts(database, installedFiles) &&
+           FontRecords(database, installedFiles).areWhole();
 }
 
 } // namespace fm

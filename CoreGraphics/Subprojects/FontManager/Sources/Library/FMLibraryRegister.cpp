@@ -20,11 +20,12 @@ cf::Ref<CFStringRef> nimbraIdOf(FMFontRef font) {
 // A font of the database is as good as registered before it is made.
 bool isPromised(const FMLibrary& library, FMFontRef font, CFStringRef nimbraId) {
     FMFontId promised = 0;
-    if (!FMDatabaseLookupFontNimbraId(library.database.get(), nimbraId, &promised))
+    if (FMFontGetFontId(font) != 0 ||
+        !FMDatabaseLookupFontNimbraId(library.database.get(), nimbraId, &promised))
         return false;
     const auto slot = static_cast<std::size_t>(promised);
     const bool isMade = slot < library.permanent.size() && library.permanent[slot];
-    return promised > 0 && promised != FMFontGetFontId(font) && !isMade;
+    return promised > 0 && !isMade;
 }
 
 void applyOverrides(const FMLibrary& library, FMFontRef font) {

@@ -2,14 +2,19 @@
 
 #include "Library/FamilyMap.h"
 
+#include "Database/RecordKind.h"
+#include "Library/RecordText.h"
+
+#include <utility>
+
 namespace fm {
 
 void FamilyMap::update(FMDatabaseRef database) {
     const auto count = static_cast<FMFontId>(FMDatabaseGetFontsCount(database));
     for (; lastFont_ < count; ++lastFont_) {
         const FMFontId id = lastFont_ + 1;
-        if (const auto family = cf::adopt(FMDatabaseCopyFontNimbraFamilyName(database, id)))
-            families_[sanitizedFamily(family.get())].push_back(id);
+        if (auto family = lowerCasedRecord(database, record::kNimbraFamilyName, id))
+            families_[sanitizedFamily(std::move(*family))].push_back(id);
     }
 }
 

@@ -4,6 +4,11 @@
 
 #include <FontManager/FMFont.h>
 
+#include "Database/RecordKind.h"
+#include "Library/RecordText.h"
+
+#include <utility>
+
 namespace fm {
 
 void NameIndex::enter(CFStringRef name, FMFontRef font) {
@@ -20,10 +25,10 @@ void NameIndex::enterFontsOf(FMDatabaseRef database) {
     const auto count = static_cast<FMFontId>(FMDatabaseGetFontsCount(database));
     entries_.reserve(3 * static_cast<std::size_t>(count));
     for (FMFontId id = 1; id <= count; ++id)
-        for (const auto copyName : {FMDatabaseCopyFontFullName, FMDatabaseCopyFontDisplayName,
-                                    FMDatabaseCopyFontPostScriptName})
-            if (const auto name = cf::adopt(copyName(database, id)))
-                entries_.try_emplace(lowerCased(name.get()), Entry{nullptr, id});
+        for (const char* const kind :
+             {record::kFullName, record::kDisplayName, record::kPostScriptName})
+            if (auto name = lowerCasedRecord(database, kind, id))
+                entries_.try_emplace(std::move(*name), Entry{nullptr, id});
 }
 
 void NameIndex::remove(FMFontRef font) {

@@ -38,10 +38,9 @@ std::u16string lowerCased(CFStringRef string) {
     return string ? lowerCased(unitsOf(string)) : std::u16string();
 }
 
-std::u16string sanitizedFamily(CFStringRef name) {
-    std::u16string key = lowerCased(name);
-    std::erase_if(key, [](char16_t c) { return c == u' ' || c == u'-'; });
-    return key;
+std::u16string sanitizedFamily(std::u16string lowerCasedName) {
+    std::erase_if(lowerCasedName, [](char16_t c) { return c == u' ' || c == u'-'; });
+    return lowerCasedName;
 }
 
 } // namespace fm

@@ -17,8 +17,8 @@ std::u16string lowerCased(std::u16string_view text);
 // Empty for NULL.
 std::u16string lowerCased(CFStringRef string);
 
-// The key of a family's name: lower-cased, without spaces and hyphens.
-std::u16string sanitizedFamily(CFStringRef name);
+// The key of a family's name in lower case: the name without spaces and hyphens.
+std::u16string sanitizedFamily(std::u16string lowerCasedName);
 
 // Lets tables of names be asked with a view.
 struct NameHash {

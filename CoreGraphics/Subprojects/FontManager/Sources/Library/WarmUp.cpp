@@ -2,10 +2,10 @@
 
 #include "Library/WarmUp.h"
 
+#include <Host/Host.h>
+
 #include "Core/Object/RuntimeObject.h"
 #include "Library/LibraryRecord.h"
-
-#include <Host/Host.h>
 
 namespace fm {
 namespace {
