@@ -8,6 +8,8 @@
 
 #include "include/core/SkBitmap.h"
 #include "include/core/SkBlurTypes.h"
+#include "include/core/SkFont.h"
+#include "include/core/SkFontMgr.h"
 #include "include/core/SkGraphics.h"
 #include "include/core/SkImage.h"
 #include "include/core/SkMaskFilter.h"
@@ -17,14 +19,46 @@
 #include "include/core/SkTileMode.h"
 #include "include/effects/SkDashPathEffect.h"
 #include "include/effects/SkGradientShader.h"
+#include "include/ports/SkFontMgr_empty.h"
 
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 
 namespace test {
 
 namespace {
+
+// ---- Text
+
+constexpr char kFontFile[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+constexpr CGGlyph kGlyphs[] = {36, 74, 54, 87, 170};
+constexpr CGPoint kOrigins[] = {{2.3f, 12.6f}, {14, 14.1f}, {22.9f, 11}, {34.6f, 18}, {5, 25.3f}};
+
+void showText(CGContextRef c, CGFloat size) {
+    static const auto font = [] {
+        const auto provider = cf::adopt(CGDataProviderCreateWithFilename(kFontFile));
+        return cf::adopt(CGFontCreateWithDataProvider(provider.get()));
+    }();
+    CGContextSetFont(c, font.get());
+    CGContextSetFontSize(c, size);
+    CGContextShowGlyphsAtPositions(c, kGlyphs, kOrigins, std::size(kGlyphs));
+}
+
+void showText(SkCanvas& canvas, SkPaint paint, float size) {
+    static SkTypeface* const typeface =
+        SkFontMgr_New_Custom_Empty()->makeFromFile(kFontFile).release();
+    SkFont font(sk_ref_sp(typeface), size);
+    font.setHinting(SkFontHinting::kNone);
+    font.setLinearMetrics(true);
+    font.setSubpixel(true);
+    std::array<SkPoint, std::size(kOrigins)> origins;
+    for (std::size_t index = 0; index < origins.size(); ++index)
+        origins[index] = {kOrigins[index].x, -kOrigins[index].y}; // The font's y counts downwards.
+    canvas.scale(1, -1);
+    canvas.drawGlyphs(kGlyphs, origins, {0, 0}, font, paint);
+}
 
 // ---- Paths
 
@@ -414,6 +448,20 @@ const DrawingOperation kOperations[] = {
      [](SkCanvas& canvas, SkPaint paint) {
          canvas.clipPath(shape(SkPathFillType::kEvenOdd), true);
          canvas.drawRect(SkRect::MakeXYWH(3, 3.5f, 40, 30), paint);
+     }},
+    {"text", [](CGContextRef c) { showText(c, 16.5f); },
+     [](SkCanvas& canvas, SkPaint paint) { showText(canvas, paint, 16.5f); }},
+    {"text clipped smoothly on a slope",
+     [](CGContextRef c) {
+         addShape(c);
+         CGContextClip(c);
+         CGContextConcatCTM(c, {1, 0.25f, -0.5f, 1, 4, -3});
+         showText(c, 24);
+     },
+     [](SkCanvas& canvas, SkPaint paint) {
+         canvas.clipPath(shape(), true);
+         canvas.concat(SkMatrix::MakeAll(1, -0.5f, 4, 0.25f, 1, -3, 0, 0, 1));
+         showText(canvas, paint, 24);
      }},
     {"path with a shadow",
      [](CGContextRef c) {
