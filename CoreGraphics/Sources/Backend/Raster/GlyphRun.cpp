@@ -41,8 +41,32 @@ private:
 
 } // namespace
 
-GlyphRun::GlyphRun(const GlyphStyle& style, const SkPaint& paint)
-    : style_(style), paint_(paint),
+// ---- The last run's masks
+
+bool StrikeMemo::isOf(const GlyphStyle& style, const SkPaint& paint) const {
+    return color_ == paint.getColor() && font_ == style.font &&
+           toPixels_ == style.glyphsToPixels && geometry_ == style.props.pixelGeometry();
+}
+
+sk_sp<SkStrike> StrikeMemo::find(const GlyphStyle& style, const SkPaint& paint) {
+    // A shader has a lightness of its own.
+    if (usesLeft_ > 0 && !paint.getShader() && isOf(style, paint)) {
+        --usesLeft_;
+        return strike_;
+    }
+    constexpr int kMostUses = 64;
+    strike_ = SkStrikeSpec::MakeMask(style.font, paint, style.props, kGamma, style.glyphsToPixels)
+                  .findOrCreateStrike();
+    usesLeft_ = paint.getShader() ? 0 : kMostUses;
+    font_ = style.font;
+    toPixels_ = style.glyphsToPixels;
+    geometry_ = style.props.pixelGeometry();
+    color_ = paint.getColor();
+    return strike_;
+}
+
+GlyphRun::GlyphRun(const GlyphStyle& style, const SkPaint& paint, StrikeMemo& memo)
+    : style_(style), memo_(memo), paint_(paint),
       isLarge_(SkStrikeSpec::ShouldDrawAsPath(paint, style.font, style.glyphsToPixels)) {}
 
 // ---- Finding
@@ -69,9 +93,7 @@ void GlyphRun::place(std::span<const CGGlyph> glyphs, std::span<const CGPoint> p
 void GlyphRun::findMasks(std::span<const CGGlyph> glyphs, std::span<const CGPoint> positions,
                          Left& left) {
     if (!maskStrike_)
-        maskStrike_ =
-            SkStrikeSpec::MakeMask(style_.font, paint_, style_.props, kGamma, style_.glyphsToPixels)
-                .findOrCreateStrike();
+        maskStrike_ = memo_.find(style_, paint_);
     // Positions are rounded down to a fraction of a pixel, so that half of one is added before.
     const SkGlyphPositionRoundingSpec& rounding = maskStrike_->roundingSpec();
     SkMatrix toPixels = style_.positionsToPixels;

@@ -30,14 +30,31 @@ struct GlyphStyle {
     SkSurfaceProps props;       // Which stripes of colour a pixel consists of, where that matters.
 };
 
+// The cache's entry for the masks of the last run: the next one mostly looks alike, and need not be
+// looked up under the lock that all threads share.
+class StrikeMemo {
+public:
+    sk_sp<SkStrike> find(const GlyphStyle& style, const SkPaint& paint);
+
+private:
+    bool isOf(const GlyphStyle& style, const SkPaint& paint) const;
+
+    sk_sp<SkStrike> strike_;
+    int usesLeft_ = 0; // The cache must see now and then that it is in use.
+    SkFont font_;
+    SkMatrix toPixels_;
+    SkPixelGeometry geometry_ = kUnknown_SkPixelGeometry;
+    SkColor color_ = 0;
+};
+
 // Up to a few hundred glyphs, which need no memory but that of Skia's glyph cache. Small ones are
 // masks, large ones outlines, and large pictures are enlarged: what a canvas would draw.
 class GlyphRun {
 public:
     static constexpr std::size_t kMostGlyphs = 256;
 
-    // The style outlives the run. The paint's colour matters: light text is drawn bolder.
-    GlyphRun(const GlyphStyle& style, const SkPaint& paint);
+    // Style and memo outlive the run. The paint's colour matters: light text is drawn bolder.
+    GlyphRun(const GlyphStyle& style, const SkPaint& paint, StrikeMemo& memo);
     GlyphRun(const GlyphRun&) = delete;
     GlyphRun& operator=(const GlyphRun&) = delete;
 
@@ -82,6 +99,7 @@ private:
     void drawPictures(const SkDraw& target, const SkPaint& paint) const;
 
     const GlyphStyle& style_;
+    StrikeMemo& memo_;
     SkPaint paint_;
     bool isLarge_ = false;
     // Strikes keep what is cached of a font at a size; glyphs live as long as theirs does.

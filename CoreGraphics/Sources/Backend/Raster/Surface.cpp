@@ -336,7 +336,7 @@ void Surface::drawGlyphs(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVec
         !style.positionsToPixels.isFinite())
         return;
     const bool isInParts = lender_ || !isWithinReach(clip_.getBounds());
-    GlyphRun run(style, paint);
+    GlyphRun run(style, paint, strikeMemo_);
     for (std::size_t first = 0; first < glyphs.glyphs.size(); first += GlyphRun::kMostGlyphs) {
         const std::size_t count = std::min(GlyphRun::kMostGlyphs, glyphs.glyphs.size() - first);
         run.place(glyphs.glyphs.subspan(first, count), glyphs.positions.subspan(first, count));
@@ -348,12 +348,12 @@ void Surface::drawGlyphs(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVec
     }
 }
 
-SkRect Surface::boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint) const {
+SkRect Surface::boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint) {
     const GlyphStyle style = styleOf(glyphs, paint, {0, 0});
     SkRect bounds = SkRect::MakeEmpty();
     if (!style.glyphsToPixels.isFinite() || !style.positionsToPixels.isFinite())
         return bounds;
-    GlyphRun run(style, paint);
+    GlyphRun run(style, paint, strikeMemo_);
     for (std::size_t first = 0; first < glyphs.glyphs.size(); first += GlyphRun::kMostGlyphs) {
         const std::size_t count = std::min(GlyphRun::kMostGlyphs, glyphs.glyphs.size() - first);
         run.place(glyphs.glyphs.subspan(first, count), glyphs.positions.subspan(first, count));

@@ -102,7 +102,7 @@ public:
     // The paint's colour through glyphs, moved by `offset` pixels; pictures keep their own colours.
     void drawGlyphs(const PlacedGlyphs& glyphs, const SkPaint& paint, SkVector offset = {0, 0});
     // The columns and rows that those cover.
-    SkRect boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint) const;
+    SkRect boundsOf(const PlacedGlyphs& glyphs, const SkPaint& paint);
     // Puts other pixels' upper left corner at a column and row of these.
     void drawPixels(const SkPixmap& source, SkIPoint at, const SkPaint& paint);
 
@@ -131,6 +131,7 @@ private:
     SkIPoint origin_;
     SkMatrix deviceToPixels_;
     SkRasterClip clip_;
+    StrikeMemo strikeMemo_;
     SkPath pixelPath_; // Scratch: keeps its memory from one path to the next.
 };
 
