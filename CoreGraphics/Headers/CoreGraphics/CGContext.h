@@ -359,6 +359,11 @@ CG_EXPORT void CGContextSetFont(CGContextRef context, CGFontRef font);
 CG_EXPORT CGFontRef CGContextGetFont(CGContextRef context);
 /** Negative and non-finite sizes become 0. */
 CG_EXPORT void CGContextSetFontSize(CGContextRef context, CGFloat size);
+/** The size, and the font of a name in UTF-8 as CGFontCreateWithFontName finds it; where it finds
+ *  none the font stays. `encoding` is that of text shown by CGContextShowText. Nothing for a NULL
+ * or empty name. */
+CG_EXPORT void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
+                                   CGTextEncoding encoding);
 /** What is added to each glyph's advance, in text space. */
 CG_EXPORT void CGContextSetCharacterSpacing(CGContextRef context, CGFloat spacing);
 /** Modes that clip clip to the outlines of all glyphs that are shown until something else is drawn;

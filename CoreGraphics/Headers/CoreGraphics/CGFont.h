@@ -39,6 +39,10 @@ CG_ENUM(int32_t, CGFontPostScriptFormat){kCGFontPostScriptFormatType1 = 1,
 /** The first face of the font file that `provider` holds; the provider is retained. NULL where it
  *  holds none. */
 CG_EXPORT CGFontRef CGFontCreateWithDataProvider(CGDataProviderRef provider);
+/** A font of the library's by its full, display or PostScript name, in any case; else the one of
+ * the family that the name tells of which comes nearest in style and weight. NULL where there is no
+ *  such family. */
+CG_EXPORT CGFontRef CGFontCreateWithFontName(CFStringRef name);
 /** A font that says of itself that it has `variations`, a dictionary from axis names to values
  * (NULL for none). They are recorded for those who ask; glyphs stay as they are. */
 CG_EXPORT CGFontRef CGFontCreateCopyWithVariations(CGFontRef font, CFDictionaryRef variations);

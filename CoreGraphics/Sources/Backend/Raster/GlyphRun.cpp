@@ -44,8 +44,8 @@ private:
 // ---- The last run's masks
 
 bool StrikeMemo::isOf(const GlyphStyle& style, const SkPaint& paint) const {
-    return color_ == paint.getColor() && font_ == style.font &&
-           toPixels_ == style.glyphsToPixels && geometry_ == style.props.pixelGeometry();
+    return color_ == paint.getColor() && font_ == style.font && toPixels_ == style.glyphsToPixels &&
+           geometry_ == style.props.pixelGeometry();
 }
 
 sk_sp<SkStrike> StrikeMemo::find(const GlyphStyle& style, const SkPaint& paint) {

@@ -147,6 +147,19 @@ void CGContextShowGlyphsWithAdvances(CGContextRef context, const CGGlyph* glyphs
 
 // ---- Text
 
+void CGContextSelectFont(CGContextRef context, const char* name, CGFloat size,
+                         CGTextEncoding encoding) {
+    if (!context || !name || !*name)
+        return;
+    CGContextSetFontSize(context, size);
+    const auto text = cf::adopt(CFStringCreateWithCString(nullptr, name, kCFStringEncodingUTF8));
+    const auto font = cf::adopt(text ? CGFontCreateWithFontName(text.get()) : nullptr);
+    if (!font)
+        return;
+    CGContextSetFont(context, font.get());
+    context->state.get()->values.textEncoding = encoding;
+}
+
 void CGContextShowText(CGContextRef context, const char* string, size_t length) {
     const XGGStateRef state = stateOf(context);
     if (!string || length == 0 || !XGGStateGetFont(state))

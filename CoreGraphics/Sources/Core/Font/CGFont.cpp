@@ -2,7 +2,7 @@
 
 #include "XGFont.h"
 #include <CoreGraphics/CGFont.h>
-#include <FontManager/FMFontGlyphs.h>
+#include <FontManager/FMLibrary.h>
 
 #include "Core/Font/CGFontRecord.h"
 #include "Core/Object/RuntimeObject.h"
@@ -55,6 +55,12 @@ CGFontRef XGFontCreateWithFMFont(struct FMFont* font) {
 
 CGFontRef CGFontCreateWithDataProvider(CGDataProviderRef provider) {
     return makeFont(cg::FMFontPtr(FMFontCreateWithDataProvider(provider, 0, true)));
+}
+
+CGFontRef CGFontCreateWithFontName(CFStringRef name) {
+    if (!name)
+        return nullptr;
+    return makeFont(cg::FMFontPtr(FMLibraryCopyFontWithName(FMLibraryGetShared(), name, 0)));
 }
 
 CGFontRef CGFontCreateCopyWithVariations(CGFontRef font, CFDictionaryRef variations) {
