@@ -3,6 +3,7 @@
 #include "ClipPaths.h"
 
 #include "Shapes.h"
+#include "Text.h"
 
 namespace svg {
 
@@ -91,6 +92,9 @@ void ClipPaths::drawSilhouette(const Occurrence& shape, const Chain& chain) {
                 CGContextEOFillPath(context_);
             else
                 CGContextFillPath(context_);
+        } else if (shape.element.is("text")) {
+            if (shape.style.isVisible)
+                drawTextSilhouette(scene_, context_, shape);
         } else if (shape.element.is("use")) {
             const Interior used = interiorOf(scene_, shape);
             CGContextConcatCTM(context_, used.transform);

@@ -76,6 +76,11 @@ std::optional<std::string> Element::linkedId() const {
     return whole->substr(1);
 }
 
+std::optional<bool> Element::keepsSpace() const {
+    const auto space = adoptText(xmlGetNsProp(node_, xml("space"), XML_XML_NAMESPACE));
+    return space ? std::optional(*space == "preserve") : std::nullopt;
+}
+
 std::string Element::text() const {
     return adoptText(xmlNodeGetContent(node_)).value_or(std::string());
 }

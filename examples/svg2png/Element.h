@@ -32,6 +32,9 @@ public:
     std::optional<std::string> linkedId() const;
     // The whole link.
     std::optional<std::string> link() const;
+    // Whether white space inside counts as it is written (xml:space); nothing where that is not
+    // said.
+    std::optional<bool> keepsSpace() const;
     // The text inside, its descendants' included.
     std::string text() const;
 

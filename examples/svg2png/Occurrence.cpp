@@ -3,6 +3,7 @@
 #include "Occurrence.h"
 
 #include "Shapes.h"
+#include "Text.h"
 
 #include <algorithm>
 #include <array>
@@ -261,6 +262,8 @@ CGRect boundsOf(Scene& scene, const Occurrence& occurrence) {
         return CGRectNull;
     if (const Path path = shapePath(occurrence))
         return CGPathGetPathBoundingBox(path.get());
+    if (occurrence.element.is("text"))
+        return textBounds(scene, occurrence);
     CGRect bounds = CGRectNull;
     if (!isContainer(occurrence))
         return bounds;

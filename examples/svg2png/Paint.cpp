@@ -27,6 +27,11 @@ std::optional<Color> visibleColor(const PaintSource& source, double opacity) {
     return thinned;
 }
 
+void setFillColor(CGContextRef context, const Color& color) {
+    CGContextSetRGBFillColor(context, CGFloat(color.red), CGFloat(color.green), CGFloat(color.blue),
+                             CGFloat(color.alpha));
+}
+
 // Paints inside the current path.
 void drawInsidePath(CGContextRef context, const Gradient& gradient, FillRule rule, double opacity) {
     if (CGContextIsPathEmpty(context))
@@ -56,8 +61,7 @@ void fill(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef
     if (tile)
         setPattern(context, *tile, PaintedPart::Fill, fillOpacity);
     else if (color)
-        CGContextSetRGBFillColor(context, CGFloat(color->red), CGFloat(color->green),
-                                 CGFloat(color->blue), CGFloat(color->alpha));
+        setFillColor(context, *color);
     if (tile || color) {
         CGContextAddPath(context, path);
         if (style.fillRule == FillRule::EvenOdd)
@@ -130,7 +134,64 @@ void stroke(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathR
     drawInsidePath(context, *gradient, FillRule::NonZero, strokeOpacity);
 }
 
+// ---- Glyphs
+
+void fillGlyphs(Scene& scene, CGContextRef context, const Occurrence& span, CGPathRef box,
+                const std::function<void()>& show) {
+    const double opacity = span.style.fillOpacity;
+    const PaintSource source = paintSourceOf(scene, span, span.style.fill, box);
+    if (const auto* const gradient = std::get_if<Gradient>(&source)) {
+        const SavedState saved(context);
+        CGContextSetTextDrawingMode(context, kCGTextClip);
+        show();
+        CGContextSetAlpha(context, CGFloat(opacity));
+        drawGradient(context, *gradient);
+        return;
+    }
+    const auto* const tile = std::get_if<PatternTile>(&source);
+    const auto color = visibleColor(source, opacity);
+    if (tile)
+        setPattern(context, *tile, PaintedPart::Fill, opacity);
+    else if (color)
+        setFillColor(context, *color);
+    else
+        return;
+    CGContextSetTextDrawingMode(context, kCGTextFill);
+    show();
+}
+
+void strokeGlyphs(Scene& scene, CGContextRef context, const Occurrence& span, CGPathRef box,
+                  const std::function<void()>& show) {
+    const Style& style = span.style;
+    const double width = style.strokeWidth.resolve(Axis::Diagonal, span.viewport, style.emSize());
+    const PaintSource source =
+        width > 0 ? paintSourceOf(scene, span, style.stroke, box) : PaintSource();
+    const auto* const tile = std::get_if<PatternTile>(&source);
+    const auto color = visibleColor(source, style.strokeOpacity);
+    if (std::get_if<Gradient>(&source))
+        scene.report.warn("gradients along the outlines of text are left out");
+    if (tile)
+        setPattern(context, *tile, PaintedPart::Stroke, style.strokeOpacity);
+    else if (color)
+        CGContextSetRGBStrokeColor(context, CGFloat(color->red), CGFloat(color->green),
+                                   CGFloat(color->blue), CGFloat(color->alpha));
+    else
+        return;
+    setLine(context, span, width);
+    CGContextSetTextDrawingMode(context, kCGTextStroke);
+    show();
+}
+
 } // namespace
+
+void paintGlyphs(Scene& scene, CGContextRef context, const Occurrence& span, CGPathRef box,
+                 const std::function<void()>& show) {
+    if (span.style.paintOrder == PaintOrder::StrokeFirst)
+        strokeGlyphs(scene, context, span, box, show);
+    fillGlyphs(scene, context, span, box, show);
+    if (span.style.paintOrder == PaintOrder::FillFirst)
+        strokeGlyphs(scene, context, span, box, show);
+}
 
 void paintShape(Scene& scene, CGContextRef context, const Occurrence& shape, CGPathRef path,
                 double opacity) {

@@ -8,9 +8,7 @@
 #include "Masks.h"
 #include "Paint.h"
 #include "Shapes.h"
-
-#include <algorithm>
-#include <array>
+#include "Text.h"
 
 namespace svg {
 
@@ -42,8 +40,7 @@ CGBlendMode blendModeNamed(std::string_view name) {
 
 // Elements that would leave marks if we could draw them; the others hold definitions and notes.
 bool leavesMarks(Element element) {
-    constexpr std::array names = {"text", "foreignObject"};
-    return std::ranges::any_of(names, [&](auto name) { return element.is(name); });
+    return element.is("foreignObject");
 }
 
 } // namespace
@@ -54,7 +51,8 @@ void Renderer::draw(const Occurrence& occurrence) {
     if (!style.isDisplayed || style.opacity == 0)
         return;
     const Path path = shapePath(occurrence);
-    if (!path && !isContainer(occurrence) && !occurrence.element.is("image")) {
+    const bool isText = occurrence.element.is("text");
+    if (!path && !isText && !isContainer(occurrence) && !occurrence.element.is("image")) {
         if (leavesMarks(occurrence.element))
             scene_.report.cannotDraw(occurrence.element.name());
         return;
@@ -96,6 +94,8 @@ void Renderer::drawContent(const Occurrence& occurrence, CGPathRef path, double 
         drawMarkers(scene_, context_, occurrence, path);
     } else if (occurrence.element.is("image")) {
         drawImage(scene_, context_, occurrence);
+    } else if (occurrence.element.is("text")) {
+        drawText(scene_, context_, occurrence);
     } else {
         drawInterior(occurrence);
     }

@@ -148,8 +148,7 @@ std::optional<PaintOrder> parsePaintOrder(std::string_view text) {
     return stroke < fill ? PaintOrder::StrokeFirst : PaintOrder::FillFirst;
 }
 
-// The steps of the size keywords are those of CSS Fonts 4, for a medium of 16 pixels. No text is
-// drawn yet, but lengths in em hang on this.
+// The steps of the size keywords are those of CSS Fonts 4, for a medium of 16 pixels.
 std::optional<Length> parseFontSize(std::string_view text) {
     constexpr Keywords<Length, 9> keywords = {{{"xx-small", {9, Unit::Pixel}},
                                                {"x-small", {10, Unit::Pixel}},
@@ -162,6 +161,44 @@ std::optional<Length> parseFontSize(std::string_view text) {
                                                {"larger", {1.2, Unit::Em}}}};
     const auto keyword = findKeyword(keywords, text);
     return keyword ? keyword : parseLength(text);
+}
+
+std::optional<std::string> parseFontFamily(std::string_view text) {
+    return std::string(text);
+}
+
+// "bolder" and "lighter" are steps from a weight that this does not know: from the normal one.
+std::optional<int> parseFontWeight(std::string_view text) {
+    constexpr Keywords<int, 4> keywords = {
+        {{"normal", 400}, {"bold", 700}, {"bolder", 700}, {"lighter", 300}}};
+    if (const auto keyword = findKeyword(keywords, text))
+        return keyword;
+    const auto number = parseNumber(text);
+    return number && *number >= 1 && *number <= 1000
+               ? std::optional(int(std::clamp(*number, 100.0, 900.0)))
+               : std::nullopt;
+}
+
+std::optional<bool> parseFontStyle(std::string_view text) {
+    return text.starts_with("italic") || text.starts_with("oblique");
+}
+
+std::optional<TextAnchor> parseTextAnchor(std::string_view text) {
+    constexpr Keywords<TextAnchor, 3> keywords = {
+        {{"start", TextAnchor::Start}, {"middle", TextAnchor::Middle}, {"end", TextAnchor::End}}};
+    return findKeyword(keywords, text);
+}
+
+std::optional<Length> parseSpacing(std::string_view text) {
+    return text == "normal" ? Length() : parseLength(text);
+}
+
+std::optional<unsigned> parseTextDecoration(std::string_view text) {
+    const auto has = [&](std::string_view word, unsigned line) {
+        return text.find(word) != text.npos ? line : unsigned{kNoLines};
+    };
+    return has("underline", kUnderline) | has("overline", kOverline) |
+           has("line-through", kLineThrough);
 }
 
 std::optional<bool> parseVisibility(std::string_view text) {
@@ -236,9 +273,13 @@ constexpr std::array kProperties = {
     property<&Style::filterId, parseReference>("filter"),
     property<&Style::floodColor, parseColorValue>("flood-color"),
     property<&Style::floodOpacity, parseOpacity>("flood-opacity"),
+    property<&Style::fontFamily, parseFontFamily>("font-family"),
     property<&Style::fontSize, parseFontSize>("font-size"),
+    property<&Style::isItalic, parseFontStyle>("font-style"),
+    property<&Style::fontWeight, parseFontWeight>("font-weight"),
     property<&Style::isSmoothed, parseImageRendering>("image-rendering"),
     property<&Style::isIsolated, parseIsolation>("isolation"),
+    property<&Style::letterSpacing, parseSpacing>("letter-spacing"),
     kMarkers,
     property<&Style::markerEndId, parseReference>("marker-end"),
     property<&Style::markerMidId, parseReference>("marker-mid"),
@@ -259,6 +300,8 @@ constexpr std::array kProperties = {
     property<&Style::miterLimit, parseMiterLimit>("stroke-miterlimit"),
     property<&Style::strokeOpacity, parseOpacity>("stroke-opacity"),
     property<&Style::strokeWidth, parseStrokeWidth>("stroke-width"),
+    property<&Style::textAnchor, parseTextAnchor>("text-anchor"),
+    property<&Style::textLines, parseTextDecoration>("text-decoration"),
     property<&Style::hasFixedStrokeWidth, parseVectorEffect>("vector-effect"),
     property<&Style::isVisible, parseVisibility>("visibility"),
 };
@@ -303,6 +346,7 @@ void resolveFontLengths(Style& style, double parentFontSize) {
     style.fontSize = {style.fontSize.resolve(Axis::X, percentBase, parentFontSize), Unit::Pixel};
     resolve(style.strokeWidth, style.emSize());
     resolve(style.dashOffset, style.emSize());
+    resolve(style.letterSpacing, style.emSize());
     for (Length& dash : style.dashes)
         resolve(dash, style.emSize());
 }

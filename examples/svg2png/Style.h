@@ -15,6 +15,9 @@ enum class FillRule { NonZero, EvenOdd };
 enum class LineCap { Butt, Round, Square };
 enum class LineJoin { Miter, Round, Bevel };
 enum class PaintOrder { FillFirst, StrokeFirst };
+enum class TextAnchor { Start, Middle, End };
+// Lines along text; several may be or-ed.
+enum TextLines : unsigned { kNoLines = 0, kUnderline = 1, kOverline = 2, kLineThrough = 4 };
 
 // A colour that may refer to the color property of the element where it is used.
 struct ColorValue {
@@ -49,6 +52,12 @@ struct InheritedStyle {
     Length dashOffset;
     PaintOrder paintOrder = PaintOrder::FillFirst;
     Length fontSize = {16, Unit::Pixel};
+    std::string fontFamily; // A list, as it was written.
+    int fontWeight = 400;   // 100 to 900.
+    bool isItalic = false;
+    TextAnchor textAnchor = TextAnchor::Start;
+    Length letterSpacing;
+    unsigned textLines = kNoLines; // Reach into what is inside, unless that says otherwise.
     bool isVisible = true;
     bool isSmoothed = true;    // Of images that are scaled.
     std::string markerStartId; // These three are empty for "none".

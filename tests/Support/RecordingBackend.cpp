@@ -115,6 +115,15 @@ XGContextCallbacks RecordingBackend::callbacks() {
                 numbers({rect.origin.x, rect.origin.y, rect.size.width, rect.size.height}),
             state, flags);
     };
+    table.drawSprites = [](XGGStateRef state, uint32_t flags, CGFontRef, const void* glyphs,
+                           const CGPoint* positions, size_t count, void* info) {
+        std::string call = flags & kXGContextShadowPass ? "shadow text" : "text";
+        for (size_t index = 0; index < count; ++index)
+            call += (index ? ", " : " ") +
+                    std::to_string(static_cast<const CGGlyph*>(glyphs)[index]) + " at " +
+                    numbers({positions[index].x, positions[index].y});
+        from(info).note(call + " size " + numbers({XGGStateGetFontSize(state)}), state, flags);
+    };
     table.beginTransparencyLayer = [](XGGStateRef state, uint32_t flags, void* info) {
         from(info).noteLayer("begin", state, flags);
     };

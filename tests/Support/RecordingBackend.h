@@ -19,6 +19,7 @@ namespace test {
 //     rects 0 0 4 4, 5 5 1 1 blend 0
 //     shadow image 2 x 1 at 0 0 4 2 | tiled image 2 x 1 at 0 0 4 2
 //     shadow layer at 0 0 4 2
+//     shadow text 36 at 10 20, 37 at 17.5 20 size 14
 //     begin layer alpha 0.5 blend 1 shadowed
 //     end layer alpha 0.5 blend 1 shadowed
 //     shading
