@@ -31,11 +31,9 @@ constexpr int kSize = 256;
 struct Ours {
     cf::Ref<CGContextRef> context = [] {
         const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
-        auto made = cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0, space.get(),
-                                                    CGBitmapInfo{kCGImageAlphaPremultipliedFirst} |
-                                                        CGBitmapInfo{kCGBitmapByteOrder32Little}));
-        CGContextSetAllowsAcceleration(made.get(), false); // Records nothing.
-        return made;
+        return cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0, space.get(),
+                                               CGBitmapInfo{kCGImageAlphaPremultipliedFirst} |
+                                                   CGBitmapInfo{kCGBitmapByteOrder32Little}));
     }();
     CGContextRef c = context.get();
     cf::Ref<CGColorRef> colors[2] = {cf::adopt(CGColorCreateGenericRGB(1, 0, 0, 1)),

@@ -32,9 +32,7 @@ cf::Ref<CGContextRef> makeContext(int size) {
     const CGBitmapInfo info =
         CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
     const auto side = static_cast<std::size_t>(size);
-    auto context = cf::adopt(CGBitmapContextCreate(nullptr, side, side, 8, 0, space.get(), info));
-    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
-    return context;
+    return cf::adopt(CGBitmapContextCreate(nullptr, side, side, 8, 0, space.get(), info));
 }
 
 struct Ours {

@@ -9,6 +9,7 @@
 
 #include "Core/CommandQueue/XGCommandQueueRecord.h"
 #include "Core/Context/CGBitmapContextRecord.h"
+#include "Core/Context/GlyphSprites.h"
 #include "Core/Object/Diagnostics.h"
 
 namespace {
@@ -29,13 +30,15 @@ void fillPath(CGContextRef context, CGPathRef path) {
     CGContextDrawPath(context, _CGPathIsEvenOddFill(path) ? kCGPathEOFill : kCGPathFill);
 }
 
-// Glyphs are drawn by whoever has the atlas that they lie in.
 void drawCommand(CGContextRef context, const XGCommand& command) {
     CGContextSetBlendMode(context, command.blendMode);
     CGContextSetFillColorWithColor(context, command.color);
     switch (command.kind) {
     case kXGCommandFillRects:
         CGContextFillRects(context, XGCommandGetRects(&command), command.itemCount);
+        break;
+    case kXGCommandDrawSprites:
+        cg::drawSprites(context, command);
         break;
     case kXGCommandDrawImage:
         CGContextDrawImage(context, command.bounds, command.image);

@@ -10,6 +10,7 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Context/DeviceStroke.h"
+#include "Core/Context/TextMarks.h"
 
 #include <cstddef>
 
@@ -25,11 +26,11 @@ bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColor
 // What deviceStroke() gave, in the state's stroke colour.
 bool recordStroke(CGContext& context, const DeviceStroke& stroke);
 
+// A run of glyphs in the state's fill colour, as sprites of the compositor's atlas. Unlike the
+// others they are drawn to within a step of coverage, pictures in colours somewhat softer.
+bool recordSprites(CGContext& context, const ShownGlyphs& shown);
+
 // An image with its mask applied, in a rectangle of user space.
 bool recordImage(CGContext& context, CGRect rect, CGImageRef image);
-
-// Glyphs at points of user space. Not without an atlas of textures, and there is none yet.
-bool recordSprites(CGContext& context, CGFontRef font, const CGGlyph* glyphs,
-                   const CGPoint* positions, std::size_t count);
 
 } // namespace cg

@@ -7,6 +7,7 @@
 
 #include "Core/Context/CGContextRecord.h"
 #include "Core/Context/DeviceStroke.h"
+#include "Core/Context/Recording.h"
 
 #include <cmath>
 #include <utility>
@@ -89,6 +90,9 @@ void drawPass(CGContext& context, const ShownGlyphs& shown, const DeviceStroke& 
 }
 
 void drawMarks(CGContext& context, const ShownGlyphs& shown, CGPathRef outlines) {
+    if (context.queue && !strokesText(XGGStateGetTextDrawingMode(context.state.get())) &&
+        recordSprites(context, shown))
+        return;
     prepare(context);
     const XGGStateRef state = context.state.get();
     DeviceStroke stroke;

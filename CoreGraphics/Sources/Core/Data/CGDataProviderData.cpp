@@ -82,7 +82,6 @@ CGDataProviderRef CGDataProviderCreateWithData(void* info, const void* data, siz
         provider.get()->size = static_cast<std::int64_t>(size);
         provider.get()->lentAs(DataVariant::Plain).pointer = data;
         provider.get()->releaseData = releaseData;
-        provider.get()->keepsBytes = releaseData != nullptr;
     }
     return provider.release();
 }
@@ -93,7 +92,6 @@ CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
     auto provider = cg::makeProvider(cg::kDataOperations);
     if (provider) {
         provider.get()->info = const_cast<void*>(static_cast<const void*>(data));
-        provider.get()->keepsBytes = _CFDataOwnsBytes(data);
         cg::becomeData(*provider.get(), cf::retain(data));
     }
     return provider.release();

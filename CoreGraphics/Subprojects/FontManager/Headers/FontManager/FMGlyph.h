@@ -30,7 +30,7 @@ typedef struct FMGlyph {
     int32_t top;           /**< From the same pixel's lower edge up to the upper edge of row 0. */
     uint32_t width;        /**< In pixels; 0 for a glyph that marks none. */
     uint32_t height;       /**< In pixels. */
-    uint32_t bytesPerRow;  /**< A multiple of 4. */
+    uint32_t bytesPerRow;  /**< There is nothing between rows. */
     const uint8_t* pixels; /**< Row 0 is the top one; in the record's own block. Or NULL. */
     CGPathRef path; /**< An outline's, in pixels, y up; without a size in font units. Or NULL. */
     void* sprite;   /**< Where the texture atlas has it; see FMFontCopyBitmapGlyphWithSprite. */

@@ -2,12 +2,8 @@
 
 #include "Face/ExemplarCharacters.h"
 
-#include "Face/RecordList.h"
-
 #include <unicode/uloc.h>
 #include <unicode/ulocdata.h>
-
-#include <new>
 
 namespace fm {
 
@@ -66,13 +62,10 @@ RecordList<ExemplarCharacters> readAll() {
 
 } // namespace
 
-std::span<const ExemplarCharacters> exemplarCharacters() {
+const RecordList<ExemplarCharacters>& exemplarCharacters() {
     // Never destroyed: threads may ask while the process ends.
-    static const auto* const languages =
-        new (std::nothrow) RecordList<ExemplarCharacters>(readAll());
-    if (!languages)
-        return {};
-    return {languages->data(), languages->size()};
+    static const auto& languages = *new RecordList(readAll());
+    return languages;
 }
 
 } // namespace fm

@@ -15,7 +15,7 @@ constexpr std::size_t kBytesPerPathElement = 32;
 
 uint32_t bytesPerRow(FMGlyphFormat format, uint32_t width) {
     constexpr uint32_t bytesPerPixel[] = {0, 1, 3, 4};
-    return (width * bytesPerPixel[format] + 3) / 4 * 4;
+    return width * bytesPerPixel[format];
 }
 
 } // namespace
