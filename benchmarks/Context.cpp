@@ -31,9 +31,11 @@ constexpr int kSize = 256;
 struct Ours {
     cf::Ref<CGContextRef> context = [] {
         const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
-        return cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0, space.get(),
-                                               CGBitmapInfo{kCGImageAlphaPremultipliedFirst} |
-                                                   CGBitmapInfo{kCGBitmapByteOrder32Little}));
+        auto made = cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0, space.get(),
+                                                    CGBitmapInfo{kCGImageAlphaPremultipliedFirst} |
+                                                        CGBitmapInfo{kCGBitmapByteOrder32Little}));
+        CGContextSetAllowsAcceleration(made.get(), false); // Records nothing.
+        return made;
     }();
     CGContextRef c = context.get();
     cf::Ref<CGColorRef> colors[2] = {cf::adopt(CGColorCreateGenericRGB(1, 0, 0, 1)),

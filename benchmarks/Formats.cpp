@@ -34,8 +34,10 @@ cf::Ref<CGContextRef> makeContext(const Format& format) {
     const auto space = format.space == Space::RGB    ? cf::adopt(CGColorSpaceCreateDeviceRGB())
                        : format.space == Space::Gray ? cf::adopt(CGColorSpaceCreateDeviceGray())
                                                      : cf::adopt(CGColorSpaceCreateDeviceCMYK());
-    return cf::adopt(
+    auto context = cf::adopt(
         CGBitmapContextCreate(nullptr, 512, 512, format.bits, 0, space.get(), format.info));
+    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
+    return context;
 }
 
 // The pixels change with every mark, as they do when a picture grows.

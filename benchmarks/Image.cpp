@@ -105,6 +105,7 @@ void draw(benchmark::State& state, Kind kind) {
         CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
     const auto context =
         cf::adopt(CGBitmapContextCreate(nullptr, kSize, kSize, 8, 0, space.get(), info));
+    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
     const auto image = makeImage(kind);
     CGContextSetRGBFillColor(context.get(), 0.2f, 0.4f, 0.8f, 0.5f);
     CGContextSetInterpolationQuality(context.get(), place.quality);

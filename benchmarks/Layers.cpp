@@ -32,7 +32,9 @@ cf::Ref<CGContextRef> makeContext(int size) {
     const CGBitmapInfo info =
         CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
     const auto side = static_cast<std::size_t>(size);
-    return cf::adopt(CGBitmapContextCreate(nullptr, side, side, 8, 0, space.get(), info));
+    auto context = cf::adopt(CGBitmapContextCreate(nullptr, side, side, 8, 0, space.get(), info));
+    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
+    return context;
 }
 
 struct Ours {

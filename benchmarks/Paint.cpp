@@ -47,9 +47,11 @@ cf::Ref<CGGradientRef> makeGradient(int count) {
 
 cf::Ref<CGContextRef> makeContext(int size) {
     const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
-    return cf::adopt(CGBitmapContextCreate(
+    auto context = cf::adopt(CGBitmapContextCreate(
         nullptr, static_cast<std::size_t>(size), static_cast<std::size_t>(size), 8, 0, space.get(),
         CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little}));
+    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
+    return context;
 }
 
 enum class Shape { Linear, Radial };

@@ -37,7 +37,9 @@ cf::Ref<CGContextRef> makeContext(std::size_t size) {
     const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
     const CGBitmapInfo info =
         CGBitmapInfo{kCGImageAlphaPremultipliedFirst} | CGBitmapInfo{kCGBitmapByteOrder32Little};
-    return cf::adopt(CGBitmapContextCreate(nullptr, size, size, 8, 0, space.get(), info));
+    auto context = cf::adopt(CGBitmapContextCreate(nullptr, size, size, 8, 0, space.get(), info));
+    CGContextSetAllowsAcceleration(context.get(), false); // Records nothing.
+    return context;
 }
 
 cf::Ref<CGPatternRef> makePattern(bool isOpaque, CGAffineTransform matrix) {

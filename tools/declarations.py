@@ -7,6 +7,7 @@ import re
 from typing import NamedTuple
 
 EXPORT = re.compile(r"\b(?:CF|CG|HOST)_(?:EXPORT|EXTERN)\b")
+MEMBER_EXPORT = re.compile(r"\bFM_MEMBER_EXPORT\b")
 ATTRIBUTES = re.compile(
     r"__attribute__\s*\(\(.*?\)\)|\b[A-Z]+_(?:PRINTF|FORMAT_FUNCTION|FORMAT_ARGUMENT)\s*\([^()]*\)"
     r"|\b[A-Z]+_NORETURN\b"
@@ -68,3 +69,16 @@ def declarations_in(text):
         if end < 0:
             raise Unreadable("a declaration does not end")
         yield parse(text[macro.end() : end])
+
+
+def members_in(text):
+    """The exported members of C++ classes, as "Class::member"."""
+    text = without_directives(without_comments(text))
+    for head in re.finditer(r"\b(?:class|struct)\s+(\w+)[^;{}()]*\{", text):
+        end = text.find("\n};", head.end())
+        body = text[head.end() : end if end >= 0 else len(text)]
+        for macro in MEMBER_EXPORT.finditer(body):
+            name = re.match(r"[^;()]*?(~?\w+)\s*\(", body[macro.end() :])
+            if not name:
+                raise Unreadable(f"cannot read a member of {head.group(1)}")
+            yield f"{head.group(1)}::{name.group(1)}"

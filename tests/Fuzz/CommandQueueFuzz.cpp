@@ -108,7 +108,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* input, size_t size) {
     const Queue again = cf::adopt(XGCommandQueueCreateDeserialized(flat.data(), space));
     require(again && XGCommandQueueGetCommandCount(again.get()) ==
                          XGCommandQueueGetCommandCount(queue.get()));
-    require(written(again.get()) == flat);
     XGCommandQueueNeedsBlend(queue.get());
     draw(queue.get(), space);
     return 0;

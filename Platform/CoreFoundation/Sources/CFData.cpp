@@ -204,6 +204,11 @@ const UInt8* CFDataGetBytePtr(CFDataRef data) {
     return isData(data) ? data->bytes() : nullptr;
 }
 
+Boolean _CFDataOwnsBytes(CFDataRef data) {
+    return isData(data) && !(data->base.flags & cf::kMutableFlag) &&
+           data->deallocator.get() != kCFAllocatorNull;
+}
+
 UInt8* CFDataGetMutableBytePtr(CFMutableDataRef data) {
     return cf::mayChange(data, kDataClass, __func__) ? data->storage.data() : nullptr;
 }

@@ -2,13 +2,14 @@
 
 #include <Host/Fonts.h>
 
+#include "FontList.h"
+
 #include <fontconfig/fontconfig.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -78,37 +79,17 @@ Pattern match(const char* family, const char* language) {
     return {FcFontMatch(nullptr, wanted.get(), &result), FcPatternDestroy};
 }
 
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-
 } // namespace
 
 bool HostFontEnumerate(HostFontFunction function, void* context) {
-    const Configuration configuration;
-    const FcFontSet* const fonts = configuration.fonts();
-    if (!function || !fonts)
+    const auto list = function ? host::fontList(host::Freshness::Now) : nullptr;
+    if (!list)
         return false;
-    const auto most = static_cast<size_t>(fonts->nfont);
-    const std::unique_ptr<const char*[], Free> paths(
-        static_cast<const char**>(std::calloc(most + 1, sizeof(const char*))));
-    if (!paths)
-        return false;
-
-    // Faces of one file, in whatever order they came, become one.
-    const char** end = paths.get();
-    for (size_t i = 0; i < most; ++i)
-        if (const char* const path = textIn(fonts->fonts[i], FC_FILE, 0))
-            *end++ = path;
-    std::sort(paths.get(), end, [](const char* a, const char* b) { return std::strcmp(a, b) < 0; });
-    end = std::unique(paths.get(), end,
-                      [](const char* a, const char* b) { return std::strcmp(a, b) == 0; });
-
-    for (const char** path = paths.get(); path != end; ++path) {
+    for (const std::string& path : list->files) {
         double seconds = 0;
-        if (!HostFileGetModificationTime(*path, &seconds))
+        if (!HostFileGetModificationTime(path.c_str(), &seconds))
             continue;
-        const HostFont font = {*path, nullptr, static_cast<int64_t>(std::floor(seconds))};
+        const HostFont font = {path.c_str(), nullptr, static_cast<int64_t>(std::floor(seconds))};
         function(&font, context);
     }
     return true;
@@ -131,12 +112,8 @@ bool HostFontMapByName(const char* name, HostMapping* mapping, int64_t* faceInde
 }
 
 bool HostFontHasFamily(const char* family) {
-    const Configuration configuration;
-    const FcFontSet* const fonts = configuration.fonts();
-    for (int i = 0; family && fonts && i < fonts->nfont; ++i)
-        if (isNamed(fonts->fonts[i], FC_FAMILY, family))
-            return true;
-    return false;
+    const auto list = family ? host::fontList(host::Freshness::MayBeOlder) : nullptr;
+    return list && list->hasFamily(family);
 }
 
 bool HostFontGetDefaultFamily(const char* generic, const char* language, char* buffer,

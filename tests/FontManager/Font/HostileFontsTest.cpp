@@ -4,6 +4,7 @@
 #include "EveryCall.h"
 #include "Font/FontRef.h"
 #include "Support/CollectedLog.h"
+#include "Support/FailingAllocator.h"
 
 #include <gtest/gtest.h>
 
@@ -83,4 +84,22 @@ TEST(HostileFonts, AreSurvivedWithWildTables) {
         without.tables.erase(tag);
         survive(without.bytes());
     }
+}
+
+// In an SFNT wrapper: FreeType's reader of bitmap fonts falls over by itself.
+TEST(HostileFonts, AreNoMatterWithoutMemory) {
+    const std::string bytes = EditedFont().bytes();
+    const CollectedLog quiet;
+    HostLogSetThreshold(kHostLogFault);
+    const FailureSweep sweep = failEachAllocation([&] {
+        const auto font =
+            fm::FontRef::adopt(FMFontCreateFromMemory(bytes.data(), bytes.size(), 0, true));
+        for (const CopyName copy : {FMFontCopyFullName, FMFontCopyPostScriptName,
+                                    FMFontCopyDesigner, FMFontCopyStyleName, FMFontCopyDisplayName})
+            const auto name = cf::adopt(copy(font.get(), false));
+        FMFontPurge(font.get());
+        FMFontGetFTFaceUnsafe(font.get(), true);
+    });
+    EXPECT_GT(sweep.failures, 20u);
+    EXPECT_EQ(sweep.leakedBytes, 0);
 }

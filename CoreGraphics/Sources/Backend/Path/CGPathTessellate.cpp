@@ -61,9 +61,9 @@ void sweepInParts(cg::PolygonSweep& sweep, const PathPolygons& polygons, cg::Swe
         sweep.run(polygons, direction);
 }
 
-// Along the longer side a sweep meets fewer edges at a time.
+// Along the longer side a sweep meets fewer edges at a time; turning has its price.
 cg::Sweep sweepFor(const SkRect& box) {
-    return box.width() < box.height() ? cg::Sweep::AlongY : cg::Sweep::AlongX;
+    return 2 * box.width() < box.height() ? cg::Sweep::AlongY : cg::Sweep::AlongX;
 }
 
 // False when memory ran out.

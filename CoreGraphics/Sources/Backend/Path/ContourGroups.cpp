@@ -84,6 +84,8 @@ cg::ContourGroups listSets(DisjointSets& sets, std::size_t count) {
 } // namespace
 
 cg::ContourGroups cg::groupBoxes(std::span<const SkRect> boxes) {
+    if (boxes.size() == 1)
+        return {.members = {0}, .ends = {1}};
     std::vector<std::size_t> order(boxes.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::ranges::sort(order, {}, [&](std::size_t number) { return boxes[number].fLeft; });

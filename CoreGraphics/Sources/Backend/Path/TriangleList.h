@@ -30,6 +30,7 @@ public:
     void handOver(XGPathTessellateFunction function, void* info) {
         constexpr std::size_t trianglesInBatch = 1024;
         std::vector<CGPoint> vertices;
+        vertices.reserve(std::min(corners_.size(), 3 * trianglesInBatch));
         std::uint32_t batch = 0;
         for (std::size_t start = 0; start < indices_.size(); start += 3 * trianglesInBatch) {
             const std::size_t count = std::min(3 * trianglesInBatch, indices_.size() - start);

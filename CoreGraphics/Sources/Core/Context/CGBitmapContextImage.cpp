@@ -9,6 +9,7 @@
 
 #include "Core/Context/CGBitmapContextRecord.h"
 #include "Core/Context/XGBackend.h"
+#include "Core/Data/CGDataProviderRecord.h"
 #include "Core/Image/CGImageRecord.h"
 #include "Core/Object/Diagnostics.h"
 
@@ -80,6 +81,7 @@ CGImageRef XGBitmapContextCreateImageWithSize(CGContextRef context, size_t width
         cg::logFailedAllocation(context, cg::describe(*bitmap));
         return nullptr;
     }
+    provider.get()->keepsBytes = true; // The context copies them before it draws on.
     return cg::makeImage({.width = width,
                           .height = height,
                           .bitsPerComponent = bitmap->bitsPerComponent,

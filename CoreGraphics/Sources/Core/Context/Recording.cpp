@@ -3,12 +3,15 @@
 #include "Core/Context/Recording.h"
 
 #include "XGColorSpace.h"
+#include "XGImage.h"
+#include "XGImagePixels.h"
 #include "XGPath.h"
 
 #include "Core/Color/DisplayedColor.h"
 #include "Core/CommandQueue/XGCommandQueueRecord.h"
 #include "Core/Context/GlyphSprites.h"
 #include "Core/Context/RecordedShapes.h"
+#include "Core/Data/CGDataProviderRecord.h"
 #include "Core/Image/CGImageRecord.h"
 
 #include <algorithm>
@@ -360,7 +363,78 @@ bool recordSprites(CGContext& context, const ShownGlyphs& shown) {
 
 // ---- Images
 
-bool recordImage(CGContext&, CGRect, CGImageRef) {
+namespace {
+
+// Numbers that are added, and halved, without rounding as long as they are no larger than canvases
+// are.
+bool isOnGrid(CGFloat value) {
+    constexpr CGFloat kSteps = 64, kMost = 1 << 14;
+    return std::fabs(value) <= kMost && value * kSteps == std::floor(value * kSteps);
+}
+
+bool isPowerOfTwo(CGFloat value) {
+    int exponent = 0;
+    return value > 0 && std::frexp(value, &exponent) == 0.5f;
+}
+
+// Where an image goes on the canvas, if the transform of its samples can be had from that alone, to
+// the bit.
+std::optional<Edges> exactPlace(const CGRect& rect, const CGAffineTransform& ctm) {
+    const bool isUpright = ctm.b == 0 && ctm.c == 0 && ctm.a == ctm.d && isPowerOfTwo(ctm.a);
+    const Edges edges = Edges::of(rect);
+    const Edges place = edges.mapped(ctm);
+    const CGFloat numbers[] = {ctm.tx,    ctm.ty,     edges.left,   edges.bottom, edges.right,
+                               edges.top, place.left, place.bottom, place.right,  place.top};
+    return isUpright && std::ranges::all_of(numbers, isOnGrid) ? std::optional(place)
+                                                               : std::nullopt;
+}
+
+// Whether the image is still the same when the command is drawn.
+bool keepsItsBytes(CGImageRef image) {
+    const CGDataProviderRef source = XGImageGetSourceDataProvider(image);
+    return XGImageGetCommandQueue(image) || CGImageGetDataProvider(image)->keepsBytes ||
+           (source && source->keepsBytes);
+}
+
+bool isDrawnByDefault(const CGContext& context, CGImageRef image) {
+    const XGGStateRef state = context.state.get();
+    const bool isQualityFree = XGGStateGetInterpolationQuality(state) == kCGInterpolationDefault ||
+                               !CGImageGetShouldInterpolate(image);
+    return isQualityFree && isSmooth(context) &&
+           XGGStateGetRenderingIntent(state) == kCGRenderingIntentDefault &&
+           XGGStateGetBlendMode(state) != kCGBlendModeCopy;
+}
+
+} // namespace
+
+bool recordImage(CGContext& context, CGRect rect, CGImageRef image) {
+    const XGGStateRef state = context.state.get();
+    const auto area = recordableArea(context);
+    const auto place = area ? exactPlace(rect, *XGGStateGetCombinedCTM(state)) : std::nullopt;
+    if (!place || !isDrawnByDefault(context, image) || !keepsItsBytes(image))
+        return false;
+    const Seen seen = seenOf(context, *area, *place);
+    if (seen != Seen::AsItIs || place->isEmpty())
+        return seen == Seen::Nothing || place->isEmpty();
+
+    // Image masks are filled with a colour; pictures have their own, and no room for an alpha.
+    const bool isMask = CGImageIsMask(image);
+    if (!isMask && XGGStateGetAlpha(state) != 1)
+        return false;
+    cf::Ref<CGColorRef> color =
+        isMask ? recordedColor(context, XGGStateGetFillColor(state)) : nullptr;
+    CommandPointer command = !isMask || color ? makeCommand(kXGCommandDrawImage, 0) : nullptr;
+    const auto bounds = place->rect();
+    if (!command || !bounds)
+        return false;
+    command->bounds = *bounds;
+    command->blendMode = XGGStateGetBlendMode(state);
+    command->color = color.release();
+    command->image = cf::retain(image).release();
+    return add(context, std::move(command));
+}
+
+bool recordSprites(CGContext&, CGFontRef, const CGGlyph*, const CGPoint*, std::size_t) {
     return false;
 }
 

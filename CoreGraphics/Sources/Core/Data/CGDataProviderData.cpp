@@ -82,6 +82,7 @@ CGDataProviderRef CGDataProviderCreateWithData(void* info, const void* data, siz
         provider.get()->size = static_cast<std::int64_t>(size);
         provider.get()->lentAs(DataVariant::Plain).pointer = data;
         provider.get()->releaseData = releaseData;
+        provider.get()->keepsBytes = releaseData != nullptr;
     }
     return provider.release();
 }
@@ -92,6 +93,7 @@ CGDataProviderRef CGDataProviderCreateWithCFData(CFDataRef data) {
     auto provider = cg::makeProvider(cg::kDataOperations);
     if (provider) {
         provider.get()->info = const_cast<void*>(static_cast<const void*>(data));
+        provider.get()->keepsBytes = _CFDataOwnsBytes(data);
         cg::becomeData(*provider.get(), cf::retain(data));
     }
     return provider.release();

@@ -81,6 +81,9 @@ struct CGDataProvider {
     cf::Ref<CGDataProviderRef> source;   // Of a crop.
     cg::CropGeometry crop;
     cf::Ref<CFURLRef> url;
+    // The bytes stay what they are while the provider lives: they are its own, or their owner waits
+    // to be told when it no longer needs them. Of callbacks nobody knows.
+    bool keepsBytes = false;
 
     CGDataProvider() = default;
     CGDataProvider(const CGDataProvider&) = delete;

@@ -39,6 +39,9 @@ CF_EXPORT CFMutableDataRef CFDataCreateMutableCopy(CFAllocatorRef allocator, CFI
 CF_EXPORT CFIndex CFDataGetLength(CFDataRef data);
 /** The bytes, valid until the data is changed or freed. */
 CF_EXPORT const UInt8* CFDataGetBytePtr(CFDataRef data);
+/** Whether nobody can change or free the bytes while the data lives: it is immutable, and has
+ *  copied them or frees them itself. */
+CF_EXPORT Boolean _CFDataOwnsBytes(CFDataRef data);
 /** The bytes to write to; NULL for immutable data. */
 CF_EXPORT UInt8* CFDataGetMutableBytePtr(CFMutableDataRef data);
 /** Copies the bytes of `range` into `buffer`. */

@@ -4,6 +4,7 @@
 #include <FontManager/FMBase.h>
 #include <FontManager/FMConfig.h>
 #include <FontManager/FMDatabase.h>
+#include <FontManager/FMFallback.h>
 #include <FontManager/FMFont.h>
 #include <FontManager/FMFontGlyphs.h>
 #include <FontManager/FMFontIterator.h>

@@ -28,6 +28,16 @@ std::size_t encode(CFStringRef string, std::byte* buffer, std::size_t capacity) 
     return static_cast<std::size_t>(size);
 }
 
+// Puts ASCII in lower case, which nearly all paths and names are; false for anything else.
+bool lowerASCII(std::span<std::byte> bytes) {
+    const bool isASCII = std::ranges::all_of(
+        bytes, [](std::byte byte) { return std::to_integer<int>(byte) < 0x80; });
+    for (std::byte& byte : isASCII ? bytes : bytes.first(0))
+        if (byte >= std::byte{'A'} && byte <= std::byte{'Z'})
+            byte |= std::byte{0x20};
+    return isASCII;
+}
+
 } // namespace
 
 RecordKey::RecordKey(const char* kind, FMFontId fontId) {
@@ -41,19 +51,24 @@ RecordKey::RecordKey(const char* kind, FMFontId fontId) {
 }
 
 RecordKey::RecordKey(const char* kind, CFStringRef string) {
-    const auto lower = string ? lowerCase(string) : nullptr;
+    if (!string)
+        return;
+    std::memcpy(short_.data(), kind, kKindSize);
+    const std::size_t length = encode(string, nullptr, 0);
+    const std::span room = std::span(short_).subspan(kKindSize);
+    if (length <= room.size() && lowerASCII(room.first(encode(string, room.data(), length)))) {
+        size_ = kKindSize + length;
+        return;
+    }
+    const auto lower = lowerCase(string);
     if (!lower)
         return;
     const std::size_t needed = kKindSize + encode(lower.get(), nullptr, 0);
-    std::byte* bytes = short_.data();
-    if (needed > short_.size()) {
-        long_.reset(new (std::nothrow) std::byte[needed]);
-        bytes = long_.get();
-        if (!bytes)
-            return;
-    }
-    std::memcpy(bytes, kind, kKindSize);
-    size_ = kKindSize + encode(lower.get(), bytes + kKindSize, needed - kKindSize);
+    long_.reset(new (std::nothrow) std::byte[needed]);
+    if (!long_)
+        return;
+    std::memcpy(long_.get(), kind, kKindSize);
+    size_ = kKindSize + encode(lower.get(), long_.get() + kKindSize, needed - kKindSize);
 }
 
 StringBytes stringBytes(CFStringRef string) {

@@ -32,7 +32,7 @@ private:
     static constexpr std::size_t kKindSize = 4;
 
     std::array<std::byte, 192> short_;
-    std::unique_ptr<std::byte[]> long_; // Of keys that do not fit above.
+    std::unique_ptr<std::byte[]> long_; // Of keys that do not fit above, or are not ASCII.
     std::size_t size_ = 0;
 };
 

@@ -2,8 +2,12 @@
 
 #include "Face/ExemplarCharacters.h"
 
+#include "Face/RecordList.h"
+
 #include <unicode/uloc.h>
 #include <unicode/ulocdata.h>
+
+#include <new>
 
 namespace fm {
 
@@ -62,10 +66,13 @@ RecordList<ExemplarCharacters> readAll() {
 
 } // namespace
 
-const RecordList<ExemplarCharacters>& exemplarCharacters() {
+std::span<const ExemplarCharacters> exemplarCharacters() {
     // Never destroyed: threads may ask while the process ends.
-    static const auto& languages = *new RecordList(readAll());
-    return languages;
+    static const auto* const languages =
+        new (std::nothrow) RecordList<ExemplarCharacters>(readAll());
+    if (!languages)
+        return {};
+    return {languages->data(), languages->size()};
 }
 
 } // namespace fm

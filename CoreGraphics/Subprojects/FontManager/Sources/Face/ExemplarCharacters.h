@@ -2,12 +2,12 @@
 #pragma once
 
 #include "Face/HarfBuzzFace.h"
-#include "Face/RecordList.h"
 
 #include <unicode/uset.h>
 
 #include <array>
 #include <memory>
+#include <span>
 
 namespace fm {
 
@@ -23,6 +23,7 @@ struct ExemplarCharacters {
 };
 
 // Read from ICU's data once, in some 40 ms, and kept until the process ends. In the order of tags.
-const RecordList<ExemplarCharacters>& exemplarCharacters();
+// None where memory ran out.
+std::span<const ExemplarCharacters> exemplarCharacters();
 
 } // namespace fm

@@ -6,6 +6,7 @@
 
 #include "Font/Locks.h"
 
+#include <cstddef>
 #include <limits>
 #include <mutex>
 #include <new>
@@ -18,16 +19,21 @@ namespace {
 // the library's lists. Both live as long as the process, for faces may be closed at its very end.
 struct FreeType {
     host::Mutex mutex;
-    FT_Library library = nullptr;
 
-    FreeType() {
-        if (FT_Init_FreeType(&library) != 0)
-            library = nullptr;
+    // With the lock held. Made when first asked for, and again when memory did not suffice.
+    FT_Library library() {
+        if (!library_ && FT_Init_FreeType(&library_) != 0)
+            library_ = nullptr;
+        return library_;
     }
+
+private:
+    FT_Library library_ = nullptr;
 };
 
 FreeType& freeType() {
-    static auto& shared = *new FreeType;
+    alignas(FreeType) static std::byte storage[sizeof(FreeType)];
+    static FreeType& shared = *new (storage) FreeType;
     return shared;
 }
 
@@ -41,9 +47,9 @@ FT_Face open(const FT_Open_Args& arguments, std::int64_t faceIndex) {
         return nullptr;
     FreeType& shared = freeType();
     const std::lock_guard hold(shared.mutex);
+    const FT_Library library = shared.library();
     FT_Face face = nullptr;
-    if (!shared.library ||
-        FT_Open_Face(shared.library, &arguments, static_cast<FT_Long>(faceIndex), &face) != 0)
+    if (!library || FT_Open_Face(library, &arguments, static_cast<FT_Long>(faceIndex), &face) != 0)
         return nullptr;
     return face;
 }

@@ -3,13 +3,11 @@
 #include "Library/NameInference.h"
 
 #include <CoreFoundation/CFCharacterSet.h>
-#include <CoreFoundation/CFRef.h>
-#include <CoreFoundation/CFString.h>
 #include <FontManager/FMLibrary.h>
 
 #include "Library/NameTables.h"
+#include "Library/NameText.h"
 
-#include <algorithm>
 #include <string_view>
 
 namespace fm {
@@ -30,33 +28,6 @@ bool isLowerOrCaseless(char32_t c) {
     if (c < 0x80)
         return c >= 'a' && c <= 'z';
     return isMember(kCFCharacterSetLetter, c) && !isUpper(c);
-}
-
-std::u16string unitsOf(CFStringRef string) {
-    std::u16string units(static_cast<std::size_t>(CFStringGetLength(string)), u'\0');
-    CFStringGetCharacters(string, CFRangeMake(0, CFStringGetLength(string)),
-                          reinterpret_cast<UniChar*>(units.data()));
-    return units;
-}
-
-cf::Ref<CFStringRef> stringOf(std::u16string_view units) {
-    return cf::adopt(CFStringCreateWithCharacters(nullptr,
-                                                  reinterpret_cast<const UniChar*>(units.data()),
-                                                  static_cast<CFIndex>(units.size())));
-}
-
-std::u16string lowered(std::u16string_view word) {
-    std::u16string result(word);
-    if (std::ranges::all_of(word, [](char16_t c) { return c < 0x80; })) {
-        for (char16_t& c : result)
-            c = isUpper(c) ? static_cast<char16_t>(c + ('a' - 'A')) : c;
-        return result;
-    }
-    const auto mutableWord = cf::adopt(CFStringCreateMutableCopy(nullptr, 0, stringOf(word).get()));
-    if (!mutableWord)
-        return result;
-    CFStringLowercase(mutableWord.get(), nullptr);
-    return unitsOf(mutableWord.get());
 }
 
 char32_t characterAt(std::u16string_view text, std::size_t index) {
@@ -95,7 +66,7 @@ void forEachWord(std::u16string_view name, Take take) {
 class Inference {
 public:
     void add(std::u16string_view original) {
-        std::u16string word = lowered(original);
+        std::u16string word = lowerCased(original);
         if (!takeWeight(word) && !takeStyle(word))
             name_.family += word;
         previous_ = std::move(word);
