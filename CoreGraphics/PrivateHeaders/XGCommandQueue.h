@@ -31,8 +31,10 @@ CG_ENUM(uint32_t, XGCommandKind){
  * that takes the block frees it, and releases the colour, the image and the path. */
 typedef struct XGCommand {
     XGCommandKind kind;
-    CGRect bounds;     /**< What it may mark. */
-    uint8_t isPartial; /**< Set by the queue: the bounds are not just the canvas. */
+    CGRect bounds;      /**< What it may mark. */
+    uint8_t isPartial;  /**< Set by the queue: the bounds are not just the canvas. */
+    uint8_t isPooled;   /**< Set by the queue: the block is a part of a larger one of its own. */
+    uint8_t lendsColor; /**< Set by the queue: the colour is an earlier command's. */
     CGBlendMode blendMode;
     uint32_t reserved28;
     CGColorRef color; /**< Or NULL. */

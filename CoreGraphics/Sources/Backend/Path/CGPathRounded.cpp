@@ -3,8 +3,10 @@
 #include "CGPathRecord.h"
 #include <CoreGraphics/CGPath.h>
 
+#include "Core/Context/XGBackend.h"
 #include "Core/Geometry/Interval.h"
 #include "PathBuild.h"
+#include "PathElements.h"
 #include "PathPoint.h"
 
 #include <algorithm>
@@ -93,6 +95,21 @@ CGPathRef createWith(Add add) {
 }
 
 } // namespace
+
+bool cg::isEllipse(CGPathRef path, CGRect rect) {
+    static constexpr std::array kVerbs = {SkPath::kMove_Verb,  SkPath::kCubic_Verb,
+                                          SkPath::kCubic_Verb, SkPath::kCubic_Verb,
+                                          SkPath::kCubic_Verb, SkPath::kClose_Verb};
+    if (!std::ranges::equal(cg::verbsOf(path->path), kVerbs))
+        return false;
+    const RoundedPoints expected = storedPoints(nullptr, rect, std::abs(rect.size.width) * 0.5f,
+                                                std::abs(rect.size.height) * 0.5f);
+    const SkPoint* point = SkPathPriv::PointData(path->path);
+    bool isSame = *point++ == expected[0];
+    for (std::size_t i = 1; i < expected.size(); ++i)
+        isSame = isSame && (i % 4 == 1 || *point++ == expected[i]); // No lines between curves.
+    return isSame;
+}
 
 void CGPathAddEllipseInRect(CGMutablePathRef path, const CGAffineTransform* m, CGRect rect) {
     SkPath* const points = cg::editablePoints(path);

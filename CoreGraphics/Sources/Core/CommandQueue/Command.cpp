@@ -37,10 +37,12 @@ void releaseSprites(const XGCommand& command) {
 void FreeCommand::operator()(XGCommand* command) const {
     release(command->path);
     release(command->image);
-    release(command->color);
+    if (!command->lendsColor)
+        release(command->color);
     if (command->kind == kXGCommandDrawSprites)
         releaseSprites(*command);
-    std::free(command);
+    if (!command->isPooled)
+        std::free(command);
 }
 
 CommandPointer makeCommand(XGCommandKind kind, std::size_t itemCount) {
@@ -51,6 +53,19 @@ CommandPointer makeCommand(XGCommandKind kind, std::size_t itemCount) {
     if (command) {
         command->kind = kind;
         command->itemCount = static_cast<uint32_t>(itemCount);
+    }
+    return command;
+}
+
+CommandPointer makePooledCommand(CommandPool& pool, XGCommandKind kind, std::size_t itemCount) {
+    const auto size = (CheckedSize(itemCount) * kCommandItemBytes + sizeof(XGCommand)).value();
+    if (!size || itemCount > UINT32_MAX)
+        return nullptr;
+    CommandPointer command(static_cast<XGCommand*>(pool.take(*size)));
+    if (command) {
+        command->kind = kind;
+        command->itemCount = static_cast<uint32_t>(itemCount);
+        command->isPooled = true;
     }
     return command;
 }

@@ -3,6 +3,8 @@
 
 #include "XGCommandQueue.h"
 
+#include "Core/CommandQueue/CommandPool.h"
+
 #include <cstddef>
 #include <memory>
 
@@ -22,6 +24,9 @@ using CommandPointer = std::unique_ptr<XGCommand, FreeCommand>;
 
 // A record of zeroes with room for items; empty when memory runs out.
 CommandPointer makeCommand(XGCommandKind kind, std::size_t itemCount);
+
+// The same in a queue's own memory, which it must not outlive.
+CommandPointer makePooledCommand(CommandPool& pool, XGCommandKind kind, std::size_t itemCount);
 
 // The kind as messages name it.
 const char* commandName(XGCommandKind kind);

@@ -11,6 +11,7 @@
 #include "Core/Object/RuntimeObject.h"
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -155,45 +156,108 @@ bool coversCanvas(const XGCommandQueue& queue, const XGCommand& command) {
            (command.blendMode == kCGBlendModeNormal || command.blendMode == kCGBlendModeCopy);
 }
 
+// A record of its own for one that is in the queue's memory, which all go at once.
+cg::CommandPointer movedOut(cg::CommandPointer command) {
+    if (!command->isPooled)
+        return command;
+    cg::CommandPointer copy = cg::makeCommand(command->kind, command->itemCount);
+    if (!copy)
+        return command;
+    std::memcpy(copy.get(), command.get(),
+                sizeof(XGCommand) + command->itemCount * cg::kCommandItemBytes);
+    copy->isPooled = false;
+    static_cast<void>(command.release());
+    return copy;
+}
+
+// What lies beneath is forgotten.
+cg::CommandPointer uncovered(XGCommandQueue& queue, cg::CommandPointer command) {
+    if (command->lendsColor)
+        command->color = cf::retain(command->color).release();
+    command->lendsColor = false;
+    command = movedOut(std::move(command));
+    queue.commands.clear();
+    if (!command->isPooled)
+        queue.pool.clear();
+    queue.imageCount = 0;
+    queue.backgroundFill = nullptr;
+    return command;
+}
+
 void append(XGCommandQueue& queue, cg::CommandPointer command) {
     const bool covers = coversCanvas(queue, *command);
-    if (covers && queue.commands.size() > 0) {
-        queue.commands.clear();
-        queue.imageCount = 0;
-        queue.backgroundFill = nullptr;
-    }
+    if (covers && queue.commands.size() > 0)
+        command = uncovered(queue, std::move(command));
     if (covers)
         queue.backgroundFill = command.get();
+    if (!command->lendsColor)
+        queue.lastColor = command->color;
     if (command->kind == kXGCommandDrawImage)
         ++queue.imageCount;
     queue.commands.append(std::move(command));
 }
 
+// Whether a command of the kind, mode and colour can follow those that are there.
+bool canTake(XGCommandQueueRef queue, const XGCommand& command, CGColorRef color) {
+    if (!isTakingKind(*queue, command.kind) || !hasRoom(queue, command.kind))
+        return false;
+    return command.blendMode != kCGBlendModeCopy || queue->commands.size() == 0 ||
+           CGColorGetAlpha(color) > kOpaque;
+}
+
+// Settles what follows from mode and bounds. False for a command that nobody could see.
+bool settle(const XGCommandQueue& queue, XGCommand& command) {
+    if (command.blendMode == kCGBlendModeCopy)
+        command.blendMode = kCGBlendModeNormal;
+    command.bounds = CGRectStandardize(command.bounds);
+    command.isPartial = !CGRectEqualToRect(command.bounds, queue.canvas());
+    return !CGRectIsEmpty(command.bounds);
+}
+
 } // namespace
 
 bool XGCommandQueueAddCommand(XGCommandQueueRef queue, XGCommand* command) {
-    if (!queue || !command || !isTakingKind(*queue, command->kind) ||
-        !hasRoom(queue, command->kind))
-        return false;
-    const bool isEmpty = queue->commands.size() == 0;
-    const bool isCopy = command->blendMode == kCGBlendModeCopy;
-    if (isCopy && !isEmpty && CGColorGetAlpha(command->color) <= kOpaque)
+    if (!queue || !command || !canTake(queue, *command, command->color))
         return false;
     cf::Ref<CGColorRef> color;
     if (command->color && !(color = colorOnCanvas(*queue, command->color)))
         return false;
 
+    command->isPooled = command->lendsColor = false;
     cg::CommandPointer taken(command);
-    if (isCopy)
-        taken->blendMode = kCGBlendModeNormal;
-    taken->bounds = CGRectStandardize(taken->bounds);
-    if (CGRectIsEmpty(taken->bounds))
+    if (!settle(*queue, *taken))
         return true;
-    taken->isPartial = !CGRectEqualToRect(taken->bounds, queue->canvas());
     if (const CGColorRef debugColor = cg::debugColorFor(taken->kind))
         color = colorOnCanvas(*queue, debugColor);
     if (color)
         replaceColor(*taken, std::move(color));
     append(*queue, std::move(taken));
+    return true;
+}
+
+// ---- Drafts
+
+XGCommand* cg::draftCommand(XGCommandQueue& queue, XGCommandKind kind, std::size_t itemCount) {
+    return makePooledCommand(queue.pool, kind, itemCount).release();
+}
+
+void cg::dropDraft(XGCommandQueue& queue, XGCommand* draft) {
+    FreeCommand()(draft);
+    queue.pool.giveBack(draft);
+}
+
+bool cg::addDraft(XGCommandQueue& queue, XGCommand* draft, CGColorRef color) {
+    if (!canTake(&queue, *draft, color))
+        return false;
+    if (!settle(queue, *draft)) {
+        dropDraft(queue, draft);
+        return true;
+    }
+    cf::Ref<CGColorRef> debugColor;
+    if (const CGColorRef shown = debugColorFor(draft->kind))
+        color = (debugColor = colorOnCanvas(queue, shown)).get();
+    draft->lendsColor = color == queue.lastColor;
+    draft->color = draft->lendsColor ? color : cf::retain(color).release();
+    append(queue, CommandPointer(draft));
     return true;
 }

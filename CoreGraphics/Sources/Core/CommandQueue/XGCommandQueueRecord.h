@@ -38,7 +38,10 @@ private:
 
 struct XGCommandQueue {
     CFRuntimeBase base;
+    cg::CommandPool pool; // Of the commands that contexts record, which go before it.
     cg::CommandList commands;
+    // The colour of the last recorded command that owns one, for those that follow to share.
+    CGColorRef lastColor = nullptr;
     uint32_t imageCount = 0;
     const XGCommand* backgroundFill = nullptr; // Among the commands.
     bool isClosed = false;
@@ -64,6 +67,13 @@ namespace cg {
 // An empty queue, whatever the options say; NULL when memory runs out.
 XGCommandQueueRef makeQueue(uint32_t width, uint32_t height, uint32_t bitsPerComponent,
                             uint32_t bitsPerPixel, CGColorSpaceRef space, CGBitmapInfo bitmapInfo);
+// A record in the queue's own memory, zeroed; the queue takes it or has it given back. NULL when
+// memory runs out.
+XGCommand* draftCommand(XGCommandQueue& queue, XGCommandKind kind, std::size_t itemCount);
+void dropDraft(XGCommandQueue& queue, XGCommand* draft);
+// XGCommandQueueAddCommand of a draft without a colour, which gets this one: one of the canvas's
+// space, lent, or NULL.
+bool addDraft(XGCommandQueue& queue, XGCommand* draft, CGColorRef color);
 // From now on every command is refused: an image stands for what was recorded until now.
 inline void closeQueue(XGCommandQueueRef queue) {
     queue->isClosed = true;

@@ -14,6 +14,16 @@
 
 namespace {
 
+// Without a copy where the canvas is the device's space.
+void drawPath(CGContextRef context, CGPathRef path, CGPathDrawingMode mode) {
+    if (!context->queue && CGAffineTransformIsIdentity(*cg::combinedCTM(context))) {
+        cg::paintPath(*context, path, mode);
+        return;
+    }
+    CGContextAddPath(context, path);
+    CGContextDrawPath(context, mode);
+}
+
 void strokePath(CGContextRef context, const XGCommand& command) {
     const auto& stroke = command.parameters.stroke;
     CGContextSetStrokeColorWithColor(context, command.color);
@@ -21,13 +31,11 @@ void strokePath(CGContextRef context, const XGCommand& command) {
     CGContextSetLineCap(context, static_cast<CGLineCap>(stroke.cap));
     CGContextSetLineJoin(context, static_cast<CGLineJoin>(stroke.join));
     CGContextSetMiterLimit(context, stroke.miterLimit);
-    CGContextAddPath(context, command.path);
-    CGContextStrokePath(context);
+    drawPath(context, command.path, kCGPathStroke);
 }
 
 void fillPath(CGContextRef context, CGPathRef path) {
-    CGContextAddPath(context, path);
-    CGContextDrawPath(context, _CGPathIsEvenOddFill(path) ? kCGPathEOFill : kCGPathFill);
+    drawPath(context, path, _CGPathIsEvenOddFill(path) ? kCGPathEOFill : kCGPathFill);
 }
 
 void drawCommand(CGContextRef context, const XGCommand& command) {
@@ -85,12 +93,11 @@ constexpr XGDataProviderDirectCallbacks kPixelCallbacks = {
 void XGContextDrawCommandQueue(CGContextRef context, XGCommandQueueRef queue) {
     if (!context || !queue)
         return;
-    for (const auto& command : queue->commands.all()) {
-        CGContextSaveGState(context);
-        CGContextBeginPath(context);
+    CGContextSaveGState(context);
+    CGContextBeginPath(context);
+    for (const auto& command : queue->commands.all())
         drawCommand(context, *command);
-        CGContextRestoreGState(context);
-    }
+    CGContextRestoreGState(context);
 }
 
 CGDataProviderRef XGCommandQueueCreateDataProvider(XGCommandQueueRef queue) {

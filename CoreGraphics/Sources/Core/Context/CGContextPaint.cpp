@@ -142,6 +142,10 @@ void cg::drawStroke(CGContext& context, const DeviceStroke& stroke, uint32_t pas
         drawPass(context, {.stroke = stroke}, passFlags);
 }
 
+void cg::paintPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode) {
+    drawPath(context, const_cast<CGMutablePathRef>(path), mode, Passes::ShadowAndMark);
+}
+
 void CGContextDrawPath(CGContextRef context, CGPathDrawingMode mode) {
     paintCurrentPath(context, mode, cg::Passes::ShadowAndMark);
 }

@@ -68,6 +68,9 @@ bool disablesFontAntialiasing();
 CGMutablePathRef currentPath(CGContextRef context);
 // Takes the current path out of the context: marking and clipping consume it.
 cf::Ref<CGMutablePathRef> takePath(CGContext& context);
+// Draws a path in device space as CGContextDrawPath draws the current one. The context has no
+// queue.
+void paintPath(CGContext& context, CGPathRef path, CGPathDrawingMode mode);
 // Gives a path that was taken back, for the storage that the next one can use.
 void recyclePath(CGContext& context, cf::Ref<CGMutablePathRef> path);
 void dropPath(CGContext& context);

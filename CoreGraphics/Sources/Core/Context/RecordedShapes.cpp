@@ -1,154 +1,30 @@
-// RecordedShapes.cpp: rectangles by their edges, circles, and strokes along the axes.
+// RecordedShapes.cpp: circles, and strokes along the axes.
 
 #include "Core/Context/RecordedShapes.h"
 
 #include "XGPath.h"
-#include <CoreFoundation/CFRef.h>
+
+#include "Core/Context/XGBackend.h"
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace cg {
 
-// ---- Edges
-
-Edges Edges::of(const CGRect& rect) {
-    return {CGRectGetMinX(rect), CGRectGetMinY(rect), CGRectGetMaxX(rect), CGRectGetMaxY(rect)};
-}
-
-bool Edges::isFinite() const {
-    return std::isfinite(left) && std::isfinite(bottom) && std::isfinite(right) &&
-           std::isfinite(top);
-}
-
-bool Edges::isWhole() const {
-    const auto isWholeNumber = [](CGFloat value) { return value == std::floor(value); };
-    return isWholeNumber(left) && isWholeNumber(bottom) && isWholeNumber(right) &&
-           isWholeNumber(top);
-}
-
-bool Edges::contains(const Edges& other) const {
-    return left <= other.left && bottom <= other.bottom && other.right <= right && other.top <= top;
-}
-
-Edges Edges::within(const Edges& other) const {
-    return {std::max(left, other.left), std::max(bottom, other.bottom),
-            std::min(right, other.right), std::min(top, other.top)};
-}
-
-Edges Edges::including(const Edges& other) const {
-    return {std::min(left, other.left), std::min(bottom, other.bottom),
-            std::max(right, other.right), std::max(top, other.top)};
-}
-
-Edges Edges::outset(CGFloat by) const {
-    return {left - by, bottom - by, right + by, top + by};
-}
-
-Edges Edges::mapped(const CGAffineTransform& t) const {
-    const bool isTurned = t.a == 0 && t.d == 0 && !(t.b == 0 && t.c == 0);
-    const CGFloat x0 = isTurned ? bottom * t.c + t.tx : left * t.a + t.tx;
-    const CGFloat x1 = isTurned ? top * t.c + t.tx : right * t.a + t.tx;
-    const CGFloat y0 = isTurned ? left * t.b + t.ty : bottom * t.d + t.ty;
-    const CGFloat y1 = isTurned ? right * t.b + t.ty : top * t.d + t.ty;
-    return {std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
-}
-
-namespace {
-
-// The length that takes `from` to `to` by one rounded addition; NaN if none does.
-CGFloat lengthBetween(CGFloat from, CGFloat to) {
-    constexpr CGFloat kInfinity = std::numeric_limits<CGFloat>::infinity();
-    const CGFloat length = to - from;
-    for (const CGFloat each :
-         {length, std::nextafter(length, kInfinity), std::nextafter(length, -kInfinity)})
-        if (from + each == to)
-            return each;
-    return std::numeric_limits<CGFloat>::quiet_NaN();
-}
-
-} // namespace
-
-std::optional<CGRect> Edges::rect() const {
-    const CGRect rect = {{left, bottom}, {lengthBetween(left, right), lengthBetween(bottom, top)}};
-    const bool isExact = !std::isnan(rect.size.width) && !std::isnan(rect.size.height);
-    return isExact ? std::optional(rect) : std::nullopt;
-}
-
-CGRect Edges::enclosingRect() const {
-    if (const auto exact = rect())
-        return *exact;
-    constexpr CGFloat kInfinity = std::numeric_limits<CGFloat>::infinity();
-    return {{left, bottom},
-            {std::nextafter(right - left, kInfinity), std::nextafter(top - bottom, kInfinity)}};
-}
-
 // ---- Circles
-
-namespace {
-
-// The points of up to four cubics.
-struct CubicPoints {
-    std::array<CGPoint, 13> points;
-    std::size_t count = 0;
-    bool isComplete = true;
-
-    void add(CGPoint point) {
-        if (count < points.size())
-            points[count++] = point;
-        else
-            isComplete = false;
-    }
-};
-
-void addElement(void* info, const CGPathElement* element) {
-    auto& cubics = *static_cast<CubicPoints*>(info);
-    switch (element->type) {
-    case kCGPathElementMoveToPoint:
-        cubics.count = 0;
-        cubics.add(element->points[0]);
-        break;
-    case kCGPathElementAddCurveToPoint:
-        for (std::size_t i = 0; i < 3; ++i)
-            cubics.add(element->points[i]);
-        break;
-    case kCGPathElementCloseSubpath:
-        break;
-    default:
-        cubics.isComplete = false;
-    }
-}
-
-CubicPoints cubicsOf(CGPathRef path) {
-    CubicPoints cubics;
-    CGPathApply(path, &cubics, addElement);
-    cubics.isComplete = cubics.isComplete && cubics.count == cubics.points.size();
-    return cubics;
-}
-
-bool areEqual(CGPoint a, CGPoint b) {
-    return a.x == b.x && a.y == b.y;
-}
-
-} // namespace
 
 std::optional<CGRect> circleOf(CGPathRef path) {
     const auto square = Edges::of(CGPathGetBoundingBox(path)).rect();
-    if (!square || !_CGPathICantBelieveItsNotACircle(path, nullptr))
-        return std::nullopt;
-    const CubicPoints drawn = cubicsOf(path);
-    const auto circle = cf::adopt(CGPathCreateWithEllipseInRect(*square, nullptr));
-    if (!drawn.isComplete || !circle)
-        return std::nullopt;
-    const CubicPoints redrawn = cubicsOf(circle.get());
-    const bool isSame = std::ranges::equal(drawn.points, redrawn.points, areEqual);
-    return isSame ? square : std::nullopt;
+    const bool isSame = square && isEllipse(path, *square);
+    return isSame && _CGPathICantBelieveItsNotACircle(path, nullptr) ? square : std::nullopt;
 }
 
 // ---- Strokes
 
 namespace {
+
+bool areEqual(CGPoint a, CGPoint b) {
+    return a.x == b.x && a.y == b.y;
+}
 
 // Of a segment along an axis, -1, 0 or 1 on each.
 CGPoint directionOf(CGPoint from, CGPoint to) {

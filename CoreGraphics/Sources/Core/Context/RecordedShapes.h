@@ -1,10 +1,11 @@
 // RecordedShapes.h: paths that simpler shapes can stand for, to the pixel.
 #pragma once
 
-#include <CoreGraphics/CGAffineTransform.h>
 #include <CoreGraphics/CGContext.h>
 #include <CoreGraphics/CGGeometry.h>
 #include <CoreGraphics/CGPath.h>
+
+#include "Core/Context/Edges.h"
 
 #include <array>
 #include <cstddef>
@@ -12,30 +13,6 @@
 #include <span>
 
 namespace cg {
-
-// A rectangle by its edges: unlike origin and size these clip without rounding.
-struct Edges {
-    CGFloat left = 0, bottom = 0, right = 0, top = 0;
-
-    static Edges of(const CGRect& rect);
-    friend bool operator==(const Edges&, const Edges&) = default;
-
-    bool isEmpty() const { return !(left < right && bottom < top); }
-    bool isFinite() const;
-    // All between pixels.
-    bool isWhole() const;
-    bool contains(const Edges& other) const;
-    Edges within(const Edges& other) const;
-    Edges including(const Edges& other) const;
-    Edges outset(CGFloat by) const;
-    // By a transform that turns by right angles alone.
-    Edges mapped(const CGAffineTransform& transform) const;
-
-    // The rectangle whose edges, added up again, are exactly these. None if there is no such.
-    std::optional<CGRect> rect() const;
-    // One that is as large or larger, by less than shows.
-    CGRect enclosingRect() const;
-};
 
 // The square around a path that is, to the bit, the circle in that square. Edges of others that
 // pass for circles are several steps off: at a tangent, the least rounding decides whether a curve

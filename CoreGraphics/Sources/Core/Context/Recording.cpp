@@ -13,6 +13,7 @@
 #include "Core/Context/RecordedShapes.h"
 #include "Core/Data/CGDataProviderRecord.h"
 #include "Core/Image/CGImageRecord.h"
+#include "Core/State/XGClippingRecord.h"
 
 #include <algorithm>
 #include <array>
@@ -28,23 +29,24 @@ namespace {
 
 bool isSmooth(const CGContext& context) {
     return (context.allowsFlags & kXGContextAllowsAntialiasing) &&
-           XGGStateShouldAntialias(context.state.get());
+           (context.state.get()->values.flags & kShouldAntialias);
 }
 
 Edges canvasOf(const CGContext& context) {
-    return Edges::of(context.queue.get()->canvas());
+    const XGCommandQueue& queue = *context.queue.get();
+    return {0, 0, static_cast<CGFloat>(queue.width), static_cast<CGFloat>(queue.height)};
 }
 
 // What the clip leaves of the canvas; none for a clip that is more than a rectangle of pixels.
 // There is none, too, where the state asks for what no command has.
 std::optional<Edges> recordableArea(const CGContext& context) {
-    const XGGStateRef state = context.state.get();
-    if (XGGStateHasShadow(state) || !XGGStateBlendModeIsPorterDuff(state))
+    const XGGState& state = *context.state.get();
+    const XGClipping* const clipping = state.clipping.get();
+    if ((state.values.shadowColor && XGGStateHasShadow(context.state.get())) ||
+        !state.values.isPorterDuff || !clipping || clipping->paths || clipping->mask ||
+        CGRectIsNull(clipping->rect))
         return std::nullopt;
-    const CGRect clip = XGClippingGetSimpleRect(XGGStateGetClipping(state));
-    if (CGRectIsNull(clip))
-        return std::nullopt;
-    const Edges area = Edges::of(clip).within(canvasOf(context));
+    const Edges area = Edges::of(clipping->rect).within(canvasOf(context));
     return area.isEmpty() || area.isWhole() ? std::optional(area) : std::nullopt;
 }
 
@@ -53,16 +55,19 @@ CGFloat toSteps(CGFloat component) {
     return component > 0 ? std::round(std::min(component, CGFloat{1}) * 255) : 0;
 }
 
-// The colour on the canvas, with the state's alpha in it, as precisely as bitmaps have that. Empty
-// for one that the canvas's space cannot express, and for patterns.
-cf::Ref<CGColorRef> recordedColor(CGContext& context, CGColorRef color) {
+// The colour on the canvas, with the state's alpha in it, as precisely as bitmaps have that; lent.
+// NULL for one that the canvas's space cannot express, and for patterns.
+CGColorRef recordedColor(CGContext& context, CGColorRef color) {
+    const XGCommandQueue& queue = *context.queue.get();
+    const CGFloat alpha = context.state.get()->values.alpha;
+    if (color && color == queue.lastColor && alpha == 1)
+        return color; // Was asked about for the command before.
     if (!color || CGColorGetPattern(color))
         return nullptr;
-    const CGColorSpaceRef canvas = context.queue.get()->space.get();
+    const CGColorSpaceRef canvas = queue.space.get();
     const CGColorSpaceRef space = CGColorGetColorSpace(color);
-    const CGFloat alpha = XGGStateGetAlpha(context.state.get());
     if (alpha == 1 && (space == canvas || XGColorSpaceEqualToColorSpace(space, canvas)))
-        return cf::retain(color);
+        return color;
     // Gray bitmaps are painted in colours, which only then become gray.
     const bool isGray = CGColorSpaceGetModel(canvas) == kCGColorSpaceModelMonochrome;
     if (isGray && CGColorSpaceGetModel(space) != kCGColorSpaceModelMonochrome)
@@ -72,49 +77,63 @@ cf::Ref<CGColorRef> recordedColor(CGContext& context, CGColorRef color) {
     const CGFloat total = std::round(alpha * toSteps(opacity)) / 255;
     const std::array components = isGray ? std::array{red, total, CGFloat{0}, CGFloat{0}}
                                          : std::array{red, green, blue, total};
-    return cf::retain(context.recentColors.get(canvas, components.data()));
+    return context.recentColors.get(canvas, components.data());
 }
 
 // ---- Commands
 
-bool add(CGContext& context, CommandPointer command) {
-    if (!XGCommandQueueAddCommand(context.queue.get(), command.get()))
-        return false;
-    static_cast<void>(command.release());
-    return true;
-}
+// A command that is being made, with the state's blend mode and a colour, which is lent.
+class Draft {
+public:
+    Draft(CGContext& context, XGCommandKind kind, CGColorRef color, std::size_t itemCount = 0)
+        : queue_(*context.queue.get()), color_(color),
+          command_(draftCommand(queue_, kind, itemCount)) {
+        if (command_)
+            command_->blendMode = context.state.get()->values.blendMode;
+    }
+    ~Draft() {
+        if (command_)
+            dropDraft(queue_, command_);
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
 
-// Nothing in it yet but what comes from the state; empty when memory runs out, or without colour.
-CommandPointer startCommand(CGContext& context, XGCommandKind kind, cf::Ref<CGColorRef> color,
-                            std::size_t itemCount = 0) {
-    CommandPointer command = color ? makeCommand(kind, itemCount) : nullptr;
-    if (!command)
-        return nullptr;
-    command->color = color.release();
-    command->blendMode = XGGStateGetBlendMode(context.state.get());
-    return command;
-}
+    // Not when memory ran out.
+    explicit operator bool() const { return command_; }
+    XGCommand* operator->() const { return command_; }
+    XGCommand* get() const { return command_; }
 
-// A copy onto an empty canvas becomes a normal fill, which is as much only where pixels are covered
-// as a whole.
-bool isTranslucentCopy(const XGCommand& command) {
-    constexpr CGFloat kOpaque = 0.999f;
-    return command.blendMode == kCGBlendModeCopy && CGColorGetAlpha(command.color) <= kOpaque;
-}
+    // A copy onto an empty canvas becomes a normal fill, which is as much only where pixels are
+    // covered as a whole.
+    bool isTranslucentCopy() const {
+        constexpr CGFloat kOpaque = 0.999f;
+        return command_->blendMode == kCGBlendModeCopy && CGColorGetAlpha(color_) <= kOpaque;
+    }
 
-// Collects what is to be seen of rectangles in device space.
+    bool add() {
+        if (!addDraft(queue_, command_, color_))
+            return false;
+        command_ = nullptr;
+        return true;
+    }
+
+private:
+    XGCommandQueue& queue_;
+    CGColorRef color_;
+    XGCommand* command_;
+};
+
+// Collects what is to be seen of rectangles in device space, in a colour that is lent.
 class RectCollector {
 public:
-    RectCollector(CGContext& context, const Edges& area, cf::Ref<CGColorRef> color,
-                  std::size_t count)
-        : command_(startCommand(context, kXGCommandFillRects, std::move(color), count)),
-          area_(area), isCanvas_(area == canvasOf(context)) {
-        if (command_)
-            needsWholePixels_ = !isSmooth(context) || isTranslucentCopy(*command_);
+    RectCollector(CGContext& context, const Edges& area, CGColorRef color, std::size_t count)
+        : draft_(context, kXGCommandFillRects, color, count), area_(area),
+          isCanvas_(area == canvasOf(context)) {
+        needsWholePixels_ = draft_ && (!isSmooth(context) || draft_.isTranslucentCopy());
     }
 
     bool add(const Edges& edges) {
-        if (!command_ || !edges.isFinite())
+        if (!draft_ || !edges.isFinite())
             return false;
         const Edges seen = edges.within(area_);
         if (seen.isEmpty())
@@ -126,37 +145,35 @@ public:
         const auto rect = (isCut ? seen : edges).rect();
         if (!rect)
             return false;
-        XGCommandGetRects(command_.get())[count_++] = *rect;
+        XGCommandGetRects(draft_.get())[count_++] = *rect;
         bounds_ = count_ == 1 ? seen : bounds_.including(seen);
         return true;
     }
 
     // Nothing to be seen is recorded without a trace.
-    bool finish(CGContext& context) {
-        if (!command_)
-            return false;
-        if (count_ == 0)
-            return true;
-        command_->itemCount = count_;
-        command_->bounds = bounds_.enclosingRect();
-        return cg::add(context, std::move(command_));
+    bool finish() {
+        if (!draft_ || count_ == 0)
+            return bool(draft_);
+        draft_->itemCount = count_;
+        draft_->bounds = bounds_.enclosingRect();
+        return draft_.add();
     }
 
 private:
-    CommandPointer command_;
+    Draft draft_;
     Edges area_;
     Edges bounds_;
     std::uint32_t count_ = 0;
     bool isCanvas_;
-    bool needsWholePixels_ = false;
+    bool needsWholePixels_;
 };
 
 template <typename Rects>
-bool recordDeviceRects(CGContext& context, const Edges& area, cf::Ref<CGColorRef> color,
+bool recordDeviceRects(CGContext& context, const Edges& area, CGColorRef color,
                        const Rects& rects) {
-    RectCollector collector(context, area, std::move(color), rects.size());
+    RectCollector collector(context, area, color, rects.size());
     return std::ranges::all_of(rects, [&](const Edges& each) { return collector.add(each); }) &&
-           collector.finish(context);
+           collector.finish();
 }
 
 // Whether a clip to `area` changes nothing of a mark within `bounds`: neither what is seen of it
@@ -173,13 +190,19 @@ Seen seenOf(const CGContext& context, const Edges& area, const Edges& bounds) {
     return isUntouchedBy(area, bounds, context) ? Seen::AsItIs : Seen::Clipped;
 }
 
-bool recordPath(CGContext& context, CommandPointer command, CGPathRef path, const Edges& bounds,
+bool recordPath(const CGContext& context, Draft& draft, CGPathRef path, const Edges& bounds,
                 const Edges& area) {
-    if (!command || !isSmooth(context) || isTranslucentCopy(*command))
+    if (!draft || !isSmooth(context) || draft.isTranslucentCopy())
         return false;
-    command->path = cf::retain(path).release();
-    command->bounds = bounds.outset(1).within(area).enclosingRect();
-    return add(context, std::move(command));
+    draft->path = cf::retain(path).release();
+    draft->bounds = bounds.outset(1).within(area).enclosingRect();
+    return draft.add();
+}
+
+bool recordFilledPath(CGContext& context, CGColorRef color, CGPathRef path, const Edges& bounds,
+                      const Edges& area) {
+    Draft draft(context, kXGCommandFillPath, color);
+    return recordPath(context, draft, path, bounds, area);
 }
 
 // Whether rectangles put down what paths of whole pixels do. So they do in the layout that most
@@ -195,8 +218,7 @@ bool drawsRectsAsPaths(const CGContext& context) {
 
 // ---- Fills
 
-bool recordAsRects(CGContext& context, const Edges& area, CGPathRef path,
-                   const cf::Ref<CGColorRef>& color) {
+bool recordAsRects(CGContext& context, const Edges& area, CGPathRef path, CGColorRef color) {
     if (!drawsRectsAsPaths(context))
         return false;
     std::array<CGRect, 8> rects;
@@ -213,16 +235,15 @@ bool recordAsRects(CGContext& context, const Edges& area, CGPathRef path,
     return recordDeviceRects(context, area, color, found);
 }
 
-bool recordAsCircle(CGContext& context, const Edges& area, CGPathRef path,
-                    const cf::Ref<CGColorRef>& color) {
+bool recordAsCircle(CGContext& context, const Edges& area, CGPathRef path, CGColorRef color) {
     const auto circle = circleOf(path);
     if (!circle || !isSmooth(context) || seenOf(context, area, Edges::of(*circle)) != Seen::AsItIs)
         return false;
-    CommandPointer command = startCommand(context, kXGCommandFillCircle, color);
-    if (!command || isTranslucentCopy(*command))
+    Draft draft(context, kXGCommandFillCircle, color);
+    if (!draft || draft.isTranslucentCopy())
         return false;
-    command->bounds = *circle;
-    return add(context, std::move(command));
+    draft->bounds = *circle;
+    return draft.add();
 }
 
 bool hasUprightCTM(const CGContext& context) {
@@ -236,18 +257,20 @@ bool recordRects(CGContext& context, const CGRect* rects, std::size_t count) {
     const auto area = recordableArea(context);
     if (!area || !hasUprightCTM(context))
         return false;
-    const CGAffineTransform& ctm = *XGGStateGetCombinedCTM(context.state.get());
-    RectCollector collector(
-        context, *area, recordedColor(context, XGGStateGetFillColor(context.state.get())), count);
+    const StateValues& values = context.state.get()->values;
+    const CGColorRef color = recordedColor(context, values.fillColor.get());
+    if (!color)
+        return false;
+    RectCollector collector(context, *area, color, count);
     for (std::size_t index = 0; index < count; ++index)
-        if (!collector.add(Edges::of(rects[index]).mapped(ctm)))
+        if (!collector.add(Edges::of(rects[index]).mapped(values.combinedCTM)))
             return false;
-    return collector.finish(context);
+    return collector.finish();
 }
 
 bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColorRef color) {
     const auto area = recordableArea(context);
-    const auto onCanvas = area ? recordedColor(context, color) : nullptr;
+    const CGColorRef onCanvas = area ? recordedColor(context, color) : nullptr;
     const Edges bounds = Edges::of(CGPathGetBoundingBox(path));
     if (!onCanvas || !bounds.isFinite())
         return false;
@@ -259,8 +282,7 @@ bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColor
     if (seenOf(context, *area, bounds) != Seen::AsItIs)
         return false;
     _CGPathSetEvenOddFill(path, evenOdd ? kXGPathFillEvenOdd : kXGPathFillWinding);
-    return recordPath(context, startCommand(context, kXGCommandFillPath, onCanvas), path, bounds,
-                      *area);
+    return recordFilledPath(context, onCanvas, path, bounds, *area);
 }
 
 // ---- Strokes
@@ -276,7 +298,7 @@ CGFloat reachOf(XGGStateRef state, CGFloat width) {
     return std::max(width, CGFloat{1}) / 2 * miters;
 }
 
-bool recordLine(CGContext& context, const DeviceStroke& stroke, const cf::Ref<CGColorRef>& color,
+bool recordLine(CGContext& context, const DeviceStroke& stroke, CGColorRef color,
                 const Edges& area) {
     const XGGStateRef state = context.state.get();
     const CGPathRef path = stroke.path.get();
@@ -294,15 +316,14 @@ bool recordLine(CGContext& context, const DeviceStroke& stroke, const cf::Ref<CG
     if (hasUprightCTM(context) && drawsRectsAsPaths(context) && rects.collect(path, style) &&
         recordDeviceRects(context, area, color, rects.all()))
         return true;
-    CommandPointer command =
-        seen == Seen::AsItIs ? startCommand(context, kXGCommandStrokePath, color) : nullptr;
-    if (!command)
+    Draft draft(context, kXGCommandStrokePath, color);
+    if (seen != Seen::AsItIs || !draft)
         return false;
-    command->parameters.stroke = {.width = style.width,
-                                  .cap = static_cast<std::int32_t>(style.cap),
-                                  .join = static_cast<std::int32_t>(style.join),
-                                  .miterLimit = style.miterLimit};
-    return recordPath(context, std::move(command), path, bounds, area);
+    draft->parameters.stroke = {.width = style.width,
+                                .cap = static_cast<std::int32_t>(style.cap),
+                                .join = static_cast<std::int32_t>(style.join),
+                                .miterLimit = style.miterLimit};
+    return recordPath(context, draft, path, bounds, area);
 }
 
 } // namespace
@@ -312,7 +333,7 @@ bool recordStroke(CGContext& context, const DeviceStroke& stroke) {
     if (!stroke.path)
         return true; // It puts nothing down.
     const auto area = recordableArea(context);
-    const auto onCanvas = area ? recordedColor(context, color) : nullptr;
+    const CGColorRef onCanvas = area ? recordedColor(context, color) : nullptr;
     if (!onCanvas)
         return false;
     if (stroke.form == StrokeForm::Line)
@@ -323,8 +344,7 @@ bool recordStroke(CGContext& context, const DeviceStroke& stroke) {
     const Seen seen = seenOf(context, *area, bounds);
     return seen == Seen::Nothing ||
            (seen == Seen::AsItIs &&
-            recordPath(context, startCommand(context, kXGCommandFillPath, onCanvas),
-                       stroke.path.get(), bounds, *area));
+            recordFilledPath(context, onCanvas, stroke.path.get(), bounds, *area));
 }
 
 // ---- Glyphs
@@ -421,17 +441,14 @@ bool recordImage(CGContext& context, CGRect rect, CGImageRef image) {
     const bool isMask = CGImageIsMask(image);
     if (!isMask && XGGStateGetAlpha(state) != 1)
         return false;
-    cf::Ref<CGColorRef> color =
-        isMask ? recordedColor(context, XGGStateGetFillColor(state)) : nullptr;
-    CommandPointer command = !isMask || color ? makeCommand(kXGCommandDrawImage, 0) : nullptr;
+    const CGColorRef color = isMask ? recordedColor(context, XGGStateGetFillColor(state)) : nullptr;
     const auto bounds = place->rect();
-    if (!command || !bounds)
+    Draft draft(context, kXGCommandDrawImage, color);
+    if ((isMask && !color) || !bounds || !draft)
         return false;
-    command->bounds = *bounds;
-    command->blendMode = XGGStateGetBlendMode(state);
-    command->color = color.release();
-    command->image = cf::retain(image).release();
-    return add(context, std::move(command));
+    draft->bounds = *bounds;
+    draft->image = cf::retain(image).release();
+    return draft.add();
 }
 
 bool recordSprites(CGContext&, CGFontRef, const CGGlyph*, const CGPoint*, std::size_t) {

@@ -49,6 +49,9 @@ bool reinterpretPixels(void* backend, const Bitmap& bitmap);
 void addLine(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y,
              const char* function);
 
+// Whether the path is, to the bit, what CGPathAddEllipseInRect makes of `rect`.
+bool isEllipse(CGPathRef path, CGRect rect);
+
 // Empties a path but keeps the memory of its points, for the next path to use.
 void rewindPath(CGMutablePathRef path);
 
