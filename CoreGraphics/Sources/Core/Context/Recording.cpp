@@ -364,21 +364,20 @@ bool wantsStripes(const CGContext& context) {
 
 bool recordSprites(CGContext& context, const ShownGlyphs& shown) {
     const auto area = textureAtlasCallbacks() ? recordableArea(context) : std::nullopt;
-    auto color =
+    const CGColorRef color =
         area ? recordedColor(context, XGGStateGetFillColor(context.state.get())) : nullptr;
     if (!color || wantsStripes(context))
         return false;
-    CommandPointer command =
-        startCommand(context, kXGCommandDrawSprites, std::move(color), shown.count);
-    if (!command || isTranslucentCopy(*command))
+    Draft draft(context, kXGCommandDrawSprites, color, shown.count);
+    if (!draft || draft.isTranslucentCopy())
         return false;
-    const auto bounds = addSprites(context, shown, *command);
+    const auto bounds = addSprites(context, shown, *draft.get());
     if (!bounds || seenOf(context, *area, *bounds) == Seen::Clipped)
         return false;
-    if (command->itemCount == 0 || seenOf(context, *area, *bounds) == Seen::Nothing)
+    if (draft->itemCount == 0 || seenOf(context, *area, *bounds) == Seen::Nothing)
         return true;
-    command->bounds = bounds->within(*area).enclosingRect();
-    return add(context, std::move(command));
+    draft->bounds = bounds->within(*area).enclosingRect();
+    return draft.add();
 }
 
 // ---- Images
@@ -449,10 +448,6 @@ bool recordImage(CGContext& context, CGRect rect, CGImageRef image) {
     draft->bounds = *bounds;
     draft->image = cf::retain(image).release();
     return draft.add();
-}
-
-bool recordSprites(CGContext&, CGFontRef, const CGGlyph*, const CGPoint*, std::size_t) {
-    return false;
 }
 
 } // namespace cg

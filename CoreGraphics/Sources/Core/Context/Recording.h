@@ -33,8 +33,4 @@ bool recordSprites(CGContext& context, const ShownGlyphs& shown);
 // An image with its mask applied, in a rectangle of user space.
 bool recordImage(CGContext& context, CGRect rect, CGImageRef image);
 
-// Glyphs at points of user space. Not without an atlas of textures, and there is none yet.
-bool recordSprites(CGContext& context, CGFontRef font, const CGGlyph* glyphs,
-                   const CGPoint* positions, std::size_t count);
-
 } // namespace cg
