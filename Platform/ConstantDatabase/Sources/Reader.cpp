@@ -4,6 +4,7 @@
 #include <cdb.h>
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <utility>
 
@@ -62,7 +63,8 @@ std::optional<Bytes> Reader::find(Bytes key) const {
         if (wordAt(place) != hash)
             continue;
         const auto record = recordAt(position);
-        if (record && std::ranges::equal(record->key, key))
+        if (record && record->key.size() == key.size() &&
+            std::memcmp(record->key.data(), key.data(), key.size()) == 0)
             return record->value;
     }
     return std::nullopt;
@@ -87,10 +89,11 @@ std::optional<Reader::Record> Reader::recordAt(std::size_t position) const {
 
 // Little-endian, at any address.
 std::uint32_t Reader::wordAt(std::size_t position) const {
+    const std::byte* const bytes = bytes_.data() + position;
     const auto byte = [&](std::size_t index) {
-        return std::to_integer<std::uint32_t>(bytes_[position + index]);
+        return std::to_integer<std::uint32_t>(bytes[index]) << (8 * index);
     };
-    return byte(0) | byte(1) << 8 | byte(2) << 16 | byte(3) << 24;
+    return byte(0) | byte(1) | byte(2) | byte(3);
 }
 
 void Reader::swap(Reader& other) noexcept {

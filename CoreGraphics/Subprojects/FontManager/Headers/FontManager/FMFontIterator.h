@@ -14,7 +14,7 @@ CG_ENUM(int32_t, FMFontIteratorType){
     kFMFontIteratorTypeData = 2, /**< A font in memory. */
 };
 
-/** An iterator before the first of the fonts that are installed now. A walk belongs to one thread
+/** An iterator before the first of the installed fonts. A walk belongs to one thread
  *  at a time. NULL when memory runs out or the host cannot list its fonts. */
 CG_EXPORT FMFontIteratorRef FMFontIteratorCreate(void);
 CG_EXPORT void FMFontIteratorRelease(FMFontIteratorRef iterator);
