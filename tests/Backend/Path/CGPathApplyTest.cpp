@@ -49,16 +49,6 @@ TEST(CGPathApply, PutsThePreviousEndBeforeTheElementsPoints) {
     }
 }
 
-TEST(CGPathApply, AllPointsOfNoElementAreNone) {
-    uint32_t count = 7;
-    EXPECT_FALSE(_CGPathElementGetAllPoints(nullptr, &count));
-    const CGPathElement empty = {kCGPathElementAddLineToPoint, nullptr};
-    EXPECT_FALSE(_CGPathElementGetAllPoints(&empty, &count));
-    CGPoint points[2] = {{1, 1}, {2, 2}};
-    const CGPathElement line = {kCGPathElementAddLineToPoint, &points[1]};
-    EXPECT_EQ(_CGPathElementGetAllPoints(&line, nullptr), points);
-}
-
 TEST(CGPathApply, LetsTheFunctionDoAsItLikes) {
     MutablePath path = everyKind();
     const std::string before = text(path);

@@ -30,19 +30,6 @@ TEST(CGPathEllipse, IsTheSameForEitherSignOfItsSize) {
     EXPECT_EQ(text(path), text(same));
 }
 
-TEST(CGPathEllipse, LiesOnTheEllipse) {
-    const Path path = cf::adopt(CGPathCreateWithEllipseInRect({{-30, -10}, {60, 20}}, nullptr));
-    for (int degrees = 0; degrees < 360; degrees += 5) {
-        const float angle = static_cast<float>(degrees) * 0.017453293f;
-        const CGPoint p = {30 * std::cos(angle), 10 * std::sin(angle)};
-        EXPECT_TRUE(CGPathContainsPoint(path.get(), nullptr, {p.x * 0.9995f, p.y * 0.9995f}, false))
-            << degrees;
-        EXPECT_FALSE(
-            CGPathContainsPoint(path.get(), nullptr, {p.x * 1.0005f, p.y * 1.0005f}, false))
-            << degrees;
-    }
-}
-
 TEST(CGPathRoundedRect, JoinsItsCornersByLines) {
     const Path path = cf::adopt(CGPathCreateWithRoundedRect({{0, 0}, {10, 8}}, 2, 1, nullptr));
     EXPECT_EQ(text(path), "M 10 4 L 10 7 C 10 7.55192 9.10383 8 8 8 L 2 8 "

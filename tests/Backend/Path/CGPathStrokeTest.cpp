@@ -48,16 +48,6 @@ TEST(CGPathStroke, IsSkiasOutline) {
                     << cap << join << miter;
 }
 
-TEST(CGPathStroke, HasTheBoundsOfItsCaps) {
-    const MutablePath line = makeLines({{0, 0}, {10, 0}});
-    expectRect(CGPathGetPathBoundingBox(stroked(line, 2, kCGLineCapButt).get()), {{0, -1}, {10, 2}},
-               1e-6f, "butt");
-    expectRect(CGPathGetPathBoundingBox(stroked(line, 2, kCGLineCapRound).get()),
-               {{-1, -1}, {12, 2}}, 1e-5f, "round");
-    expectRect(CGPathGetPathBoundingBox(stroked(line, 2, kCGLineCapSquare).get()),
-               {{-1, -1}, {12, 2}}, 1e-6f, "square");
-}
-
 TEST(CGPathStroke, WithoutWidthIsAlmostWithoutWidth) {
     const MutablePath line = makeLines({{0, 0}, {10, 0}});
     for (const float width : {0.f, -1.f, kNaN})

@@ -77,45 +77,10 @@ MutablePath star() {
     return path;
 }
 
-MutablePath rects(CGRect a, CGRect b) {
-    MutablePath path = makeRect(a);
-    CGPathAddRect(path.get(), nullptr, b);
-    return path;
-}
-
 MutablePath ellipse(float radius) {
     MutablePath path = makePath();
     CGPathAddEllipseInRect(path.get(), nullptr, {{-radius, -radius}, {2 * radius, 2 * radius}});
     return path;
-}
-
-TEST(CGPathTessellate, CoversTheAreaOfTheFill) {
-    // A regular pentagram of circumradius R: its ten outer sides enclose, and its inner pentagon
-    // is left out by the even-odd rule.
-    const double fifth = std::numbers::pi / 5;
-    const double inner = 10 * std::cos(2 * fifth) / std::cos(fifth);
-    const double outline = 5 * 10 * inner * std::sin(fifth);
-    const double pentagon = 2.5 * inner * inner * std::sin(2 * fifth);
-    struct Case {
-        const char* what;
-        MutablePath path;
-        double winding, evenOdd;
-    };
-    Case cases[] = {
-        {"rectangle", makeRect({{1, 2}, {4, 3}}), 12, 12},
-        {"open triangle", makeLines({{0, 0}, {4, 0}, {0, 4}}), 8, 8},
-        {"pentagram", star(), outline, outline - pentagon},
-        {"overlapping rectangles", rects({{0, 0}, {4, 4}}, {{2, 2}, {4, 4}}), 28, 24},
-        {"the same rectangle twice", rects({{0, 0}, {4, 4}}, {{0, 0}, {4, 4}}), 16, 0},
-        {"bow tie", makeLines({{0, 0}, {4, 4}, {4, 0}, {0, 4}}), 8, 8},
-        {"circle", ellipse(10), std::numbers::pi * 100, std::numbers::pi * 100},
-        {"line", makeLines({{0, 0}, {4, 4}}), 0, 0},
-        {"nothing", makePath(), 0, 0},
-    };
-    for (const auto& [what, path, winding, evenOdd] : cases) {
-        EXPECT_NEAR(tessellate(path, kXGPathFillWinding).area(), winding, winding * 2e-3) << what;
-        EXPECT_NEAR(tessellate(path, kXGPathFillEvenOdd).area(), evenOdd, evenOdd * 2e-3) << what;
-    }
 }
 
 // ---- Shapes held against Skia's rasteriser, within (0, 0) to (100, 100)

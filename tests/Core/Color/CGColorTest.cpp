@@ -32,28 +32,6 @@ std::vector<CGFloat> componentsOf(const Color& color) {
     return {components, components + CGColorGetNumberOfComponents(color.get())};
 }
 
-TEST(Color, ClampsWhatItIsMadeOf) {
-    EXPECT_EQ(componentsOf(rgb(2, -1, 0.5f, 3)), (std::vector<CGFloat>{1, 0, 0.5f, 3}))
-        << "RGB leaves the opacity alone";
-    EXPECT_EQ(componentsOf(gray(0.5f, 3)), (std::vector<CGFloat>{0.5f, 1}))
-        << "gray clamps it as well";
-    EXPECT_EQ(componentsOf(cf::adopt(CGColorCreateGenericCMYK(2, 0, 0, -1, 0.5f))),
-              (std::vector<CGFloat>{1, 0, 0, 0, 0.5f}));
-}
-
-TEST(Color, KeepsItsSpaceAndComponents) {
-    const auto space = cf::adopt(CGColorSpaceCreateDeviceRGB());
-    CGFloat components[] = {0.1f, 0.2f, 0.3f, 0.4f};
-    const Color color = cf::adopt(CGColorCreate(space.get(), components));
-    components[0] = 1;
-    EXPECT_EQ(componentsOf(color), (std::vector<CGFloat>{0.1f, 0.2f, 0.3f, 0.4f}));
-    EXPECT_EQ(CGColorGetColorSpace(color.get()), space.get());
-    EXPECT_EQ(CGColorGetAlpha(color.get()), 0.4f);
-    EXPECT_EQ(CGColorGetPattern(color.get()), nullptr);
-    EXPECT_FALSE(CGColorCreate(nullptr, components));
-    EXPECT_FALSE(CGColorCreate(space.get(), nullptr));
-}
-
 TEST(Color, CopiesAreTheSameObjectUnlessTheOpacityChanges) {
     const Color color = rgb(0.1f, 0.2f, 0.3f, 0.4f);
     EXPECT_EQ(cf::adopt(CGColorCreateCopy(color.get())).get(), color.get());

@@ -9,7 +9,6 @@
 #include <CoreGraphics/CoreGraphics.h>
 
 #include "Support/CollectedLog.h"
-#include "Support/Threads.h"
 
 #include <gtest/gtest.h>
 #include <lcms2.h>
@@ -291,32 +290,6 @@ TEST(ProfileConversion, LightnessAloneIsGray) {
             EXPECT_NEAR(CGColorGetComponents(converted.get())[index], expected, 2 / 255.)
                 << lightness;
     }
-}
-
-TEST(ProfileConversion, ComesBackWhereItStarted) {
-    const Space lab = cf::adopt(CGColorSpaceCreateLab(kWhite, nullptr, nullptr));
-    const Space rgb = cf::adopt(CGColorSpaceCreateDeviceRGB());
-    const Color start = make(rgb, {0.8f, 0.4f, 0.2f, 0.5f});
-    const Color there =
-        cf::adopt(XGColorCreateWithColor(lab.get(), start.get(), kCGRenderingIntentDefault));
-    const Color back =
-        cf::adopt(XGColorCreateWithColor(rgb.get(), there.get(), kCGRenderingIntentDefault));
-    ASSERT_TRUE(back);
-    for (int index = 0; index < 4; ++index)
-        EXPECT_NEAR(CGColorGetComponents(back.get())[index],
-                    CGColorGetComponents(start.get())[index], 1e-3);
-}
-
-TEST(ProfileConversion, RunsInManyThreadsAtOnce) {
-    test::onThreads([](std::size_t) {
-        for (int turn = 0; turn < 50; ++turn) {
-            const Color ink = cf::adopt(CGColorCreateGenericCMYK(0, 1, 1, 0, 1));
-            CGFloat red = 0, green = 1;
-            _CGColorGetRGBA(ink.get(), &red, &green, nullptr, nullptr);
-            EXPECT_GT(red, green);
-            XGColorSpaceGetSRGB();
-        }
-    });
 }
 
 } // namespace

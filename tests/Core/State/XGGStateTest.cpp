@@ -68,10 +68,7 @@ struct Change {
 };
 
 constexpr Change kChanges[] = {
-    {"CTM",
-     [](XGGStateRef s) {
-         XGGStateSetCTM(s, {2, 0, 0, 2, 0, 0});
-     }},
+    {"CTM", [](XGGStateRef s) { XGGStateSetCTM(s, CGAffineTransformMakeScale(2, 2)); }},
     {"scales", [](XGGStateRef s) { XGGStateSetScales(s, 100, 100, false, 2, 2, 1); }},
     {"alpha", [](XGGStateRef s) { XGGStateSetAlpha(s, 0.5f); }},
     {"blend mode", [](XGGStateRef s) { XGGStateSetBlendMode(s, kCGBlendModeMultiply); }},
@@ -83,10 +80,7 @@ constexpr Change kChanges[] = {
     {"shadow colour", [](XGGStateRef s) { XGGStateSetShadow(s, makeGray(0.5f).get(), 0, 0, 0); }},
     {"shadow offset", [](XGGStateRef s) { XGGStateSetShadow(s, nullptr, 1, 0, 0); }},
     {"shadow blur", [](XGGStateRef s) { XGGStateSetShadow(s, nullptr, 0, 0, 1); }},
-    {"pattern phase",
-     [](XGGStateRef s) {
-         XGGStateSetPatternPhase(s, {0, 1});
-     }},
+    {"pattern phase", [](XGGStateRef s) { XGGStateSetPatternPhase(s, CGSizeMake(0, 1)); }},
     {"font size", [](XGGStateRef s) { XGGStateSetFontSize(s, 12); }},
     {"character spacing", [](XGGStateRef s) { XGGStateSetCharacterSpacing(s, 1); }},
     {"text mode", [](XGGStateRef s) { XGGStateSetTextDrawingMode(s, kCGTextClip); }},
