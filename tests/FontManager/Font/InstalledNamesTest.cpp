@@ -104,10 +104,11 @@ TEST(InstalledNames, AreAmongThoseThatFontconfigReads) {
         const std::string full = nameOf(font, FMFontCopyFullName);
         PS_FontInfoRec info;
         // Fontconfig makes full names up for fonts that are in no SFNT wrapper.
-        if (FT_IS_SFNT(native.get()))
+        if (FT_IS_SFNT(native.get())) {
             EXPECT_TRUE(isAmong(fullNames, full)) << where.what() << ' ' << full;
-        else if (FT_Get_PS_Font_Info(native.get(), &info) == 0)
+        } else if (FT_Get_PS_Font_Info(native.get(), &info) == 0) {
             EXPECT_EQ(full, info.full_name) << where.what();
+        }
         ++compared;
     }
     std::printf("%d faces compared\n", compared);
@@ -123,10 +124,11 @@ TEST(InstalledNames, HavePostScriptNamesWhereTheTableHas) {
         if (FT_IS_SFNT(native.get())) {
             const char* const expected = FT_Get_Postscript_Name(native.get());
             // FreeType holds back names that no PostScript program could use.
-            if (!expected)
+            if (!expected) {
                 EXPECT_NE(name.find(' '), std::string::npos) << where.what();
-            else
+            } else {
                 EXPECT_EQ(name, expected) << where.what();
+            }
             ++named;
         } else if (FT_IS_SCALABLE(native.get())) {
             EXPECT_EQ(name, "(none)") << where.what();

@@ -162,11 +162,13 @@ void readStyle(FMFontMetrics& metrics, FT_Face face, const Tables& tables) {
     metrics.reserved16 = width;
 
     const bool isFixedPitch = FT_IS_FIXED_WIDTH(face) || (tables.post && tables.post->isFixedPitch);
-    metrics.traits = (face->style_flags & FT_STYLE_FLAG_ITALIC ? kFMFontTraitItalic : 0u) |
-                     (face->style_flags & FT_STYLE_FLAG_BOLD ? kFMFontTraitBold : 0u) |
-                     (width > 0 ? kFMFontTraitExpanded : 0u) |
-                     (width < 0 ? kFMFontTraitCondensed : 0u) |
-                     (isFixedPitch ? kFMFontTraitFixedPitch : 0u);
+    const auto bit = [](bool isSet, FMFontTraits trait) {
+        return isSet ? static_cast<std::uint32_t>(trait) : 0;
+    };
+    metrics.traits = bit(face->style_flags & FT_STYLE_FLAG_ITALIC, kFMFontTraitItalic) |
+                     bit(face->style_flags & FT_STYLE_FLAG_BOLD, kFMFontTraitBold) |
+                     bit(width > 0, kFMFontTraitExpanded) | bit(width < 0, kFMFontTraitCondensed) |
+                     bit(isFixedPitch, kFMFontTraitFixedPitch);
     if (!tables.os2)
         return;
     const auto familyClass = static_cast<std::uint16_t>(tables.os2->sFamilyClass);
