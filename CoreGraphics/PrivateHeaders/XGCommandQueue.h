@@ -55,8 +55,8 @@ typedef struct XGCommand {
 
 /** An item of "draw sprites". */
 typedef struct XGSprite {
-    void* glyph;    /**< Counted by the texture atlas's callbacks. */
-    CGPoint origin; /**< In the canvas's space. */
+    void* glyph;    /**< An FMGlyph with a sprite, counted by the texture atlas's callbacks. */
+    CGPoint origin; /**< Whole pixels of the canvas. */
 } XGSprite;
 
 /** The items of "fill rects"; they are sprites where those are drawn. */
