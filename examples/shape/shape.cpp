@@ -66,10 +66,25 @@ bool isNeutral(hb_script_t script) {
            script == HB_SCRIPT_UNKNOWN;
 }
 
-// Belongs to what comes before it: marks, joiners, variation selectors, skin tones.
-bool continues(char32_t character) {
-    return scriptOf(character) == HB_SCRIPT_INHERITED || character == 0x200D ||
-           (character >= 0x1F3FB && character <= 0x1F3FF);
+hb_direction_t directionOf(hb_script_t script) {
+    return hb_script_get_horizontal_direction(script);
+}
+
+// Belongs to what comes before it: marks, joiners and what they join, variation selectors, skin
+// tones.
+bool continues(const std::u32string& text, size_t index) {
+    const char32_t character = text[index];
+    return index > 0 &&
+           (scriptOf(character) == HB_SCRIPT_INHERITED || character == 0x200D ||
+            text[index - 1] == 0x200D || (character >= 0x1F3FB && character <= 0x1F3FF));
+}
+
+// The script of the next letter, from a place on; common where there is none.
+hb_script_t nextScript(const std::u32string& text, size_t index) {
+    for (; index < text.size(); ++index)
+        if (const hb_script_t script = scriptOf(text[index]); !isNeutral(script))
+            return script;
+    return HB_SCRIPT_COMMON;
 }
 
 bool isPicture(char32_t character) {
@@ -105,13 +120,13 @@ public:
         return found ? found : first_.get();
     }
 
-private:
     static bool has(FMFontRef font, char32_t character) {
         const UTF32Char codePoint = character;
         CGGlyph glyph = 0;
         return FMFontGetGlyphsForCodePoints(font, &codePoint, &glyph, 1);
     }
 
+private:
     // Pictures in colours, letters upright, regular and as outlines.
     static bool isBetter(FMFontRef font, FMFontRef other, char32_t character) {
         return rank(font, character) > rank(other, character);
@@ -141,32 +156,34 @@ struct Run {
     size_t start, length;
 };
 
-std::vector<Run> cut(const std::u32string& text, const Fonts& fonts) {
-    std::vector<Run> runs;
-    for (size_t i = 0; i < text.size(); ++i) {
-        const hb_script_t script = scriptOf(text[i]);
-        if (!runs.empty() && (continues(text[i]) || text[i] == U' ')) {
-            ++runs.back().length;
-            continue;
-        }
-        const FMFontRef font = fonts.fontFor(text[i]);
-        const bool isSame =
-            !runs.empty() && runs.back().font == font &&
-            (isNeutral(script) || isNeutral(runs.back().script) || runs.back().script == script);
-        if (!isSame)
-            runs.push_back({font, script, i, 0});
-        else if (isNeutral(runs.back().script))
-            runs.back().script = script;
-        ++runs.back().length;
-    }
-    return runs;
+// What stands between two scripts goes with the one that runs in the line's direction.
+hb_script_t between(hb_script_t before, hb_script_t after, hb_direction_t line) {
+    if (before == after || directionOf(before) == line)
+        return before;
+    return directionOf(after) == line ? after : HB_SCRIPT_COMMON;
 }
 
-bool isRightToLeft(const std::vector<Run>& runs) {
-    const auto first =
-        std::ranges::find_if(runs, [](const Run& run) { return !isNeutral(run.script); });
-    return first != runs.end() &&
-           hb_script_get_horizontal_direction(first->script) == HB_DIRECTION_RTL;
+std::vector<Run> cut(const std::u32string& text, const Fonts& fonts, hb_direction_t line) {
+    std::vector<Run> runs;
+    for (size_t i = 0; i < text.size(); ++i) {
+        Run* const last = runs.empty() ? nullptr : &runs.back();
+        if (last && continues(text, i)) {
+            ++last->length;
+            continue;
+        }
+        hb_script_t script = scriptOf(text[i]);
+        const bool isNeutralHere = isNeutral(script);
+        if (isNeutralHere)
+            script = between(last ? last->script : HB_SCRIPT_COMMON, nextScript(text, i), line);
+        const bool staysInFont = isNeutralHere && last && !isPicture(text[last->start]) &&
+                                 !isPicture(text[i]) && Fonts::has(last->font, text[i]);
+        const FMFontRef font = staysInFont ? last->font : fonts.fontFor(text[i]);
+        if (last && last->font == font && last->script == script)
+            ++last->length;
+        else
+            runs.push_back({font, script, i, 1});
+    }
+    return runs;
 }
 
 // ---- Drawing
@@ -205,8 +222,9 @@ CGFloat draw(CGContextRef context, const std::u32string& text, const Run& run, C
 
 void drawLine(CGContextRef context, std::string_view utf8, const Fonts& fonts, CGFloat baseline) {
     const std::u32string text = decode(utf8);
-    std::vector<Run> runs = cut(text, fonts);
-    if (isRightToLeft(runs))
+    const hb_direction_t direction = directionOf(nextScript(text, 0));
+    std::vector<Run> runs = cut(text, fonts, direction);
+    if (direction == HB_DIRECTION_RTL)
         std::ranges::reverse(runs);
     CGPoint at = {kMargin, baseline};
     for (const Run& run : runs)

@@ -120,7 +120,8 @@ struct hb_font_t;
 
 /** The font for HarfBuzz, in font units: its tables, and our glyphs, advances and boxes. Immutable,
  *  for any number of threads; made once and lent until FMFontPurge or the font's end, which its
- *  own users must not outlive either. NULL for no font, and without memory. */
+ *  own users must not outlive either. NULL for no font, one that cannot be opened, and without
+ *  memory. */
 CG_EXPORT struct hb_font_t* FMFontGetHarfBuzzFont(FMFontRef font);
 
 CG_END_DECLS
