@@ -39,6 +39,13 @@ bool storeNumber(FMDatabaseRef database, const RecordKey& key, std::uint64_t num
 
 namespace {
 
+// A record finds no memory: the database must not be taken for a whole one. Always false.
+bool lose(FMDatabaseRef database) {
+    const std::lock_guard hold(database->mutex);
+    database->isIncomplete = true;
+    return false;
+}
+
 // Kinds have four characters; anything else names no record.
 bool isKind(const char* kind) {
     return kind && std::strlen(kind) == 4;
@@ -51,11 +58,8 @@ bool FMDatabaseStoreString(FMDatabaseRef database, const char* kind, FMFontId fo
     if (!database || !isKind(kind) || !string)
         return false;
     const fm::StringBytes value = fm::stringBytes(string);
-    if (!value.bytes) {
-        const std::lock_guard hold(database->mutex);
-        database->isIncomplete = true;
-        return false;
-    }
+    if (!value.bytes)
+        return lose(database);
     return fm::store(database, __func__, fm::RecordKey(kind, fontId),
                      {value.bytes.get(), value.size});
 }
@@ -92,7 +96,7 @@ bool FMDatabaseStoreCharmaps(FMDatabaseRef database, FMFontId fontId, const uint
     const std::unique_ptr<std::byte[]> bytes(
         new (std::nothrow) std::byte[count > 0 ? count * sizeof(uint32_t) : 1]);
     if (!bytes)
-        return false;
+        return lose(database);
     for (size_t i = 0; i < count; ++i)
         fm::storeLittleEndian(bytes.get() + i * sizeof(uint32_t), values[i]);
     return FMDatabaseStoreBytes(database, fm::record::kCharmaps, fontId, bytes.get(),
