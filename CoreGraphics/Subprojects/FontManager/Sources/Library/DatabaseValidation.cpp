@@ -10,11 +10,14 @@
 #include "Library/RecordText.h"
 #include "Library/SystemState.h"
 
+#include <algorithm>
 #include <climits>
 #include <optional>
 #include <string>
+#include <thread>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace fm {
 namespace {
@@ -38,30 +41,63 @@ bool isOfThisApplication(FMDatabaseRef database) {
     return storedTime(database, info.get()) == modificationTime(info.get());
 }
 
-using Paths = std::unordered_set<std::string>;
+// The fonts that the host has now. Listing them takes about as long as going over all records, so
+// it is done meanwhile.
+class InstalledFonts {
+public:
+    InstalledFonts() : listing_([this] { list(); }) {}
+    ~InstalledFonts() { wait(); }
+    InstalledFonts(const InstalledFonts&) = delete;
+    InstalledFonts& operator=(const InstalledFonts&) = delete;
 
-// Notes the paths of installed files.
-bool hasInstalledFonts(FMDatabaseRef database, Paths& files) {
-    const FMFontIteratorRef fonts = FMFontIteratorCreate();
-    bool holdsAll = fonts != nullptr;
-    while (holdsAll && FMFontIteratorNext(fonts)) {
-        const auto path = currentPath(fonts);
-        const auto identifier = path ? path : currentWindowsIdentifier(fonts);
-        holdsAll = storedTime(database, identifier.get()) == currentModificationTime(fonts);
-        char bytes[PATH_MAX];
-        if (path && CFStringGetFileSystemRepresentation(path.get(), bytes, sizeof bytes))
-            files.emplace(bytes);
+    // Whether the database has each as it is now.
+    bool areIn(FMDatabaseRef database) {
+        wait();
+        return isListed_ && std::ranges::all_of(fonts_, [&](const Font& font) {
+                   return storedTime(database, font.identifier.get()) == font.time;
+               });
     }
-    FMFontIteratorRelease(fonts);
-    return holdsAll;
-}
+    // Whether the file is one of theirs, of which the host says that it is there.
+    bool haveFile(const std::string& path) {
+        wait();
+        return files_.contains(path);
+    }
+
+private:
+    struct Font {
+        cf::Ref<CFStringRef> identifier; // A path or a name.
+        std::int64_t time;
+    };
+
+    void list() {
+        const FMFontIteratorRef fonts = FMFontIteratorCreate();
+        isListed_ = fonts != nullptr;
+        while (FMFontIteratorNext(fonts)) {
+            auto path = currentPath(fonts);
+            char bytes[PATH_MAX];
+            if (path && CFStringGetFileSystemRepresentation(path.get(), bytes, sizeof bytes))
+                files_.emplace(bytes);
+            fonts_.push_back({path ? std::move(path) : currentWindowsIdentifier(fonts),
+                              currentModificationTime(fonts)});
+        }
+        FMFontIteratorRelease(fonts);
+    }
+    void wait() {
+        if (listing_.joinable())
+            listing_.join();
+    }
+
+    std::vector<Font> fonts_;
+    std::unordered_set<std::string> files_;
+    bool isListed_ = false;
+    std::thread listing_; // Last: it fills in all others.
+};
 
 // Fonts are made from these records without looking back: all must be there, and no two fonts of
 // one nimbra id. A font's file may also be gone without any installed font telling of it.
 class FontRecords {
 public:
-    FontRecords(FMDatabaseRef database, const Paths& installedFiles)
-        : database_(database), installedFiles_(installedFiles) {}
+    explicit FontRecords(FMDatabaseRef database) : database_(database) {}
 
     bool areWhole() {
         const auto count = static_cast<FMFontId>(FMDatabaseGetFontsCount(database_));
@@ -72,38 +108,49 @@ public:
         return true;
     }
 
+    // Of fonts that are whole.
+    bool haveTheirFiles(InstalledFonts& installed) const {
+        return std::ranges::all_of(files_, [&](const std::string& path) {
+            return installed.haveFile(path) || HostFileExists(path.c_str());
+        });
+    }
+
 private:
     bool isWhole(FMFontId id) {
         FMFontMetrics metrics;
         auto nimbraId = lowerCasedRecord(database_, record::kNimbraId, id);
         return nimbraId && nimbraIds_.insert(std::move(*nimbraId)).second &&
-               lowerCasedRecord(database_, record::kPostScriptName, id) &&
-               FMDatabaseGetFontMetrics(database_, id, &metrics) && hasSource(id);
+               isTextRecord(database_, record::kPostScriptName, id) &&
+               FMDatabaseGetFontMetrics(database_, id, &metrics) && noteSource(id);
     }
 
-    bool hasSource(FMFontId id) const {
-        const std::string path = pathInRecord(database_, id);
+    // The faces of a file follow each other.
+    bool noteSource(FMFontId id) {
+        std::string path = pathInRecord(database_, id);
         if (path.empty())
-            return lowerCasedRecord(database_, record::kWindowsIdentifier, id).has_value();
-        return installedFiles_.contains(path) || HostFileExists(path.c_str());
+            return isTextRecord(database_, record::kWindowsIdentifier, id);
+        if (files_.empty() || files_.back() != path)
+            files_.push_back(std::move(path));
+        return true;
     }
 
     const FMDatabaseRef database_;
-    const Paths& installedFiles_;
     std::unordered_set<std::u16string> nimbraIds_;
+    std::vector<std::string> files_;
 };
 
 } // namespace
 
 bool isValid(FMDatabaseRef database) {
-    Paths installedFiles;
-    return FMDatabaseIsLatestVersion(database) &&
-           holds(database, FMDatabaseCopySerializedPreferredLanguages,
-                 serializedPreferredLanguages()) &&
-           isOfThisApplication(database) &&
+    if (!FMDatabaseIsLatestVersion(database) ||
+        !holds(database, FMDatabaseCopySerializedPreferredLanguages,
+               serializedPreferredLanguages()))
+        return false;
+    InstalledFonts installed;
+    FontRecords records(database);
+    return isOfThisApplication(database) &&
            holds(database, FMDatabaseCopySystemResourcesToken, systemResourcesToken()) &&
-           hasInstalledFonts(database, installedFiles) &&
-           FontRecords(database, installedFiles).areWhole();
+           records.areWhole() && installed.areIn(database) && records.haveTheirFiles(installed);
 }
 
 } // namespace fm

@@ -35,9 +35,12 @@ cf::Ref<CFStringRef> stringOfUTF8(std::string_view bytes) {
                                              kCFStringEncodingUTF8, false));
 }
 
+bool isASCII(std::string_view bytes) {
+    return std::ranges::all_of(bytes, [](char c) { return (c & 0x80) == 0; });
+}
+
 std::optional<std::u16string> lowerCasedUTF8(std::string_view bytes) {
-    const bool isASCII = std::ranges::all_of(bytes, [](char c) { return (c & 0x80) == 0; });
-    if (isASCII)
+    if (isASCII(bytes))
         return lowerCased(std::u16string(bytes.begin(), bytes.end()));
     const auto string = stringOfUTF8(bytes);
     return string ? std::optional(lowerCased(string.get())) : std::nullopt;
@@ -62,6 +65,11 @@ std::string pathOfURL(std::string_view url) {
 std::optional<std::u16string> lowerCasedRecord(FMDatabaseRef database, const char* kind,
                                                FMFontId fontId) {
     return withRecord(database, kind, fontId, lowerCasedUTF8);
+}
+
+bool isTextRecord(FMDatabaseRef database, const char* kind, FMFontId fontId) {
+    return withRecord(database, kind, fontId,
+                      [](std::string_view bytes) { return isASCII(bytes) || stringOfUTF8(bytes); });
 }
 
 std::string pathInRecord(FMDatabaseRef database, FMFontId fontId) {

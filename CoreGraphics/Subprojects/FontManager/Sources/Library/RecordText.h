@@ -13,6 +13,9 @@ namespace fm {
 std::optional<std::u16string> lowerCasedRecord(FMDatabaseRef database, const char* kind,
                                                FMFontId fontId);
 
+// Whether there is such a record, and it is UTF-8.
+bool isTextRecord(FMDatabaseRef database, const char* kind, FMFontId fontId);
+
 // The file-system path in a font's location record; empty where there is none.
 std::string pathInRecord(FMDatabaseRef database, FMFontId fontId);
 
