@@ -97,7 +97,11 @@ GlyphCache& GlyphCache::shared() {
 }
 
 GlyphCache::GlyphCache(const std::int32_t& limit)
-    : limit_(limit), buckets_(new (std::nothrow) Bucket[kBuckets]{}) {}
+    : limit_(limit), buckets_(new (std::nothrow) Bucket[kBuckets]{}),
+      owners_(new (std::nothrow) Owners[kBuckets]{}) {
+    if (!owners_)
+        buckets_.reset();
+}
 
 GlyphCache::~GlyphCache() {
     clear();
@@ -107,7 +111,7 @@ GlyphPointer GlyphCache::find(const GlyphKey& key) {
     if (!buckets_)
         return nullptr;
     const std::uint64_t hash = key.hash();
-    for (Place& place : bucketOf(hash).places) {
+    for (Place& place : buckets_[hash % kBuckets].places) {
         std::uint64_t word = place.load(std::memory_order_relaxed);
         while (recordIn(word) && tagIn(word) == tagOf(hash)) {
             if (!place.compare_exchange_weak(word, word + kPin, std::memory_order_acquire,
@@ -139,34 +143,35 @@ void GlyphCache::add(GlyphRecord& record) {
         return;
     Removed removed;
     const std::lock_guard hold(mutex_);
-    Place* const place = placeFor(record, removed);
-    if (!place)
+    const Slot slot = slotFor(record, removed);
+    if (!slot.place)
         return;
     shrink(limit - record.bytes, removed);
     record.users().fetch_add(kCached, std::memory_order_relaxed);
     bytes_.fetch_add(record.bytes, std::memory_order_relaxed);
     const std::uint64_t tag = tagOf(record.key.hash());
-    place->store(reinterpret_cast<std::uintptr_t>(&record) | tag << kTagShift,
-                 std::memory_order_release);
+    *slot.owner = &record;
+    slot.place->store(reinterpret_cast<std::uintptr_t>(&record) | tag << kTagShift,
+                      std::memory_order_release);
 }
 
 void GlyphCache::clear() {
     Removed removed;
     const std::lock_guard hold(mutex_);
-    if (buckets_)
-        for (std::size_t i = 0; i < kBuckets; ++i)
-            for (Place& place : buckets_[i].places)
-                takeOut(place, removed);
+    for (std::size_t bucket = 0; buckets_ && bucket < kBuckets; ++bucket)
+        for (std::size_t index = 0; index < kPlaces; ++index)
+            takeOut(slot(bucket, index), removed);
 }
 
 // ---- Taking out
 
 // Pins that the word still had are references, from now on counted like all others.
-void GlyphCache::takeOut(Place& place, Removed& removed) {
-    const std::uint64_t word = place.exchange(0, std::memory_order_acq_rel);
-    GlyphRecord* const record = recordIn(word);
+void GlyphCache::takeOut(Slot slot, Removed& removed) {
+    GlyphRecord* const record = *slot.owner;
     if (!record)
         return;
+    const std::uint64_t word = slot.place->exchange(0, std::memory_order_acq_rel);
+    *slot.owner = nullptr;
     bytes_.fetch_sub(record->bytes, std::memory_order_relaxed);
     const std::int32_t change = static_cast<std::int32_t>(pinsIn(word)) - kCached;
     if (record->users().fetch_add(change, std::memory_order_acq_rel) + change == 0) {
@@ -175,43 +180,42 @@ void GlyphCache::takeOut(Place& place, Removed& removed) {
     }
 }
 
-bool GlyphCache::takeOutUnused(Place& place, Removed& removed) {
-    GlyphRecord* const record = recordIn(place.load(std::memory_order_relaxed));
+bool GlyphCache::takeOutUnused(Slot slot, Removed& removed) {
+    GlyphRecord* const record = *slot.owner;
     if (!record || record->isUsed.exchange(false, std::memory_order_relaxed))
         return false;
-    takeOut(place, removed);
+    takeOut(slot, removed);
     return true;
 }
 
-// A free place, or one that is made free. NULL when the key's record is there already.
-GlyphCache::Place* GlyphCache::placeFor(const GlyphRecord& record, Removed& removed) {
+// A free slot, or one that is made free. None when the key's record is there already.
+GlyphCache::Slot GlyphCache::slotFor(const GlyphRecord& record, Removed& removed) {
     const std::uint64_t hash = record.key.hash();
-    Bucket& bucket = bucketOf(hash);
-    Place* free = nullptr;
-    for (Place& place : bucket.places) {
-        const std::uint64_t word = place.load(std::memory_order_relaxed);
-        if (!recordIn(word))
-            free = &place;
-        else if (tagIn(word) == tagOf(hash) && recordIn(word)->key == record.key)
-            return nullptr;
+    const std::size_t bucket = hash % kBuckets;
+    Slot free;
+    for (std::size_t index = 0; index < kPlaces; ++index) {
+        const Slot each = slot(bucket, index);
+        if (!*each.owner)
+            free = each;
+        else if (tagIn(each.place->load(std::memory_order_relaxed)) == tagOf(hash) &&
+                 (*each.owner)->key == record.key)
+            return {};
     }
-    if (free)
+    if (free.place)
         return free;
     // The first round may find all in use; then the second finds none.
-    for (int round = 0; round < 2; ++round)
-        for (Place& place : bucket.places)
-            if (takeOutUnused(place, removed))
-                return &place;
+    for (std::size_t round = 0; round < 2 * kPlaces; ++round)
+        if (takeOutUnused(slot(bucket, round % kPlaces), removed))
+            return slot(bucket, round % kPlaces);
     // All were used once more meanwhile.
-    takeOut(bucket.places[0], removed);
-    return &bucket.places[0];
+    takeOut(slot(bucket, 0), removed);
+    return slot(bucket, 0);
 }
 
 void GlyphCache::shrink(std::size_t limit, Removed& removed) {
     while (bytes() > limit) {
-        for (Place& place : buckets_[hand_].places)
-            if (bytes() > limit)
-                takeOutUnused(place, removed);
+        for (std::size_t index = 0; index < kPlaces && bytes() > limit; ++index)
+            takeOutUnused(slot(hand_, index), removed);
         hand_ = (hand_ + 1) % kBuckets;
     }
 }

@@ -50,6 +50,12 @@ private:
     struct alignas(64) Bucket {
         std::array<Place, kPlaces> places;
     };
+    // The same records for whoever holds `mutex_`, and for tools that look for addresses.
+    using Owners = std::array<GlyphRecord*, kPlaces>;
+    struct Slot {
+        Place* place = nullptr;
+        GlyphRecord** owner = nullptr;
+    };
 
     // Records without a user left, freed after the lock is: the atlas hears of it.
     struct Removed {
@@ -57,16 +63,19 @@ private:
         ~Removed();
     };
 
-    Bucket& bucketOf(std::uint64_t hash) { return buckets_[hash % kBuckets]; }
+    Slot slot(std::size_t bucket, std::size_t index) {
+        return {&buckets_[bucket].places[index], &owners_[bucket][index]};
+    }
     std::size_t limit() const;
     // These with `mutex_` held.
-    void takeOut(Place& place, Removed& removed);
-    bool takeOutUnused(Place& place, Removed& removed);
-    Place* placeFor(const GlyphRecord& record, Removed& removed);
+    void takeOut(Slot slot, Removed& removed);
+    bool takeOutUnused(Slot slot, Removed& removed);
+    Slot slotFor(const GlyphRecord& record, Removed& removed);
     void shrink(std::size_t limit, Removed& removed);
 
     const std::int32_t& limit_;
     std::unique_ptr<Bucket[]> buckets_;
+    std::unique_ptr<Owners[]> owners_;
     RecursiveMutex mutex_;
     std::atomic<std::size_t> bytes_{0};
     std::size_t hand_ = 0; // Where the next round goes on.
