@@ -88,16 +88,14 @@ TEST(Color, HashesTheBytesOfItsComponents) {
 
 TEST(Color, ComparesWithComponentsThatAreNoColorYet) {
     const Color color = rgb(0.1f, 0.2f, 0.3f, 0.4f);
-    const CGFloat same[] = {0.1f, 0.2f, 0.3f, 0.4f};
-    const CGFloat other[] = {0.1f, 0.2f, 0.3f, 0.5f};
-    const CGColorSpaceRef space = XGColorSpaceGetDeviceRGB();
-    EXPECT_TRUE(XGColorEqualToColorComponents(color.get(), space, same, nullptr));
-    EXPECT_FALSE(XGColorEqualToColorComponents(color.get(), space, other, nullptr));
-    EXPECT_FALSE(
-        XGColorEqualToColorComponents(color.get(), XGColorSpaceGetDeviceGray(), same, nullptr));
-    EXPECT_FALSE(XGColorEqualToColorComponents(color.get(), nullptr, same, nullptr));
-    EXPECT_FALSE(XGColorEqualToColorComponents(nullptr, space, same, nullptr));
-    EXPECT_FALSE(XGColorEqualToColorComponents(color.get(), space, nullptr, nullptr));
+    const CGFloat same[] = {0.1f, 0.2f, 0.3f, 0.4f}, other[] = {0.1f, 0.2f, 0.3f, 0.5f};
+    const auto equals = [&](CGColorSpaceRef space, const CGFloat* components) {
+        return XGColorEqualToColorComponents(color.get(), space, components, nullptr);
+    };
+    EXPECT_TRUE(equals(XGColorSpaceGetDeviceRGB(), same));
+    EXPECT_FALSE(equals(XGColorSpaceGetDeviceRGB(), other));
+    EXPECT_FALSE(equals(XGColorSpaceGetDeviceGray(), same));
+    EXPECT_FALSE(equals(XGColorSpaceGetDeviceRGB(), nullptr));
 }
 
 TEST(Color, ConstantsAreTheSameObjectsEachTime) {
