@@ -193,6 +193,19 @@ TEST_F(FMLibraryShared, SurvivesDamageToItsDatabase) {
     expectRun(Database::Believed, "the run after it");
 }
 
+TEST_F(FMLibraryShared, SurvivesDamageToTheListOfFonts) {
+    const std::string name = "cache/FontProbe/HostFonts.list";
+    run();
+    run();
+    ASSERT_TRUE(folder_.has(name));
+    const std::string whole = folder_.read(name);
+    for (std::size_t size = 0; size < whole.size(); size += whole.size() / 9) {
+        folder_.write(name, whole.substr(0, size));
+        expectRun(Database::Believed, "cut to " + std::to_string(size));
+        EXPECT_EQ(folder_.read(name), whole) << size;
+    }
+}
+
 TEST_F(FMLibraryShared, MayBeMadeByManyProcessesAtOnce) {
     for (int round = 0; round < 3; ++round) {
         fs::remove_all(folder_.path("cache"));

@@ -5,16 +5,12 @@
 #include <Host/Host.h>
 
 #include "Database/RecordKind.h"
-#include "Font/FontIterator.h"
 #include "Library/PreferredLanguages.h"
 #include "Library/RecordText.h"
 #include "Library/SystemState.h"
 
 #include <algorithm>
-#include <climits>
-#include <optional>
 #include <string>
-#include <thread>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -28,70 +24,11 @@ bool holds(FMDatabaseRef database, StringCopier copy, const cf::Ref<CFStringRef>
     return cf::equalOrBothAbsent<CFTypeRef>(cf::adopt(copy(database)).get(), present.get());
 }
 
-std::optional<std::int64_t> storedTime(FMDatabaseRef database, CFStringRef identifier) {
-    std::int64_t seconds = 0;
-    if (!identifier || !FMDatabaseFetchLastModified(database, identifier, &seconds))
-        return std::nullopt;
-    return seconds;
-}
-
 // A program without an information file agrees with a database made without one.
 bool isOfThisApplication(FMDatabaseRef database) {
     const auto info = applicationInfoPath();
-    return storedTime(database, info.get()) == modificationTime(info.get());
+    return storedModificationTime(database, info.get()) == modificationTime(info.get());
 }
-
-// The fonts that the host has now. Listing them takes about as long as going over all records, so
-// it is done meanwhile.
-class InstalledFonts {
-public:
-    InstalledFonts() : listing_([this] { list(); }) {}
-    ~InstalledFonts() { wait(); }
-    InstalledFonts(const InstalledFonts&) = delete;
-    InstalledFonts& operator=(const InstalledFonts&) = delete;
-
-    // Whether the database has each as it is now.
-    bool areIn(FMDatabaseRef database) {
-        wait();
-        return isListed_ && std::ranges::all_of(fonts_, [&](const Font& font) {
-                   return storedTime(database, font.identifier.get()) == font.time;
-               });
-    }
-    // Whether the file is one of theirs, of which the host says that it is there.
-    bool haveFile(const std::string& path) {
-        wait();
-        return files_.contains(path);
-    }
-
-private:
-    struct Font {
-        cf::Ref<CFStringRef> identifier; // A path or a name.
-        std::int64_t time;
-    };
-
-    void list() {
-        const FMFontIteratorRef fonts = FMFontIteratorCreate();
-        isListed_ = fonts != nullptr;
-        while (FMFontIteratorNext(fonts)) {
-            auto path = currentPath(fonts);
-            char bytes[PATH_MAX];
-            if (path && CFStringGetFileSystemRepresentation(path.get(), bytes, sizeof bytes))
-                files_.emplace(bytes);
-            fonts_.push_back({path ? std::move(path) : currentWindowsIdentifier(fonts),
-                              currentModificationTime(fonts)});
-        }
-        FMFontIteratorRelease(fonts);
-    }
-    void wait() {
-        if (listing_.joinable())
-            listing_.join();
-    }
-
-    std::vector<Font> fonts_;
-    std::unordered_set<std::string> files_;
-    bool isListed_ = false;
-    std::thread listing_; // Last: it fills in all others.
-};
 
 // Fonts are made from these records without looking back: all must be there, and no two fonts of
 // one nimbra id. A font's file may also be gone without any installed font telling of it.
@@ -109,7 +46,7 @@ public:
     }
 
     // Of fonts that are whole.
-    bool haveTheirFiles(InstalledFonts& installed) const {
+    bool haveTheirFiles(const InstalledFonts& installed) const {
         return std::ranges::all_of(files_, [&](const std::string& path) {
             return installed.haveFile(path) || HostFileExists(path.c_str());
         });
@@ -141,14 +78,12 @@ private:
 
 } // namespace
 
-bool isValid(FMDatabaseRef database) {
-    if (!FMDatabaseIsLatestVersion(database) ||
-        !holds(database, FMDatabaseCopySerializedPreferredLanguages,
-               serializedPreferredLanguages()))
-        return false;
-    InstalledFonts installed;
+bool isValid(FMDatabaseRef database, const InstalledFonts& installed) {
     FontRecords records(database);
-    return isOfThisApplication(database) &&
+    return FMDatabaseIsLatestVersion(database) &&
+           holds(database, FMDatabaseCopySerializedPreferredLanguages,
+                 serializedPreferredLanguages()) &&
+           isOfThisApplication(database) &&
            holds(database, FMDatabaseCopySystemResourcesToken, systemResourcesToken()) &&
            records.areWhole() && installed.areIn(database) && records.haveTheirFiles(installed);
 }

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <climits>
+#include <optional>
 
 namespace {
 
@@ -38,19 +39,32 @@ cf::Ref<FMDatabaseRef> openDatabase(CFURLRef url) {
     return cf::adopt(url ? FMDatabaseOpenWithURL(url) : nullptr);
 }
 
+// What the last run left in the caches, and the fonts to hold it against. Where there is something,
+// it will most likely be asked for: the fonts are listed while the configuration is read.
+struct Cached {
+    cf::Ref<CFURLRef> url = cachedDatabaseURL();
+    cf::Ref<FMDatabaseRef> database = openDatabase(url.get());
+    std::optional<fm::InstalledFonts> installed;
+
+    Cached() {
+        if (database)
+            installed.emplace();
+    }
+};
+
 // The library over the database in the caches where that is valid, else over one that is made anew
 // and left there for the next run.
-FMLibraryRef createCached(FMConfigRef config) {
-    const auto url = cachedDatabaseURL();
-    if (const auto stored = openDatabase(url.get()); stored && fm::isValid(stored.get()))
-        return FMLibraryCreate(config, stored.get());
+FMLibraryRef createCached(FMConfigRef config, Cached& cached) {
+    if (cached.database && fm::isValid(cached.database.get(), *cached.installed))
+        return FMLibraryCreate(config, cached.database.get());
     const FMLibraryRef library = FMLibraryCreate(config, nullptr);
-    if (library && !FMDatabasePersistToDisk(fm::databaseOf(library), url.get()))
+    if (library && !FMDatabasePersistToDisk(fm::databaseOf(library), cached.url.get()))
         CG_LOG(kHostLogDebug, "Failed to persist fmdatabase");
     return library;
 }
 
 FMLibraryRef createShared() {
+    Cached cached;
     const auto config = cf::adopt(FMConfigCreateDefault());
     if (!config)
         fm::assertionFailed("FMLibraryGetShared");
@@ -58,7 +72,7 @@ FMLibraryRef createShared() {
     case kFMConfigTypePrebuiltDatabase:
         return FMLibraryCreate(config.get(), openDatabase(prebuiltDatabaseURL().get()).get());
     case kFMConfigTypeCachedDatabase:
-        return createCached(config.get());
+        return createCached(config.get(), cached);
     default:
         return FMLibraryCreate(config.get(), nullptr);
     }
