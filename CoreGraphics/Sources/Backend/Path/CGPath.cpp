@@ -124,6 +124,10 @@ void* _CGPathGetNativeObject(CGPathRef path) {
     return path ? const_cast<SkPath*>(&path->path) : nullptr;
 }
 
+void cg::settlePath(CGPathRef path) {
+    settle(path->path);
+}
+
 void cg::rewindPath(CGMutablePathRef path) {
     if (SkPath* const points = editablePoints(path)) {
         points->rewind();

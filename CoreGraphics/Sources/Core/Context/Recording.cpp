@@ -11,6 +11,7 @@
 #include "Core/CommandQueue/XGCommandQueueRecord.h"
 #include "Core/Context/GlyphSprites.h"
 #include "Core/Context/RecordedShapes.h"
+#include "Core/Context/XGBackend.h"
 #include "Core/Data/CGDataProviderRecord.h"
 #include "Core/Image/CGImageRecord.h"
 #include "Core/State/XGClippingRecord.h"
@@ -194,6 +195,7 @@ bool recordPath(const CGContext& context, Draft& draft, CGPathRef path, const Ed
                 const Edges& area) {
     if (!draft || !isSmooth(context) || draft.isTranslucentCopy())
         return false;
+    settlePath(path); // Images of the queue are drawn wherever somebody looks at them.
     draft->path = cf::retain(path).release();
     draft->bounds = bounds.outset(1).within(area).enclosingRect();
     return draft.add();

@@ -52,6 +52,10 @@ void addLine(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFlo
 // Whether the path is, to the bit, what CGPathAddEllipseInRect makes of `rect`.
 bool isEllipse(CGPathRef path, CGRect rect);
 
+// Computes what is otherwise computed, and kept, when first asked for: from now on threads may read
+// the path at once.
+void settlePath(CGPathRef path);
+
 // Empties a path but keeps the memory of its points, for the next path to use.
 void rewindPath(CGMutablePathRef path);
 
