@@ -5,7 +5,8 @@
 // Each line is cut into runs of one font and one script. FONT, "DejaVu Sans" if none is named, has
 // all that it can show; the rest falls to the fonts that cover it. Runs stand side by side in the
 // line's direction, that of its first letter: numbers inside Arabic words, and whatever else needs
-// the whole of the bidirectional algorithm, are not put in order.
+// the whole of the bidirectional algorithm, are not put in order. Ends with 1 where a character is
+// in no font.
 
 #include "XGFont.h"
 #include <CoreFoundation/CFRef.h>
@@ -188,8 +189,10 @@ std::vector<Run> cut(const std::u32string& text, const Fonts& fonts, hb_directio
 
 // ---- Drawing
 
-// Draws a run with its left end at `at`, and gives its width.
-CGFloat draw(CGContextRef context, const std::u32string& text, const Run& run, CGPoint at) {
+// Draws a run with its left end at `at`, and gives its width. Says which characters no font has,
+// and adds them up.
+CGFloat draw(CGContextRef context, const std::u32string& text, const Run& run, CGPoint at,
+             int& missing) {
     const Buffer buffer(hb_buffer_create());
     hb_buffer_add_utf32(buffer.get(), reinterpret_cast<const uint32_t*>(text.data()),
                         static_cast<int>(text.size()), static_cast<unsigned>(run.start),
@@ -209,6 +212,10 @@ CGFloat draw(CGContextRef context, const std::u32string& text, const Run& run, C
     CGFloat pen = 0;
     for (unsigned i = 0; i < count; ++i) {
         glyphs[i] = static_cast<CGGlyph>(info[i].codepoint);
+        if (glyphs[i] == 0) {
+            std::fprintf(stderr, "shape: no font has U+%04X\n", unsigned{text[info[i].cluster]});
+            ++missing;
+        }
         places[i] = {pen + static_cast<CGFloat>(positions[i].x_offset) * scale,
                      static_cast<CGFloat>(positions[i].y_offset) * scale};
         pen += static_cast<CGFloat>(positions[i].x_advance) * scale;
@@ -220,15 +227,17 @@ CGFloat draw(CGContextRef context, const std::u32string& text, const Run& run, C
     return pen;
 }
 
-void drawLine(CGContextRef context, std::string_view utf8, const Fonts& fonts, CGFloat baseline) {
+int drawLine(CGContextRef context, std::string_view utf8, const Fonts& fonts, CGFloat baseline) {
     const std::u32string text = decode(utf8);
     const hb_direction_t direction = directionOf(nextScript(text, 0));
     std::vector<Run> runs = cut(text, fonts, direction);
     if (direction == HB_DIRECTION_RTL)
         std::ranges::reverse(runs);
     CGPoint at = {kMargin, baseline};
+    int missing = 0;
     for (const Run& run : runs)
-        at.x += draw(context, text, run, at);
+        at.x += draw(context, text, run, at, missing);
+    return missing;
 }
 
 bool write(CGContextRef context, const char* path) {
@@ -268,12 +277,13 @@ int main(int count, char** arguments) {
                       CGRectMake(0, 0, CGFloat{kWidth}, static_cast<CGFloat>(height)));
     CGContextSetGrayFillColor(context.get(), 0.1f, 1);
     CGFloat baseline = static_cast<CGFloat>(height) - kMargin - kLineHeight * 0.7f;
+    int missing = 0;
     for (const std::string_view line : lines) {
-        drawLine(context.get(), line, fonts, baseline);
+        missing += drawLine(context.get(), line, fonts, baseline);
         baseline -= kLineHeight;
     }
     if (write(context.get(), arguments[1]))
-        return 0;
+        return missing > 0;
     std::fprintf(stderr, "shape: %s cannot be written\n", arguments[1]);
     return 1;
 }

@@ -24,7 +24,7 @@ GlyphPointer makeGlyphRecord(const GlyphKey& key, FMGlyphFormat format, uint32_t
                              uint32_t height) {
     const uint32_t rowBytes = bytesPerRow(format, width);
     const std::size_t bytes = sizeof(GlyphRecord) + std::size_t{rowBytes} * height;
-    void* const block = std::calloc(1, bytes);
+    void* const block = std::malloc(bytes);
     if (!block)
         return nullptr;
     auto* const record = ::new (block) GlyphRecord{};

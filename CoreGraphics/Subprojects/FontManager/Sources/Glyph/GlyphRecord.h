@@ -32,8 +32,8 @@ struct ReleaseGlyph {
 };
 using GlyphPointer = std::unique_ptr<GlyphRecord, ReleaseGlyph>;
 
-// A record with one user and room for rows of zeroes, without gaps, to be filled in by the caller;
-// empty when memory runs out. The sizes have been limited.
+// A record with one user and room for rows, without gaps, which the caller has to fill in; empty
+// when memory runs out. The sizes have been limited.
 GlyphPointer makeGlyphRecord(const GlyphKey& key, FMGlyphFormat format, uint32_t width,
                              uint32_t height);
 // The pixels of a record that nobody else knows yet.
