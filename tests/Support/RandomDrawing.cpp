@@ -214,8 +214,10 @@ private:
             CGContextAddArc(c, at.x, at.y, side / 2, real(0, 7), real(0, 7), oneIn(2));
         else if (oneIn(3))
             CGContextAddEllipseInRect(c, {at, {side, side * real(0.5f, 1)}});
-        else
+        else if (oneIn(2))
             CGContextAddEllipseInRect(c, {at, {side, side}});
+        else
+            return CGContextFillEllipseInRect(c, {at, {side, side}});
         draw();
     }
     void shape() {

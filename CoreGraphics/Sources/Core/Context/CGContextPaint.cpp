@@ -233,6 +233,10 @@ void XGContextStrokeRects(CGContextRef context, const CGRect* rects, size_t coun
 // ---- Other shapes
 
 void CGContextFillEllipseInRect(CGContextRef context, CGRect rect) {
+    if (context && context->queue && cg::recordCircle(*context, rect)) {
+        cg::dropPath(*context);
+        return;
+    }
     paintShape(context, kCGPathFill, [&](CGMutablePathRef path, const CGAffineTransform* ctm) {
         CGPathAddEllipseInRect(path, ctm, rect);
     });

@@ -237,15 +237,19 @@ bool recordAsRects(CGContext& context, const Edges& area, CGPathRef path, CGColo
     return recordDeviceRects(context, area, color, found);
 }
 
-bool recordAsCircle(CGContext& context, const Edges& area, CGPathRef path, CGColorRef color) {
-    const auto circle = circleOf(path);
-    if (!circle || !isSmooth(context) || seenOf(context, area, Edges::of(*circle)) != Seen::AsItIs)
+bool recordCircle(CGContext& context, const Edges& area, CGRect square, CGColorRef color) {
+    if (!isSmooth(context) || seenOf(context, area, Edges::of(square)) != Seen::AsItIs)
         return false;
     Draft draft(context, kXGCommandFillCircle, color);
     if (!draft || draft.isTranslucentCopy())
         return false;
-    draft->bounds = *circle;
+    draft->bounds = square;
     return draft.add();
+}
+
+bool recordAsCircle(CGContext& context, const Edges& area, CGPathRef path, CGColorRef color) {
+    const auto square = circleOf(path);
+    return square && recordCircle(context, area, *square, color);
 }
 
 bool hasUprightCTM(const CGContext& context) {
@@ -285,6 +289,17 @@ bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColor
         return false;
     _CGPathSetEvenOddFill(path, evenOdd ? kXGPathFillEvenOdd : kXGPathFillWinding);
     return recordFilledPath(context, onCanvas, path, bounds, *area);
+}
+
+bool recordCircle(CGContext& context, CGRect square) {
+    // Large enough for its points to be round, and where no transform rounds them.
+    constexpr CGFloat kLeast = 1.f / 16;
+    const auto area = recordableArea(context);
+    const StateValues& values = context.state.get()->values;
+    const CGColorRef color = area ? recordedColor(context, values.fillColor.get()) : nullptr;
+    return color && square.size.width == square.size.height && square.size.width >= kLeast &&
+           CGAffineTransformIsIdentity(values.combinedCTM) &&
+           recordCircle(context, *area, square, color);
 }
 
 // ---- Strokes

@@ -23,6 +23,9 @@ bool recordRects(CGContext& context, const CGRect* rects, std::size_t count);
 // is kept and must not change any more.
 bool recordFill(CGContext& context, CGMutablePathRef path, bool evenOdd, CGColorRef color);
 
+// A circle in the state's fill colour, if it is one in device space as well; spares its path.
+bool recordCircle(CGContext& context, CGRect square);
+
 // What deviceStroke() gave, in the state's stroke colour.
 bool recordStroke(CGContext& context, const DeviceStroke& stroke);
 
