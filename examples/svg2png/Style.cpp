@@ -260,6 +260,38 @@ constexpr Property kMarkers = {
     },
     [](Style& style) { style.markerStartId = style.markerMidId = style.markerEndId = {}; }};
 
+// "font": words of style, variant and weight, then the size, perhaps with a line height, and the
+// families. What is not said is set back.
+void applyFont(Style& style, std::string_view text) {
+    InheritedStyle font;
+    while (!text.empty()) {
+        const std::string_view word = text.substr(0, text.find(' '));
+        text = trimmed(text.substr(word.size()));
+        const auto size = parseFontSize(word.substr(0, word.find('/')));
+        const auto weight = parseFontWeight(word);
+        if (weight && !text.empty()) {
+            font.fontWeight = *weight;
+        } else if (size) {
+            style.fontSize = *size;
+            style.fontWeight = font.fontWeight;
+            style.isItalic = font.isItalic;
+            style.fontFamily = text;
+            return;
+        } else if (*parseFontStyle(word)) {
+            font.isItalic = true;
+        }
+    }
+}
+
+constexpr Property kFont = {"font", applyFont,
+                            [](Style& style, const Style& parent) {
+                                style.fontSize = parent.fontSize;
+                                style.fontWeight = parent.fontWeight;
+                                style.isItalic = parent.isItalic;
+                                style.fontFamily = parent.fontFamily;
+                            },
+                            [](Style& style) { applyFont(style, "medium sans-serif"); }};
+
 // Sorted by name for the binary search below. Properties that are not here change nothing that this
 // program draws.
 constexpr std::array kProperties = {
@@ -273,6 +305,7 @@ constexpr std::array kProperties = {
     property<&Style::filterId, parseReference>("filter"),
     property<&Style::floodColor, parseColorValue>("flood-color"),
     property<&Style::floodOpacity, parseOpacity>("flood-opacity"),
+    kFont,
     property<&Style::fontFamily, parseFontFamily>("font-family"),
     property<&Style::fontSize, parseFontSize>("font-size"),
     property<&Style::isItalic, parseFontStyle>("font-style"),
