@@ -26,6 +26,12 @@ static void findGlyphs(CGFontRef font, const char* text) {
         CFRelease(string);
     }
     CGFontGetGlyphsForUnichars(font, characters, glyphs, count);
+    /* The second half of a surrogate pair has no glyph of its own. */
+    size_t kept = 0;
+    for (size_t i = 0; i < count; ++i)
+        if ((characters[i] & 0xFC00) != 0xDC00)
+            glyphs[kept++] = glyphs[i];
+    count = kept;
 }
 
 static void show(CGContextRef context, CGFloat size, CGFloat x, CGFloat y, CGTextDrawingMode mode) {
