@@ -6,6 +6,7 @@
 
 #include "Support/Bitmaps.h"
 #include "Support/CollectedLog.h"
+#include "Support/Fonts.h"
 
 #include <gtest/gtest.h>
 
@@ -100,6 +101,11 @@ public:
     cf::Ref<CGGradientRef> gradient();
     cf::Ref<CGShadingRef> shading();
     cf::Ref<CGPatternRef> pattern();
+    CGFontRef font(); // Lent.
+    auto glyphs() {
+        return list<CGGlyph>(
+            [this] { return static_cast<CGGlyph>(flag() ? upTo(80) : upTo(65536)); });
+    }
 
 private:
     std::mt19937 random_;
@@ -124,6 +130,12 @@ cf::Ref<CGColorSpaceRef> Arguments::space() {
 cf::Ref<CGColorRef> Arguments::color() {
     const CGFloat components[] = {number(), number(), number(), number(), number()};
     return cf::adopt(CGColorCreate(space().get(), components));
+}
+
+CGFontRef Arguments::font() {
+    static const test::Font fonts[] = {nullptr, test::makeFont(test::kTrueTypeFont),
+                                       test::makeFont(test::kColorFont)};
+    return fonts[upTo(std::size(fonts))].get();
 }
 
 cf::Ref<CGPathRef> Arguments::path() {
@@ -216,6 +228,8 @@ constexpr Call kSettings[] = {
     },
     [](CGContextRef c, Arguments& a) { CGContextSetTextMatrix(c, a.transform()); },
     [](CGContextRef c, Arguments& a) { CGContextSetFontSize(c, a.number()); },
+    [](CGContextRef c, Arguments& a) { CGContextSetCharacterSpacing(c, a.number()); },
+    [](CGContextRef c, Arguments& a) { CGContextSetFont(c, a.font()); },
     [](CGContextRef c, Arguments& a) { CGContextSetFillColorWithColor(c, a.color().get()); },
     [](CGContextRef c, Arguments& a) { CGContextSetStrokeColorWithColor(c, a.color().get()); },
     [](CGContextRef c, Arguments& a) { CGContextSetFillColorSpace(c, a.space().get()); },
@@ -316,6 +330,20 @@ constexpr Call kMarks[] = {
         const auto [points, count] = a.points();
         CGContextStrokeLineSegments(c, points, count);
     },
+    [](CGContextRef c, Arguments& a) {
+        const auto [glyphs, count] = a.glyphs();
+        CGContextShowGlyphsAtPoint(c, a.number(), a.number(), glyphs, count);
+    },
+    [](CGContextRef c, Arguments& a) {
+        const auto [points, count] = a.points();
+        CGContextShowGlyphsAtPositions(c, a.glyphs().first, points, count);
+    },
+    [](CGContextRef c, Arguments& a) {
+        const CGSize advances[] = {a.size(), a.size(), a.size(), a.size(), a.size()};
+        const auto [glyphs, count] = a.glyphs();
+        CGContextShowGlyphsWithAdvances(c, glyphs, advances, count);
+    },
+    [](CGContextRef c, Arguments& a) { CGContextShowText(c, "Nim\xFF", a.upTo(5)); },
     [](CGContextRef c, Arguments& a) { CGContextDrawImage(c, a.rect(), a.image().get()); },
     [](CGContextRef c, Arguments& a) { CGContextDrawTiledImage(c, a.rect(), a.image().get()); },
     [](CGContextRef c, Arguments& a) { XGContextDrawShadowImage(c, a.rect(), a.image().get()); },
