@@ -35,7 +35,7 @@ def groups_of(pictures):
     """The pictures by theme, kind and size, in the order in which these first come."""
     groups = {}
     for picture in pictures:
-        size = "their own" if picture.kind == "test" else str(picture.size)
+        size = "their own" if picture.kind in ("test", "text") else str(picture.size)
         key = (THEME_NAMES.get(picture.theme, picture.theme), picture.kind, size)
         groups.setdefault(key, []).append(picture)
     return list(groups.items())

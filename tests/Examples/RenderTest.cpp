@@ -284,6 +284,41 @@ TEST(Render, PaintsPatterns) {
     });
 }
 
+// In this font a full block is 12 pixels wide at this size, and reaches from 15 above the baseline
+// to 4 below at least.
+TEST(Render, SetsText) {
+    const std::string text = "<text y='25' font-family='DejaVu Sans Mono' font-size='20' ",
+                      font = text + "fill='red' ";
+    expectAll({
+        {"in a font that is said at once",
+         "<text x='10' y='25' fill='red' style='font:20px \"DejaVu Sans Mono\"'>\u2588</text>",
+         {{12, 20, kRed}, {5, 20, kClear}}},
+        {"from a position on", font + "x='10'>\u2588</text>", {{12, 20, kRed}, {5, 20, kClear}}},
+        {"to its end",
+         font + "x='30' text-anchor='end'>\u2588</text>",
+         {{20, 20, kRed}, {14, 20, kClear}, {33, 20, kClear}}},
+        {"in spans",
+         font + "x='2'>\u2588<tspan fill='lime' dy='-5'>\u2588</tspan></text>",
+         {{6, 20, kRed}, {20, 20, kLime}, {20, 27, kClear}}},
+        {"with its letters at places of their own",
+         font + "x='2 28'>\u2588\u2588</text>",
+         {{6, 20, kRed}, {20, 20, kClear}, {32, 20, kRed}}},
+        {"with white space as one space",
+         font + "x='2'>\n \u2588  \u2588 </text>",
+         {{6, 20, kRed}, {20, 20, kClear}, {32, 20, kRed}}},
+        {"clipping",
+         "<clipPath id='c'>" + font +
+             "x='10'>\u2588</text></clipPath>"
+             "<rect width='40' height='40' fill='lime' clip-path='url(#c)'/>",
+         {{14, 20, kLime}, {30, 20, kClear}}},
+        {"in a gradient over its box",
+         "<linearGradient id='g'><stop offset='.5' stop-color='red'/>"
+         "<stop offset='.5' stop-color='lime'/></linearGradient>" +
+             text + "x='4' fill='url(#g)'>\u2588\u2588</text>",
+         {{8, 20, kRed}, {24, 20, kLime}}},
+    });
+}
+
 TEST(Render, EndsWhateverADocumentAsksFor) {
     // Ten levels of ten uses each ask for ten thousand million rectangles.
     std::string content = "<defs><rect id='l0' width='40' height='40' fill='red'/>";

@@ -161,9 +161,12 @@ constexpr XGContextCallbacks kCallbacks = {
                                void* info) { backend(info).endTransparencyLayer(state, flags); },
 };
 
-// Chooses the instructions of this processor; drawing before it takes Skia's slowest code.
+// Chooses the instructions of this processor; drawing before it takes Skia's slowest code. The cache
+// of glyphs is large enough for a page of Chinese in two sizes.
 void initializeSkia() {
-    [[maybe_unused]] static const bool once = (SkGraphics::Init(), true);
+    constexpr std::size_t kGlyphCacheBytes = std::size_t{8} << 20;
+    [[maybe_unused]] static const bool once =
+        (SkGraphics::Init(), SkGraphics::SetFontCacheLimit(kGlyphCacheBytes), true);
 }
 
 } // namespace
