@@ -161,8 +161,8 @@ constexpr XGContextCallbacks kCallbacks = {
                                void* info) { backend(info).endTransparencyLayer(state, flags); },
 };
 
-// Chooses the instructions of this processor; drawing before it takes Skia's slowest code. The cache
-// of glyphs is large enough for a page of Chinese in two sizes.
+// Chooses the instructions of this processor; drawing before it takes Skia's slowest code. The
+// cache of glyphs is large enough for a page of Chinese in two sizes.
 void initializeSkia() {
     constexpr std::size_t kGlyphCacheBytes = std::size_t{8} << 20;
     [[maybe_unused]] static const bool once =
