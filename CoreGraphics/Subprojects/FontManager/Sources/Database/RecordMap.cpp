@@ -20,11 +20,10 @@ std::size_t hashOf(Bytes key) {
 } // namespace
 
 RecordMap::~RecordMap() {
-    for (std::size_t chain = 0; chain < chainCount_; ++chain)
-        while (Record* const first = chains_[chain]) {
-            chains_[chain] = first->next;
-            std::free(first);
-        }
+    while (Record* const record = first_) {
+        first_ = record->later;
+        std::free(record);
+    }
     std::free(chains_);
 }
 
@@ -36,12 +35,10 @@ bool RecordMap::set(Bytes key, Bytes value) {
     if (!record)
         return false;
     Record** const link = linkTo(hash, key);
-    if (Record* const old = std::exchange(*link, record)) {
-        record->next = old->next;
-        std::free(old);
-    } else {
-        ++size_;
-    }
+    if (Record* const old = std::exchange(*link, record))
+        replace(old, record);
+    else
+        append(record);
     return true;
 }
 
@@ -68,10 +65,32 @@ RecordMap::Record* RecordMap::make(std::size_t hash, Bytes key, Bytes value) {
     void* const memory = std::malloc(size);
     if (!memory)
         return nullptr;
-    auto* const record = ::new (memory) Record{nullptr, hash, key.size(), value.size()};
+    auto* const record = ::new (memory) Record{.next = nullptr,
+                                               .later = nullptr,
+                                               .earlier = nullptr,
+                                               .hash = hash,
+                                               .keySize = key.size(),
+                                               .valueSize = value.size()};
     auto* const bytes = reinterpret_cast<std::byte*>(record + 1);
     std::ranges::copy(value, std::ranges::copy(key, bytes).out);
     return record;
+}
+
+void RecordMap::append(Record* record) {
+    record->earlier = last_;
+    (last_ ? last_->later : first_) = record;
+    last_ = record;
+    ++size_;
+}
+
+// In the chain and in the order.
+void RecordMap::replace(Record* old, Record* record) {
+    record->next = old->next;
+    record->later = old->later;
+    record->earlier = old->earlier;
+    (old->later ? old->later->earlier : last_) = record;
+    (old->earlier ? old->earlier->later : first_) = record;
+    std::free(old);
 }
 
 bool RecordMap::grow() {

@@ -25,18 +25,20 @@ public:
     std::optional<Bytes> find(Bytes key) const;
     std::size_t size() const { return size_; }
 
-    // Calls `visit(key, value)` for each record.
+    // Calls `visit(key, value)` for each record, in the order in which their keys came: what is
+    // stored together is then read together, too.
     template <typename Visit>
     void forEach(Visit visit) const {
-        for (std::size_t chain = 0; chain < chainCount_; ++chain)
-            for (const Record* record = chains_[chain]; record; record = record->next)
-                visit(record->key(), record->value());
+        for (const Record* record = first_; record; record = record->later)
+            visit(record->key(), record->value());
     }
 
 private:
     // The key and the value follow it.
     struct Record {
-        Record* next;
+        Record* next; // In the chain.
+        Record* later;
+        Record* earlier;
         std::size_t hash;
         std::size_t keySize;
         std::size_t valueSize;
@@ -48,11 +50,15 @@ private:
 
     Record** linkTo(std::size_t hash, Bytes key) const;
     static Record* make(std::size_t hash, Bytes key, Bytes value);
+    void append(Record* record);
+    void replace(Record* old, Record* record);
     bool grow();
 
     Record** chains_ = nullptr;
     std::size_t chainCount_ = 0; // 0 or a power of two.
     std::size_t size_ = 0;
+    Record* first_ = nullptr;
+    Record* last_ = nullptr;
 };
 
 } // namespace fm
