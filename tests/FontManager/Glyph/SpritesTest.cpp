@@ -115,3 +115,22 @@ TEST(Sprites, PlayedFromTheAtlasAreTheTextOfABitmap) {
         EXPECT_LE(largestDifference({own, own + played.size()}, played), 1) << what;
     }
 }
+
+TEST(Sprites, ArePlacedOnceInAnAtlasAndAgainInTheNext) {
+    const Font font = test::openFont(test::kTrueType);
+    const CGGlyph glyph = test::BareFace(test::kTrueType).glyph('g');
+    const FMGlyphDescription description = test::upright(21);
+    const auto copy = [&](FMGlyphDescription how) {
+        return test::Glyph(FMFontCopyBitmapGlyphWithSprite(font.get(), glyph, &how));
+    };
+    EXPECT_FALSE(copy(description)) << "without an atlas";
+    for (int round = 0; round < 2; ++round) {
+        AtlasHost host(64);
+        const test::Glyph first = copy(description);
+        ASSERT_TRUE(first);
+        EXPECT_EQ(copy(description).get(), first.get());
+        EXPECT_EQ(host.uploads(), 1u);
+        EXPECT_FALSE(copy(test::upright(100))) << "no room";
+        EXPECT_FALSE(copy(test::upright(20, kFMGlyphAsOutline)));
+    }
+}

@@ -105,8 +105,9 @@ typedef struct FMTextureAtlasCallbacks {
     void (*removeSprite)(void* info, void* sprite);
 } FMTextureAtlasCallbacks;
 
-/** Keeps the address of the compositor's callbacks for the process, which stay valid as long as a
- *  record made meanwhile lives. NULL, another version or a missing callback: there is no atlas. */
+/** Keeps the address of the compositor's callbacks for the process. Those before are not called any
+ *  more when it returns: their atlas and all places in it count as gone, and glyphs get new ones
+ *  when they are asked for again. NULL, another version, a missing callback: there is no atlas. */
 CG_EXPORT void FMFontSetTextureAtlasCallbacks(const FMTextureAtlasCallbacks* callbacks);
 /** FMFontCopyGlyph for a compositor: a record of pixels that has a place in the atlas. NULL also
  *  where there is no atlas, where the atlas has no room, and for outlines. A glyph that marks

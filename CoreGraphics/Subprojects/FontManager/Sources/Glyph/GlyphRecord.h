@@ -16,8 +16,7 @@ struct GlyphRecord : FMGlyph {
     GlyphKey key;
     std::size_t bytes = 0; // Of the block, and about those of the path.
     std::atomic<bool> isUsed{false};
-    // Whose sprite it is.
-    const FMTextureAtlasCallbacks* atlas = nullptr;
+    std::uint64_t atlasNumber = 0; // Of the atlas that the sprite is in.
     GlyphRecord* next = nullptr; // Of those that are about to be freed.
 
     std::atomic_ref<int32_t> users() { return std::atomic_ref(count); }

@@ -10,50 +10,44 @@ namespace fm {
 
 namespace {
 
-// Guards the records' sprites and serialises the compositor's callbacks. Nothing else is locked
-// while it is held.
+// The mutex guards all of it and the records' sprites, and serialises the compositor's callbacks.
+// Nothing else is locked while it is held.
 struct Atlas {
     RecursiveMutex mutex;
-    std::atomic<const FMTextureAtlasCallbacks*> callbacks{nullptr};
+    const FMTextureAtlasCallbacks* callbacks = nullptr;
+    // Sprites of another number belonged to an atlas that is no more.
+    std::uint64_t number = 0;
 };
 
-Atlas& atlas() {
+Atlas& sharedAtlas() {
     static auto& atlas = *new Atlas;
     return atlas;
-}
-
-void removeLocked(GlyphRecord& record) {
-    if (record.sprite)
-        record.atlas->removeSprite(record.atlas->info, record.sprite);
-    record.sprite = nullptr;
-    record.atlas = nullptr;
 }
 
 } // namespace
 
 bool addSprite(GlyphRecord& record) {
-    const FMTextureAtlasCallbacks* const callbacks =
-        atlas().callbacks.load(std::memory_order_acquire);
-    if (!callbacks || record.format == kFMGlyphFormatOutline)
+    if (record.format == kFMGlyphFormatOutline)
         return false;
-    if (record.width == 0 || record.height == 0)
-        return true;
-    const std::lock_guard hold(atlas().mutex);
-    if (record.atlas == callbacks)
-        return true;
-    removeLocked(record);
-    record.sprite = callbacks->addSprite(callbacks->info, &record);
-    if (!record.sprite)
+    Atlas& atlas = sharedAtlas();
+    const std::lock_guard hold(atlas.mutex);
+    if (!atlas.callbacks)
         return false;
-    record.atlas = callbacks;
-    return true;
+    if (record.width == 0 || record.height == 0 ||
+        (record.sprite && record.atlasNumber == atlas.number))
+        return true;
+    record.sprite = atlas.callbacks->addSprite(atlas.callbacks->info, &record);
+    record.atlasNumber = atlas.number;
+    return record.sprite != nullptr;
 }
 
 void removeSprite(GlyphRecord& record) {
-    if (!record.atlas)
+    if (!record.sprite)
         return;
-    const std::lock_guard hold(atlas().mutex);
-    removeLocked(record);
+    Atlas& atlas = sharedAtlas();
+    const std::lock_guard hold(atlas.mutex);
+    if (atlas.callbacks && record.atlasNumber == atlas.number)
+        atlas.callbacks->removeSprite(atlas.callbacks->info, record.sprite);
 }
 
 } // namespace fm
@@ -61,5 +55,8 @@ void removeSprite(GlyphRecord& record) {
 void FMFontSetTextureAtlasCallbacks(const FMTextureAtlasCallbacks* callbacks) {
     const bool isUsable =
         callbacks && callbacks->version == 0 && callbacks->addSprite && callbacks->removeSprite;
-    fm::atlas().callbacks.store(isUsable ? callbacks : nullptr, std::memory_order_release);
+    fm::Atlas& atlas = fm::sharedAtlas();
+    const std::lock_guard hold(atlas.mutex);
+    atlas.callbacks = isUsable ? callbacks : nullptr;
+    ++atlas.number;
 }
