@@ -78,10 +78,11 @@ cf::Ref<CGMutablePathRef> outlinesOf(XGGStateRef state, const ShownGlyphs& shown
 void drawPass(CGContext& context, const ShownGlyphs& shown, const DeviceStroke& stroke,
               uint32_t passFlags) {
     const XGGStateRef state = context.state.get();
-    const uint32_t ignored = disablesFontAntialiasing() ? kXGContextAllowsAntialiasing : 0u;
+    const uint32_t allowed =
+        ~(disablesFontAntialiasing() ? uint32_t{kXGContextAllowsAntialiasing} : 0u);
     if (fillsText(XGGStateGetTextDrawingMode(state)) && context.callbacks.drawSprites) {
         const auto font = cf::retain(XGGStateGetFont(state));
-        context.callbacks.drawSprites(state, (context.allowsFlags & ~ignored) | passFlags,
+        context.callbacks.drawSprites(state, (context.allowsFlags & allowed) | passFlags,
                                       font.get(), shown.glyphs, shown.positions, shown.count,
                                       context.info);
     }
