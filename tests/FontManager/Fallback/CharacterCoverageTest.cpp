@@ -22,7 +22,9 @@ TEST(CharacterCoverage, AgreesWithSetsOfCodePoints) {
     for (const FMFontId id : ids) {
         std::vector<uint32_t> codePoints = {0, 255, 256, 0x10FFFF, 0x110000, 0xFFFFFFFF};
         for (int run = 0; run < 50; ++run)
-            for (uint32_t c = random() % 0x30000, end = c + random() % 300; c < end; ++c)
+            for (auto c = static_cast<uint32_t>(random() % 0x30000),
+                      end = c + static_cast<uint32_t>(random() % 300);
+                 c < end; ++c)
                 codePoints.push_back(c); // In no order, and some of them twice.
         coverage.add(id, codePoints);
         model[id].insert(codePoints.begin(), codePoints.end());

@@ -84,7 +84,7 @@ TEST(CharacterRanges, AgreesWithAModelInAnyOrder) {
         // Runs of a few sets, so that both joining and parting happen.
         std::map<uint32_t, uint32_t> sets;
         for (uint32_t codePoint = first, set = 0; codePoint < first + 200; ++codePoint)
-            sets[codePoint] = set = random() % 5 == 0 ? random() % 3 : set;
+            sets[codePoint] = set = random() % 5 == 0 ? static_cast<uint32_t>(random() % 3) : set;
         std::set<std::string> outcomes;
         for (int order = 0; order < 20; ++order) {
             std::vector<uint32_t> codePoints(200);

@@ -258,7 +258,8 @@ TEST(FMLibraryThreads, AskAndPurgeAtOnce) {
             if (step % 3 == thread % 3)
                 FMFontPurge(font.get());
             uint32_t start = 0, end = 0, set = 0;
-            FMLibraryQueryFallback(small.library.get(), letter + step % 7, &start, &end, &set);
+            FMLibraryQueryFallback(small.library.get(), static_cast<UTF32Char>(letter + step % 7),
+                                   &start, &end, &set);
             ASSERT_NE(end, 0u);
             const FMFontRef *first = nullptr, *last = nullptr;
             FMLibraryGetFallbackFontSet(small.library.get(), set, &first, &last);
