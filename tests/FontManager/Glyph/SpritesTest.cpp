@@ -134,3 +134,19 @@ TEST(Sprites, ArePlacedOnceInAnAtlasAndAgainInTheNext) {
         EXPECT_FALSE(copy(test::upright(20, kFMGlyphAsOutline)));
     }
 }
+
+TEST(Sprites, GiveTheirPlaceBackWithTheLastUser) {
+    AtlasHost host(1024);
+    const Font font = test::openFont(test::kColor);
+    const CGGlyph glyph = test::BareFace(test::kColor).glyph(0x1F600);
+    // Too large for the cache, which would be one more user.
+    const FMGlyphDescription description = test::upright(400);
+    test::Glyph first(FMFontCopyBitmapGlyphWithSprite(font.get(), glyph, &description));
+    ASSERT_TRUE(first);
+    test::Glyph second(FMGlyphRetain(first.get()));
+    EXPECT_EQ(host.sprites(), 1u);
+    first = nullptr;
+    EXPECT_EQ(host.sprites(), 1u);
+    second = nullptr;
+    EXPECT_EQ(host.sprites(), 0u);
+}
