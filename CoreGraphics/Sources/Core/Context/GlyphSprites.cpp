@@ -54,11 +54,11 @@ FMGlyphDescription describe(const CGContext& context) {
     const XGGStateRef state = context.state.get();
     const bool isSmooth = isAllowed(context, kXGContextAllowsAntialiasing) &&
                           XGGStateShouldAntialias(state) && !disablesFontAntialiasing();
-    return {.size = XGGStateGetFontSize(state),
-            .transform =
-                CGAffineTransformConcat(state->values.textMatrix, *XGGStateGetTextCTM(state)),
-            .position = CGPointZero,
-            .options = kFMGlyphSubpixelPosition | (isSmooth ? kFMGlyphAntialias : 0u)};
+    return {
+        .size = XGGStateGetFontSize(state),
+        .transform = CGAffineTransformConcat(state->values.textMatrix, *XGGStateGetTextCTM(state)),
+        .position = CGPointZero,
+        .options = kFMGlyphSubpixelPosition | (isSmooth ? FMGlyphOptions{kFMGlyphAntialias} : 0u)};
 }
 
 Edges edgesOf(const FMGlyph& glyph, CGPoint origin) {
