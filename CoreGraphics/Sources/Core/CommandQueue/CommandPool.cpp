@@ -2,10 +2,14 @@
 
 #include "Core/CommandQueue/CommandPool.h"
 
+#include <Host/Host.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <mutex>
+#include <new>
 
 namespace cg {
 
@@ -21,12 +25,60 @@ constexpr std::size_t aligned(std::size_t size) {
 
 } // namespace
 
+// Blocks of emptied pools for the next ones, of all threads. Pictures are recorded anew for every
+// frame; fresh memory costs more to touch for the first time than recording into it does.
+class CommandPool::SpareBlocks {
+public:
+    // One of the largest blocks, or NULL.
+    Block* take() {
+        const std::lock_guard hold(mutex_);
+        Block* const block = first_;
+        if (block) {
+            first_ = block->before;
+            --count_;
+        }
+        return block;
+    }
+    // False for one that is not worth keeping.
+    bool keep(Block* block) {
+        if (block->size != kLargestBlock)
+            return false;
+        const std::lock_guard hold(mutex_);
+        if (count_ == kMost)
+            return false;
+        block->before = first_;
+        first_ = block;
+        ++count_;
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kMost = 40; // What a full queue of small marks takes.
+
+    host::Mutex mutex_; // No other lock is taken under it.
+    Block* first_ = nullptr;
+    std::size_t count_ = 0;
+};
+
+CommandPool::SpareBlocks& CommandPool::spareBlocks() {
+    // Immortal, since queues may go while the process ends, and made without an allocation.
+    alignas(SpareBlocks) static std::byte memory[sizeof(SpareBlocks)];
+    static SpareBlocks* const blocks = ::new (static_cast<void*>(memory)) SpareBlocks;
+    return *blocks;
+}
+
+CommandPool::Block* CommandPool::makeBlock(std::size_t size) {
+    if (Block* const spare = size == kLargestBlock ? spareBlocks().take() : nullptr)
+        return spare;
+    if (size > std::numeric_limits<std::size_t>::max() - sizeof(Block))
+        return nullptr;
+    return static_cast<Block*>(std::malloc(sizeof(Block) + size));
+}
+
 bool CommandPool::grow(std::size_t size) {
     const std::size_t usual = last_ ? std::min(2 * last_->size, kLargestBlock) : kSmallestBlock;
     const std::size_t wanted = std::max(usual, size);
-    if (wanted > std::numeric_limits<std::size_t>::max() - sizeof(Block))
-        return false;
-    auto* const block = static_cast<Block*>(std::malloc(sizeof(Block) + wanted));
+    Block* const block = makeBlock(wanted);
     if (!block)
         return false;
     *block = {.before = last_, .size = wanted, .used = 0};
@@ -55,7 +107,8 @@ void CommandPool::clear() {
     while (last_) {
         Block* const block = last_;
         last_ = block->before;
-        std::free(block);
+        if (!spareBlocks().keep(block))
+            std::free(block);
     }
 }
 

@@ -29,6 +29,11 @@ private:
         std::byte* bytes() { return reinterpret_cast<std::byte*>(this + 1); }
     };
 
+    class SpareBlocks;
+    static SpareBlocks& spareBlocks();
+    // Of `size` bytes for records, the head not set; NULL when memory runs out.
+    static Block* makeBlock(std::size_t size);
+
     bool grow(std::size_t size);
 
     Block* last_ = nullptr;

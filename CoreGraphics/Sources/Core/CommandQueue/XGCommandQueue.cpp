@@ -205,12 +205,17 @@ bool canTake(XGCommandQueueRef queue, const XGCommand& command, CGColorRef color
            CGColorGetAlpha(color) > kOpaque;
 }
 
-// Settles what follows from mode and bounds. False for a command that nobody could see.
+bool areSame(const CGRect& a, const CGRect& b) {
+    return a.origin.x == b.origin.x && a.origin.y == b.origin.y && a.size.width == b.size.width &&
+           a.size.height == b.size.height;
+}
+
+// Settles what follows from mode and bounds, which are standardised. False for a command that
+// nobody could see.
 bool settle(const XGCommandQueue& queue, XGCommand& command) {
     if (command.blendMode == kCGBlendModeCopy)
         command.blendMode = kCGBlendModeNormal;
-    command.bounds = CGRectStandardize(command.bounds);
-    command.isPartial = !CGRectEqualToRect(command.bounds, queue.canvas());
+    command.isPartial = !areSame(command.bounds, queue.canvas());
     return !CGRectIsEmpty(command.bounds);
 }
 
@@ -225,6 +230,7 @@ bool XGCommandQueueAddCommand(XGCommandQueueRef queue, XGCommand* command) {
 
     command->isPooled = command->lendsColor = false;
     cg::CommandPointer taken(command);
+    taken->bounds = CGRectStandardize(taken->bounds);
     if (!settle(*queue, *taken))
         return true;
     if (const CGColorRef debugColor = cg::debugColorFor(taken->kind))

@@ -71,8 +71,8 @@ XGCommandQueueRef makeQueue(uint32_t width, uint32_t height, uint32_t bitsPerCom
 // memory runs out.
 XGCommand* draftCommand(XGCommandQueue& queue, XGCommandKind kind, std::size_t itemCount);
 void dropDraft(XGCommandQueue& queue, XGCommand* draft);
-// XGCommandQueueAddCommand of a draft without a colour, which gets this one: one of the canvas's
-// space, lent, or NULL.
+// XGCommandQueueAddCommand of a draft with standardised bounds and without a colour, which gets
+// this one: one of the canvas's space, lent, or NULL.
 bool addDraft(XGCommandQueue& queue, XGCommand* draft, CGColorRef color);
 // From now on every command is refused: an image stands for what was recorded until now.
 inline void closeQueue(XGCommandQueueRef queue) {
