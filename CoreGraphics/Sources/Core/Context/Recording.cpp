@@ -40,7 +40,9 @@ Edges canvasOf(const CGContext& context) {
 
 // What the clip leaves of the canvas; none for a clip that is more than a rectangle of pixels.
 // There is none, too, where the state asks for what no command has.
-std::optional<Edges> recordableArea(const CGContext& context) {
+// Inlined, as is what follows from it for a rectangle: edges that are returned in memory are
+// written one by one and read at once, which waits for the writes.
+[[gnu::always_inline]] inline std::optional<Edges> recordableArea(const CGContext& context) {
     const XGGState& state = *context.state.get();
     const XGClipping* const clipping = state.clipping.get();
     if ((state.values.shadowColor && XGGStateHasShadow(context.state.get())) ||
@@ -133,7 +135,7 @@ public:
         needsWholePixels_ = draft_ && (!isSmooth(context) || draft_.isTranslucentCopy());
     }
 
-    bool add(const Edges& edges) {
+    [[gnu::always_inline]] bool add(const Edges& edges) {
         if (!draft_ || !edges.isFinite())
             return false;
         const Edges seen = edges.within(area_);
