@@ -4,6 +4,8 @@
 
 #include <Host/Host.h>
 
+#include "FileTimes.h"
+
 #include <fontconfig/fontconfig.h>
 #include <limits.h>
 
@@ -13,6 +15,7 @@
 #include <cstdlib>
 #include <mutex>
 #include <string_view>
+#include <utility>
 
 namespace host {
 namespace {
@@ -25,10 +28,9 @@ constexpr const char* kVariables[] = {
 // A folder that has just changed may change again without its time telling.
 constexpr std::int64_t kSettlingTime = 2'000'000;
 
-std::int64_t timeOf(const std::string& path) {
+std::int64_t timeOf(FileTimes& times, const std::string& path) {
     double seconds = 0;
-    return HostFileGetModificationTime(path.c_str(), &seconds) ? std::llround(seconds * 1e6)
-                                                               : FontList::kAbsent;
+    return times.get(path, seconds) ? std::llround(seconds * 1e6) : FontList::kAbsent;
 }
 
 std::string environmentVariable(const char* name) {
@@ -92,8 +94,9 @@ std::shared_ptr<const FontList> askFontconfig() {
     const FcFontSet* const fonts = config ? FcConfigGetFonts(config, FcSetSystem) : nullptr;
     if (fonts) {
         list->environment = presentEnvironment();
+        FileTimes times;
         for (std::string& path : sourcePathsOf(config)) {
-            const std::int64_t time = timeOf(path);
+            const std::int64_t time = timeOf(times, path);
             list->sources.push_back({std::move(path), time});
         }
         for (int i = 0; i < fonts->nfont; ++i) {
@@ -121,8 +124,7 @@ std::shared_ptr<const FontList> readCached() {
     const Descriptor file(isThere ? HostFileOpenForReading(path) : -1);
     if (!file || !HostFileMap(file.get(), &mapping))
         return nullptr;
-    const auto list =
-        parsedFontList(std::string(static_cast<const char*>(mapping.bytes), mapping.size));
+    const auto list = parsedFontList({static_cast<const char*>(mapping.bytes), mapping.size});
     HostFileUnmap(&mapping);
     return list && list->isCurrent() ? list : nullptr;
 }
@@ -168,16 +170,16 @@ constexpr std::string_view kLastLine = "end";
 bool takeEntry(FontList& list, std::string_view line) {
     if (line.size() < 2 || line[1] != ' ')
         return false;
-    const std::string rest(line.substr(2));
+    std::string rest(line.substr(2));
     switch (line[0]) {
     case 'e':
-        list.environment = rest;
+        list.environment = std::move(rest);
         return true;
     case 'f':
-        list.files.push_back(rest);
+        list.files.push_back(std::move(rest));
         return true;
     case 'n':
-        list.families.push_back(rest);
+        list.families.push_back(std::move(rest));
         return true;
     case 's': {
         char* end = nullptr;
@@ -192,18 +194,29 @@ bool takeEntry(FontList& list, std::string_view line) {
     }
 }
 
+// Whether texts that start so can be equal but for case. What is not ASCII may be in another case.
+bool mayBeEqual(char a, char b) {
+    const auto lower = [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
+    };
+    return lower(a) == lower(b) || ((a | b) & 0x80) != 0;
+}
+
 } // namespace
 
 bool FontList::isCurrent() const {
+    FileTimes times;
     return environment == presentEnvironment() &&
-           std::all_of(sources.begin(), sources.end(),
-                       [](const Source& source) { return timeOf(source.path) == source.time; });
+           std::all_of(sources.begin(), sources.end(), [&](const Source& source) {
+               return timeOf(times, source.path) == source.time;
+           });
 }
 
 bool FontList::hasFamily(const char* family) const {
     const auto* const wanted = reinterpret_cast<const FcChar8*>(family);
-    return std::any_of(families.begin(), families.end(), [wanted](const std::string& name) {
-        return FcStrCmpIgnoreCase(reinterpret_cast<const FcChar8*>(name.c_str()), wanted) == 0;
+    return std::any_of(families.begin(), families.end(), [=](const std::string& name) {
+        return mayBeEqual(name[0], family[0]) &&
+               FcStrCmpIgnoreCase(reinterpret_cast<const FcChar8*>(name.c_str()), wanted) == 0;
     });
 }
 
@@ -219,15 +232,14 @@ std::string serialized(const FontList& list) {
     return text.append(kLastLine) + '\n';
 }
 
-std::shared_ptr<const FontList> parsedFontList(const std::string& text) {
+std::shared_ptr<const FontList> parsedFontList(std::string_view text) {
     const auto list = std::make_shared<FontList>();
-    std::string_view rest = text;
     std::string_view line;
-    if (!takeLine(rest, line) || line != kFirstLine)
+    if (!takeLine(text, line) || line != kFirstLine)
         return nullptr;
-    while (takeLine(rest, line)) {
+    while (takeLine(text, line)) {
         if (line == kLastLine)
-            return rest.empty() && !list->sources.empty() ? list : nullptr;
+            return text.empty() && !list->sources.empty() ? list : nullptr;
         if (!takeEntry(*list, line))
             return nullptr;
     }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -36,6 +37,6 @@ std::shared_ptr<const FontList> fontList(Freshness freshness);
 
 // As text, and back: an empty pointer for anything but the whole of such a text.
 std::string serialized(const FontList& list);
-std::shared_ptr<const FontList> parsedFontList(const std::string& text);
+std::shared_ptr<const FontList> parsedFontList(std::string_view text);
 
 } // namespace host

@@ -2,6 +2,7 @@
 
 #include <Host/Fonts.h>
 
+#include "FileTimes.h"
 #include "FontList.h"
 
 #include <fontconfig/fontconfig.h>
@@ -85,9 +86,10 @@ bool HostFontEnumerate(HostFontFunction function, void* context) {
     const auto list = function ? host::fontList(host::Freshness::Now) : nullptr;
     if (!list)
         return false;
+    host::FileTimes times;
     for (const std::string& path : list->files) {
         double seconds = 0;
-        if (!HostFileGetModificationTime(path.c_str(), &seconds))
+        if (!times.get(path, seconds))
             continue;
         const HostFont font = {path.c_str(), nullptr, static_cast<int64_t>(std::floor(seconds))};
         function(&font, context);
