@@ -10,7 +10,7 @@ namespace fm {
 std::optional<std::uint64_t> readNumber(FMDatabaseRef database, const RecordKey& key) {
     if (!database)
         return std::nullopt;
-    const std::lock_guard hold(database->mutex);
+    const auto hold = database->holdForReading();
     const auto value = database->find(key);
     if (!value || value->size() != sizeof(std::uint64_t))
         return std::nullopt;
@@ -20,7 +20,7 @@ std::optional<std::uint64_t> readNumber(FMDatabaseRef database, const RecordKey&
 cf::Ref<CFStringRef> readString(FMDatabaseRef database, const RecordKey& key) {
     if (!database)
         return nullptr;
-    const std::lock_guard hold(database->mutex);
+    const auto hold = database->holdForReading();
     const auto value = database->find(key);
     if (!value)
         return nullptr;
@@ -110,7 +110,7 @@ int64_t FMDatabaseCopyFontGlyphIdCache(FMDatabaseRef database, FMFontId fontId) 
 bool FMDatabaseGetFontMetrics(FMDatabaseRef database, FMFontId fontId, FMFontMetrics* metrics) {
     if (!database || !metrics)
         return false;
-    const std::lock_guard hold(database->mutex);
+    const auto hold = database->holdForReading();
     const auto value = database->find(fm::RecordKey(fm::record::kMetrics, fontId));
     return value && fm::unpackMetrics(*value, *metrics);
 }
@@ -123,7 +123,7 @@ bool FMDatabaseCopyCharmaps(FMDatabaseRef database, FMFontId fontId, uint32_t** 
     *count = 0;
     if (!database)
         return false;
-    const std::lock_guard hold(database->mutex);
+    const auto hold = database->holdForReading();
     const auto stored = database->find(fm::RecordKey(fm::record::kCharmaps, fontId));
     if (!stored || stored->size() % sizeof(uint32_t) != 0)
         return false;

@@ -16,16 +16,22 @@
 
 struct FMDatabase {
     CFRuntimeBase base;
+    // Set when a database is opened, and not changed since.
+    std::optional<constantdatabase::Reader> reader;
+    cf::Ref<CFDataRef> contents; // What the reader reads if it is no file.
+
     fm::RecursiveMutex mutex; // Guards all that follows. No other lock is taken under it.
-    std::optional<constantdatabase::Reader> reader; // Of a database that was opened.
-    cf::Ref<CFDataRef> contents;                    // What the reader reads if it is no file.
-    fm::RecordMap records;                          // Of one in memory.
+    fm::RecordMap records;    // Of one in memory.
     bool isInMemory = false;
     bool isPersisted = false;
     bool isIncomplete = false; // A record was lost for want of memory.
     int64_t nextFontId = 0;    // 0 until it has been read.
 
-    // In place, while the mutex is held and nothing is stored.
+    // Held while records are read. Those of a file never change, and threads read them at once.
+    std::unique_lock<fm::RecursiveMutex> holdForReading() {
+        return reader ? std::unique_lock<fm::RecursiveMutex>() : std::unique_lock(mutex);
+    }
+    // In place, while they are held for reading and nothing is stored.
     std::optional<fm::Bytes> find(const fm::RecordKey& key) const {
         if (!key.isValid())
             return std::nullopt;

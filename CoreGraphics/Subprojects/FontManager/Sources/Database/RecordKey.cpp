@@ -71,6 +71,23 @@ RecordKey::RecordKey(const char* kind, CFStringRef string) {
     size_ = kKindSize + encode(lower.get(), long_.get() + kKindSize, needed - kKindSize);
 }
 
+RecordKey::RecordKey(const char* kind, std::string_view text) {
+    const std::span room = std::span(short_).subspan(kKindSize);
+    if (text.size() <= room.size()) {
+        std::memcpy(room.data(), text.data(), text.size());
+        if (lowerASCII(room.first(text.size()))) {
+            std::memcpy(short_.data(), kind, kKindSize);
+            size_ = kKindSize + text.size();
+            return;
+        }
+    }
+    *this = RecordKey(
+        kind, cf::adopt(CFStringCreateWithBytes(
+                            nullptr, reinterpret_cast<const UInt8*>(text.data()),
+                            static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false))
+                  .get());
+}
+
 StringBytes stringBytes(CFStringRef string) {
     StringBytes result;
     const std::size_t size = encode(string, nullptr, 0);

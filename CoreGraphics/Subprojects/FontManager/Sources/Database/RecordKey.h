@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string_view>
 
 namespace fm {
 
@@ -24,6 +25,8 @@ public:
     explicit RecordKey(const char* kind, FMFontId fontId = record::kNoFont);
     // Of a string, in lower case. Without memory, or without a string, the key is not valid.
     RecordKey(const char* kind, CFStringRef string);
+    // The same of its UTF-8.
+    RecordKey(const char* kind, std::string_view text);
 
     bool isValid() const { return size_ > 0; }
     Bytes bytes() const { return {long_ ? long_.get() : short_.data(), size_}; }

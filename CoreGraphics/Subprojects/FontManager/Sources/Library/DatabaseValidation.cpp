@@ -85,7 +85,7 @@ bool isValid(FMDatabaseRef database, const InstalledFonts& installed) {
                  serializedPreferredLanguages()) &&
            isOfThisApplication(database) &&
            holds(database, FMDatabaseCopySystemResourcesToken, systemResourcesToken()) &&
-           records.areWhole() && installed.areIn(database) && records.haveTheirFiles(installed);
+           records.areWhole() && installed.areInDatabase() && records.haveTheirFiles(installed);
 }
 
 } // namespace fm

@@ -48,7 +48,7 @@ struct Cached {
 
     Cached() {
         if (database)
-            installed.emplace();
+            installed.emplace(database.get());
     }
 };
 

@@ -2,35 +2,37 @@
 
 #include "Library/InstalledFonts.h"
 
-#include <Host/Host.h>
+#include <Host/Fonts.h>
 
-#include "Font/FontIterator.h"
+#include "Core/Object/Diagnostics.h"
+#include "Database/FMDatabaseRecord.h"
 
 #include <algorithm>
 #include <atomic>
-#include <climits>
-#include <unordered_set>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace fm {
 
 struct InstalledFonts::Listing {
-    struct Font {
-        cf::Ref<CFStringRef> identifier; // A path or a name.
-        std::int64_t time;
-    };
-
-    std::vector<Font> fonts;
-    std::unordered_set<std::string> files;
+    cf::Ref<FMDatabaseRef> database;
+    std::vector<std::string> files;
     bool isListed = false;
+    bool areInDatabase = true;
     std::atomic<bool> isTaken = false; // Somebody is making the list.
     std::atomic<bool> isMade = false;
 
     void make() {
         if (isTaken.exchange(true))
             return;
-        list();
+        const auto take = [](const HostFont* font, void* context) {
+            static_cast<Listing*>(context)->take(*font);
+        };
+        isListed = HostFontEnumerate(take, this);
+        // The host gives them in this order.
+        if (!std::ranges::is_sorted(files))
+            std::ranges::sort(files);
         isMade = true;
         isMade.notify_all();
     }
@@ -40,22 +42,23 @@ struct InstalledFonts::Listing {
     }
 
 private:
-    void list() {
-        const FMFontIteratorRef iterator = FMFontIteratorCreate();
-        isListed = iterator != nullptr;
-        while (FMFontIteratorNext(iterator)) {
-            auto path = currentPath(iterator);
-            char bytes[PATH_MAX];
-            if (path && CFStringGetFileSystemRepresentation(path.get(), bytes, sizeof bytes))
-                files.emplace(bytes);
-            fonts.push_back({path ? std::move(path) : currentWindowsIdentifier(iterator),
-                             currentModificationTime(iterator)});
+    void take(const HostFont& font) {
+        const char* const identifier = font.path ? font.path : font.name;
+        const RecordKey key(record::kLastModified, std::string_view(identifier));
+        if (!key.isValid()) {
+            CG_LOG_AS(kHostLogWarning, "FMLibraryGetShared", "a font was left out");
+            return;
         }
-        FMFontIteratorRelease(iterator);
+        const auto stored = readNumber(database.get(), key);
+        areInDatabase =
+            areInDatabase && stored && static_cast<std::int64_t>(*stored) == font.modificationTime;
+        if (font.path)
+            files.emplace_back(font.path);
     }
 };
 
-InstalledFonts::InstalledFonts() : listing_(std::make_shared<Listing>()) {
+InstalledFonts::InstalledFonts(FMDatabaseRef database) : listing_(std::make_shared<Listing>()) {
+    listing_->database = cf::retain(database);
     auto task = std::make_unique<std::shared_ptr<Listing>>(listing_);
     const auto run = [](void* context) {
         const std::unique_ptr<std::shared_ptr<Listing>> listing(
@@ -66,16 +69,14 @@ InstalledFonts::InstalledFonts() : listing_(std::make_shared<Listing>()) {
         static_cast<void>(task.release());
 }
 
-bool InstalledFonts::areIn(FMDatabaseRef database) const {
+bool InstalledFonts::areInDatabase() const {
     listing_->waitUntilMade();
-    return listing_->isListed && std::ranges::all_of(listing_->fonts, [&](const auto& font) {
-               return storedModificationTime(database, font.identifier.get()) == font.time;
-           });
+    return listing_->isListed && listing_->areInDatabase;
 }
 
 bool InstalledFonts::haveFile(const std::string& path) const {
     listing_->waitUntilMade();
-    return listing_->files.contains(path);
+    return std::ranges::binary_search(listing_->files, path);
 }
 
 std::optional<std::int64_t> storedModificationTime(FMDatabaseRef database, CFStringRef identifier) {

@@ -16,10 +16,10 @@ namespace fm {
 // the background. Who asks before a thread has come to it does it himself.
 class InstalledFonts {
 public:
-    InstalledFonts();
+    explicit InstalledFonts(FMDatabaseRef database);
 
     // Whether the database has each as it is now.
-    bool areIn(FMDatabaseRef database) const;
+    bool areInDatabase() const;
     // Whether the file is one of theirs, of which the host says that it is there.
     bool haveFile(const std::string& path) const;
 

@@ -22,7 +22,7 @@ auto withRecord(FMDatabaseRef database, const char* kind, FMFontId fontId, Read 
     -> decltype(read(std::string_view())) {
     if (!database)
         return {};
-    const std::lock_guard hold(database->mutex);
+    const auto hold = database->holdForReading();
     const auto value = database->find(RecordKey(kind, fontId));
     if (!value)
         return {};
@@ -35,13 +35,25 @@ cf::Ref<CFStringRef> stringOfUTF8(std::string_view bytes) {
                                              kCFStringEncodingUTF8, false));
 }
 
+// Without a way out in between, which lets the compiler take many bytes at once.
 bool isASCII(std::string_view bytes) {
-    return std::ranges::all_of(bytes, [](char c) { return (c & 0x80) == 0; });
+    unsigned char bits = 0;
+    for (const char c : bytes)
+        bits = static_cast<unsigned char>(bits | static_cast<unsigned char>(c));
+    return bits < 0x80;
+}
+
+std::u16string lowerCasedASCII(std::string_view bytes) {
+    std::u16string text(bytes.size(), u'\0');
+    std::ranges::transform(bytes, text.begin(), [](char c) {
+        return static_cast<char16_t>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+    });
+    return text;
 }
 
 std::optional<std::u16string> lowerCasedUTF8(std::string_view bytes) {
     if (isASCII(bytes))
-        return lowerCased(std::u16string(bytes.begin(), bytes.end()));
+        return lowerCasedASCII(bytes);
     const auto string = stringOfUTF8(bytes);
     return string ? std::optional(lowerCased(string.get())) : std::nullopt;
 }
