@@ -36,7 +36,8 @@ class Machine {
 public:
     Machine() {
         setenv("HOME", folder.path().c_str(), 1);
-        unsetenv("XDG_CONFIG_HOME");
+        for (const char* elsewhere : {"XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"})
+            unsetenv(elsewhere);
         setenv("FONTCONFIG_FILE", configuration().c_str(), 1);
         fs::create_directory(fonts());
         fs::copy(kFont, fonts() / "Font.ttf");
