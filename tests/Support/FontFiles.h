@@ -3,6 +3,8 @@
 
 #include <FontManager/FMFont.h>
 
+#include "Support/FontPaths.h"
+
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
@@ -10,13 +12,9 @@
 
 namespace test {
 
-inline constexpr char kTrueType[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-inline constexpr char kVariable[] = "/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf";
 inline constexpr char kCompact[] = "/usr/share/fonts/opentype/urw-base35/NimbusRoman-Regular.otf";
 inline constexpr char kType1[] = "/usr/share/fonts/X11/Type1/NimbusRoman-Regular.pfb";
 inline constexpr char kChinese[] = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
-inline constexpr char kColor[] = "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf";
-inline constexpr char kBitmap[] = "/usr/share/fonts/X11/misc/unifont.pcf.gz";
 inline constexpr char kArabic[] = "/usr/share/fonts/truetype/noto/NotoSansArabic-Regular.ttf";
 inline constexpr char kDevanagari[] =
     "/usr/share/fonts/truetype/noto/NotoSansDevanagari-Regular.ttf";

@@ -8,6 +8,8 @@
 #include <CoreGraphics/CGFont.h>
 #include <FontManager/FMFont.h>
 
+#include "Support/FontPaths.h"
+
 #include <string_view>
 #include <vector>
 
@@ -15,14 +17,10 @@ namespace test {
 
 using Font = cf::Ref<CGFontRef>;
 
-inline constexpr char kTrueTypeFont[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
 inline constexpr char kMonospacedFont[] =
     "/usr/share/fonts/truetype/liberation2/LiberationMono-Regular.ttf";
 inline constexpr char kCFFFont[] = "/usr/share/fonts/opentype/urw-base35/NimbusRoman-Italic.otf";
 inline constexpr char kType1Font[] = "/usr/share/fonts/type1/urw-base35/C059-Roman.t1";
-inline constexpr char kVariableFont[] = "/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf";
-inline constexpr char kBitmapFont[] = "/usr/share/fonts/X11/misc/unifont.pcf.gz";
-inline constexpr char kColorFont[] = "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf";
 inline constexpr char kCollection[] = "/usr/share/fonts/opentype/noto/NotoSerifCJK-Bold.ttc";
 
 // Empty where there is no such font.

@@ -78,7 +78,7 @@ Bytes inksOf(const Bytes& profile, const Bytes& rgb) {
 TEST(BitmapInks, AreWhatTheProfileMakesOfTheColorsDrawn) {
     const Bytes profile = fileBytes("/usr/share/color/icc/ghostscript/default_cmyk.icc");
     if (profile.empty())
-        GTEST_SKIP() << "no profile of inks is installed (icc-profiles-free, libgs-common)";
+        GTEST_SKIP() << "no profile of inks is installed (libgs-common)";
     const auto data =
         cf::adopt(CFDataCreate(nullptr, profile.data(), static_cast<CFIndex>(profile.size())));
     const auto space = cf::adopt(CGColorSpaceCreateWithICCProfile(data.get()));

@@ -38,7 +38,7 @@ void readAll(FMDatabaseRef database) {
 std::string bytesOfADatabase(const TemporaryFolder& folder) {
     const Database database = makeDatabase();
     const uint32_t values[] = {1, 2, 3};
-    if (const Font font = openFont(kTrueType)) {
+    if (const Font font = openFont(kTrueTypeFont)) {
         EXPECT_TRUE(FMDatabaseStoreFont(database.get(), font.get()));
     }
     EXPECT_TRUE(FMDatabaseStoreCharmaps(database.get(), -1, values, 3));

@@ -101,7 +101,8 @@ TEST(FMDatabase, KeepsFontsInRecordsOfTheirIds) {
     const TemporaryFolder folder;
     const Database database = makeDatabase();
     std::map<std::string, std::string> expected = {{kVersionKey, number(9)}};
-    const char* const paths[] = {kTrueType, kCompact, kType1, kChinese, kColor, kBitmap};
+    const char* const paths[] = {kTrueTypeFont, kCompact,   kType1,
+                                 kChinese,      kColorFont, kBitmapFont};
     std::vector<Font> fonts;
     for (const char* const path : paths) {
         if (Font font = openFont(path, path == kChinese ? 3 : 0)) {
@@ -133,7 +134,7 @@ TEST(FMDatabase, KeepsFontsInRecordsOfTheirIds) {
 
 TEST(FMDatabase, RemembersWhenFontsWithoutAFileWereChanged) {
     std::stringstream bytes;
-    bytes << std::ifstream(kTrueType, std::ios::binary).rdbuf();
+    bytes << std::ifstream(kTrueTypeFont, std::ios::binary).rdbuf();
     const std::string data = bytes.str();
     const Font font(FMFontCreateFromMemory(data.data(), data.size(), 0, false));
     ASSERT_TRUE(font) << "fonts-dejavu-core is not installed";
@@ -239,7 +240,7 @@ TEST(FMDatabase, PutsEachKindOfRecordUnderItsKey) {
 
 TEST(FMDatabase, FindsFontsByNimbraIdsInAnyCase) {
     const Database database = makeDatabase();
-    const Font font = openFont(kTrueType);
+    const Font font = openFont(kTrueTypeFont);
     ASSERT_TRUE(font) << "fonts-dejavu-core is not installed";
     ASSERT_TRUE(FMDatabaseStoreFont(database.get(), font.get()));
     const String nimbraId = cf::adopt(FMFontCopyNimbraId(font.get(), true));

@@ -29,7 +29,7 @@ std::string contentsOf(const char* path) {
 } // namespace
 
 TEST(FMGlyphHostile, SizesAndTransformsThatNothingCanBeDrawnWithGiveNoRecord) {
-    const Font font = test::openFont(test::kTrueType);
+    const Font font = test::openFont(test::kTrueTypeFont);
     const struct {
         const char* what;
         FMGlyphDescription description;
@@ -58,7 +58,7 @@ TEST(FMGlyphHostile, AbsurdSizesOfAllKindsOfFontsAreSurvived) {
                                             {kMost, 0, 0, kMost, 0, 0},
                                             {1, 1e9f, -1e9f, 1, kNan, kInfinity}};
     for (const char* path :
-         {test::kTrueType, test::kCompact, test::kType1, test::kColor, test::kBitmap}) {
+         {test::kTrueTypeFont, test::kCompact, test::kType1, test::kColorFont, test::kBitmapFont}) {
         const Font font = test::openFont(path);
         ASSERT_TRUE(font) << path;
         for (const CGFloat size : {1e-3f, 0.25f, 700.f, 10000.f, 1e9f, kMost})
@@ -74,7 +74,7 @@ TEST(FMGlyphHostile, AbsurdSizesOfAllKindsOfFontsAreSurvived) {
 
 TEST(FMGlyphHostile, DamagedFontsNeverGiveMoreThanTheirPixels) {
     std::minstd_rand random(7); // Fixed: a failure comes again.
-    for (const char* path : {test::kTrueType, test::kCompact, test::kType1}) {
+    for (const char* path : {test::kTrueTypeFont, test::kCompact, test::kType1}) {
         const std::string whole = contentsOf(path);
         ASSERT_FALSE(whole.empty()) << path;
         for (int round = 0; round < 60; ++round) {

@@ -91,7 +91,7 @@ TEST(FMGlyph, MasksAreFreeTypesForTheSameSizeTransformAndPlace) {
          {32, 0}},
     };
     for (const char* path :
-         {test::kTrueType, test::kVariable, test::kCompact, test::kType1, test::kChinese}) {
+         {test::kTrueTypeFont, test::kVariableFont, test::kCompact, test::kType1, test::kChinese}) {
         const Font font = openFont(path);
         const BareFace bare(path);
         ASSERT_TRUE(font && bare.get()) << path;
@@ -120,8 +120,8 @@ TEST(FMGlyph, MasksAreFreeTypesForTheSameSizeTransformAndPlace) {
 }
 
 TEST(FMGlyph, WithoutAntialiasingEachPixelIsTheBitThatFreeTypeSets) {
-    const Font font = openFont(test::kTrueType);
-    const BareFace bare(test::kTrueType);
+    const Font font = openFont(test::kTrueTypeFont);
+    const BareFace bare(test::kTrueTypeFont);
     const CGGlyph glyph = bare.glyph('R');
     const Glyph record = copyGlyph(font.get(), glyph, test::upright(20, FMGlyphOptions{}));
     ASSERT_TRUE(record &&
@@ -137,8 +137,8 @@ TEST(FMGlyph, WithoutAntialiasingEachPixelIsTheBitThatFreeTypeSets) {
 }
 
 TEST(FMGlyph, TheSameShapeComesFromTheSizeAndFromTheTransform) {
-    const Font font = openFont(test::kTrueType);
-    const CGGlyph glyph = BareFace(test::kTrueType).glyph('g');
+    const Font font = openFont(test::kTrueTypeFont);
+    const CGGlyph glyph = BareFace(test::kTrueTypeFont).glyph('g');
     const Glyph bySize = copyGlyph(font.get(), glyph, test::upright(36));
     FMGlyphDescription description = test::upright(1);
     description.transform = CGAffineTransformMakeScale(36, 36);
@@ -154,12 +154,12 @@ TEST(FMGlyph, WithoutASizeItMeasuresInFontUnits) {
         FMGlyphFormat format;
         bool hasOutline;
     } cases[] = {
-        {"TrueType", test::kTrueType, 'g', kFMGlyphFormatOutline, true},
-        {"a space", test::kTrueType, ' ', kFMGlyphFormatOutline, false},
+        {"TrueType", test::kTrueTypeFont, 'g', kFMGlyphFormatOutline, true},
+        {"a space", test::kTrueTypeFont, ' ', kFMGlyphFormatOutline, false},
         {"Compact Font Format", test::kCompact, 'g', kFMGlyphFormatOutline, true},
         {"Type 1", test::kType1, 'g', kFMGlyphFormatOutline, true},
-        {"colours", test::kColor, 0x1F600, kFMGlyphFormatColor, false},
-        {"bitmaps", test::kBitmap, 'g', kFMGlyphFormatGreyMask, false},
+        {"colours", test::kColorFont, 0x1F600, kFMGlyphFormatColor, false},
+        {"bitmaps", test::kBitmapFont, 'g', kFMGlyphFormatGreyMask, false},
     };
     for (const auto& [what, path, character, format, hasOutline] : cases) {
         const Font font = openFont(path);
@@ -182,8 +182,8 @@ TEST(FMGlyph, WithoutASizeItMeasuresInFontUnits) {
 }
 
 TEST(FMGlyph, AdvancesAndBearingsGoWithTheTransform) {
-    const Font font = openFont(test::kTrueType);
-    const CGGlyph glyph = BareFace(test::kTrueType).glyph('g');
+    const Font font = openFont(test::kTrueTypeFont);
+    const CGGlyph glyph = BareFace(test::kTrueTypeFont).glyph('g');
     const Glyph measured(FMFontCopyGlyph(font.get(), glyph, nullptr));
     FMGlyphDescription description = test::upright(64);
     description.transform = {0, 1, -1, 0, 0, 0};
@@ -195,8 +195,8 @@ TEST(FMGlyph, AdvancesAndBearingsGoWithTheTransform) {
 }
 
 TEST(FMGlyph, AGlyphTooLargeForAMaskIsAnOutlineInPixels) {
-    const Font font = openFont(test::kTrueType);
-    const CGGlyph glyph = BareFace(test::kTrueType).glyph('g');
+    const Font font = openFont(test::kTrueTypeFont);
+    const CGGlyph glyph = BareFace(test::kTrueTypeFont).glyph('g');
     CGRect units;
     ASSERT_TRUE(FMFontGetBoundingRectsForGlyphs(font.get(), &glyph, &units, 1));
     for (const CGFloat size : {600.f, 10000.f}) {
@@ -211,11 +211,11 @@ TEST(FMGlyph, AGlyphTooLargeForAMaskIsAnOutlineInPixels) {
 }
 
 TEST(FMGlyph, StrikesAreUntouchedAtTheirSizeAndMeansOfItsPixelsAtOthers) {
-    for (const char* path : {test::kColor, test::kBitmap}) {
+    for (const char* path : {test::kColorFont, test::kBitmapFont}) {
         const Font font = openFont(path);
         const BareFace bare(path);
         ASSERT_TRUE(font && bare.get()) << path;
-        const bool isColor = path == test::kColor;
+        const bool isColor = path == test::kColorFont;
         const CGGlyph glyph = bare.glyph(isColor ? 0x1F600 : 'R');
         const CGFloat strike = CGFloat(bare.get()->available_sizes[0].y_ppem) / 64;
         ASSERT_EQ(FT_Select_Size(bare.get(), 0), 0);
@@ -241,8 +241,8 @@ TEST(FMGlyph, StrikesAreUntouchedAtTheirSizeAndMeansOfItsPixelsAtOthers) {
 }
 
 TEST(FMGlyph, RecordsOutliveTheirFont) {
-    Font font = openFont(test::kTrueType);
-    const CGGlyph glyph = BareFace(test::kTrueType).glyph('g');
+    Font font = openFont(test::kTrueTypeFont);
+    const CGGlyph glyph = BareFace(test::kTrueTypeFont).glyph('g');
     const Glyph record = copyGlyph(font.get(), glyph, test::upright(20));
     const std::string rows = rowsOf(*record, 1);
     FMFontLock(font.get());

@@ -96,7 +96,7 @@ TEST(GlyphCache, ThreadsShareRecordsThatComeAndGo) {
 }
 
 TEST(GlyphCache, ThreadsDrawWithOneFont) {
-    const test::Font font = test::openFont(test::kTrueType);
+    const test::Font font = test::openFont(test::kTrueTypeFont);
     std::vector<std::vector<FMGlyphRef>> seen(test::kThreads);
     test::onThreads([&](size_t thread) {
         for (int round = 0; round < 3; ++round)

@@ -130,7 +130,7 @@ TEST(HarfBuzzFont, AdvancesAreThoseOfTheFileForEveryGlyph) {
 }
 
 TEST(HarfBuzzFont, IsMadeForFontsThatHarfBuzzCannotRead) {
-    for (const char* path : {test::kType1, test::kBitmap}) {
+    for (const char* path : {test::kType1, test::kBitmapFont}) {
         const Font font = test::openFont(path);
         hb_font_t* const shaped = FMFontGetHarfBuzzFont(font.get());
         ASSERT_TRUE(shaped) << path;

@@ -82,15 +82,15 @@ TEST(Sprites, PlayedFromTheAtlasAreTheTextOfABitmap) {
         CGFloat turn;
         int tolerance;
     } cases[] = {
-        {"white on black", test::kTrueType, 20, {1, 0}, 0, 2},
+        {"white on black", test::kTrueTypeFont, 20, {1, 0}, 0, 2},
         {"white on grey", test::kCompact, 33, {1, 0.5f}, 0, 2},
         {"dark grey on white", test::kChinese, 17, {0.3f, 1}, 0, 2},
         {"light grey on black", test::kType1, 17, {0.8f, 0}, 0, 2},
-        {"red on grey", test::kTrueType, 17, {-1, 0.5f}, 0, 2},
-        {"turned", test::kTrueType, 20, {1, 0}, 0.1f, 13},
-        {"downwards", test::kTrueType, 20, {1, 0}, -1.5707963f, 2},
-        {"black on white", test::kTrueType, 20, {0, 1}, 0, 2},
-        {"colours", test::kColor, 24, {1, 0.25f}, 0, 75},
+        {"red on grey", test::kTrueTypeFont, 17, {-1, 0.5f}, 0, 2},
+        {"turned", test::kTrueTypeFont, 20, {1, 0}, 0.1f, 13},
+        {"downwards", test::kTrueTypeFont, 20, {1, 0}, -1.5707963f, 2},
+        {"black on white", test::kTrueTypeFont, 20, {0, 1}, 0, 2},
+        {"colours", test::kColorFont, 24, {1, 0.25f}, 0, 75},
     };
     for (const auto& [what, path, size, colors, turn, tolerance] : cases) {
         AtlasHost host(1024);
@@ -117,8 +117,8 @@ TEST(Sprites, PlayedFromTheAtlasAreTheTextOfABitmap) {
 }
 
 TEST(Sprites, ArePlacedOnceInAnAtlasAndAgainInTheNext) {
-    const Font font = test::openFont(test::kTrueType);
-    const CGGlyph glyph = test::BareFace(test::kTrueType).glyph('g');
+    const Font font = test::openFont(test::kTrueTypeFont);
+    const CGGlyph glyph = test::BareFace(test::kTrueTypeFont).glyph('g');
     const FMGlyphDescription description = test::upright(21);
     const auto copy = [&](FMGlyphDescription how) {
         return test::Glyph(FMFontCopyBitmapGlyphWithSprite(font.get(), glyph, &how));
@@ -137,8 +137,8 @@ TEST(Sprites, ArePlacedOnceInAnAtlasAndAgainInTheNext) {
 
 TEST(Sprites, GiveTheirPlaceBackWithTheLastUser) {
     AtlasHost host(1024);
-    const Font font = test::openFont(test::kColor);
-    const CGGlyph glyph = test::BareFace(test::kColor).glyph(0x1F600);
+    const Font font = test::openFont(test::kColorFont);
+    const CGGlyph glyph = test::BareFace(test::kColorFont).glyph(0x1F600);
     // Too large for the cache, which would be one more user.
     const FMGlyphDescription description = test::upright(400);
     test::Glyph first(FMFontCopyBitmapGlyphWithSprite(font.get(), glyph, &description));

@@ -203,7 +203,7 @@ TEST(FMPostScript, OnlySomeFontsAndFormatsCanBeWritten) {
         tiny.permissions = permissions;
         EXPECT_EQ(subset(open(tiny).get(), format, {1}) != "(none)", isWritten) << what;
     }
-    EXPECT_EQ(subset(test::openFont(test::kBitmap).get(), 1, {1}), "(none)");
+    EXPECT_EQ(subset(test::openFont(test::kBitmapFont).get(), 1, {1}), "(none)");
     EXPECT_EQ(FMFontCreatePostScriptSubset(open(kTiny).get(), nullptr, kCGFontPostScriptFormatType1,
                                            nullptr, 0, nullptr),
               nullptr);

@@ -117,8 +117,8 @@ void GlyphRun::findMasks(std::span<const CGGlyph> glyphs, std::span<const CGPoin
 
 void GlyphRun::findOutlines(Left& left) {
     if (!outlineStrike_) {
-        auto [spec, scale] = SkStrikeSpec::MakePath(style_.font, paint_, style_.props, kGamma);
-        outlineStrike_ = spec.findOrCreateStrike();
+        auto [unscaled, scale] = SkStrikeSpec::MakePath(style_.font, paint_, style_.props, kGamma);
+        outlineStrike_ = unscaled.findOrCreateStrike();
         outlineScale_ = scale;
     }
     const StrikeLock lock(*outlineStrike_);

@@ -15,8 +15,8 @@ namespace {
 
 using Subtags = std::array<char, ULOC_FULLNAME_CAPACITY>;
 
-// Macintosh language codes in order, as the TrueType font file specification lists them; "" where a
-// number stands for nothing.
+// Macintosh language codes in order, as they stand for languages in TrueType's name table; "" where
+// a number stands for nothing.
 constexpr std::array<const char*, 95> kMacLanguages = {
     "en",      "fr", "de", "it",      "nl",      "sv", "es", "da",      "pt",      "nb",
     "he",      "ja", "ar", "fi",      "el",      "is", "mt", "tr",      "hr",      "zh-Hant",
